@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: MIT
+#include "link/json_access.h"
+
+#include <cmath>
+#include <limits>
+#include <memory>
+
+json::object settings_object;
+json::object status_object;
+
+namespace {
+
+const char* current_step = nullptr;
+const char* last_strict_read = nullptr;
+
+/// Bytes of the first block of a document's arena for each byte of its text. Ours: a state
+/// document of twenty listeners then fits into one block.
+constexpr std::size_t arena_bytes_per_text_byte = 4;
+
+template <class Object, class Value> Value* walk(Object& root, std::string_view key) {
+    Object* object = &root;
+    while (!key.empty()) {
+        const std::size_t end = key.find('.');
+        Value* found = object->if_contains(key.substr(0, end));
+        if (!found)
+            return nullptr;
+        // A full stop at the very end opens no further segment.
+        key = end == std::string_view::npos ? std::string_view{} : key.substr(end + 1);
+        if (key.empty())
+            return found;
+        object = found->if_object();
+        if (!object)
+            return nullptr;
+    }
+    return nullptr;
+}
+
+template <class Integer> Integer clamped(double number) {
+    // The highest double below 2^63 is less than the type's maximum, so compare with >=.
+    constexpr double lowest = static_cast<double>(std::numeric_limits<Integer>::min());
+    constexpr double highest = static_cast<double>(std::numeric_limits<Integer>::max());
+    if (std::isnan(number))
+        return 0;
+    if (number <= lowest)
+        return std::numeric_limits<Integer>::min();
+    if (number >= highest)
+        return std::numeric_limits<Integer>::max();
+    return static_cast<Integer>(number);
+}
+
+} // namespace
+
+void replace_object(json::object& target, json::object&& source) {
+    // Assignment would copy: the two hold their members in different memory.
+    std::destroy_at(&target);
+    std::construct_at(&target, std::move(source));
+}
+
+const json::value* find_path(const json::object& root, std::string_view dotted_key) {
+    return walk<const json::object, const json::value>(root, dotted_key);
+}
+
+json::value* find_path(json::object& root, std::string_view dotted_key) {
+    return walk<json::object, json::value>(root, dotted_key);
+}
+
+std::string string_or_empty(const json::value& value) {
+    const json::string* text = value.if_string();
+    return text ? std::string{text->data(), text->size()} : std::string{};
+}
+
+double number_or_zero(const json::value& value) {
+    if (const std::int64_t* number = value.if_int64())
+        return static_cast<double>(*number);
+    if (const std::uint64_t* number = value.if_uint64())
+        return static_cast<double>(*number);
+    if (const double* number = value.if_double())
+        return *number;
+    return 0;
+}
+
+std::string setting_string(std::string_view dotted_key) {
+    const json::value* found = find_path(settings_object, dotted_key);
+    return found ? string_or_empty(*found) : std::string{};
+}
+
+double setting_number(std::string_view dotted_key) {
+    const json::value* found = find_path(settings_object, dotted_key);
+    return found ? number_or_zero(*found) : 0;
+}
+
+std::string member_string(const json::object& object, std::string_view name) {
+    const json::value* found = object.if_contains(name);
+    return found ? string_or_empty(*found) : std::string{};
+}
+
+double member_number(const json::object& object, std::string_view name) {
+    const json::value* found = object.if_contains(name);
+    return found ? number_or_zero(*found) : 0;
+}
+
+std::int32_t clamped_int32(double number) {
+    return clamped<std::int32_t>(number);
+}
+
+std::int64_t clamped_int64(double number) {
+    return clamped<std::int64_t>(number);
+}
+
+json::value parse_reply(std::string_view body) {
+    last_strict_read = "the text as JSON";
+    return json::parse(body, json::make_shared_resource<json::monotonic_resource>(
+                                 body.size() * arena_bytes_per_text_byte + 256));
+}
+
+const json::value& required_member(const json::object& object, const char* name) {
+    last_strict_read = name;
+    return object.at(name);
+}
+
+const json::object& required_object(const json::object& object, const char* name) {
+    return required_member(object, name).as_object();
+}
+
+const json::array& required_array(const json::object& object, const char* name) {
+    return required_member(object, name).as_array();
+}
+
+bool required_bool(const json::object& object, const char* name) {
+    return required_member(object, name).as_bool();
+}
+
+bool optional_bool(const json::object& object, const char* name, bool otherwise) {
+    const json::value* found = object.if_contains(name);
+    return found ? as_bool(*found, name) : otherwise;
+}
+
+const json::object& as_object(const json::value& value, const char* what) {
+    last_strict_read = what;
+    return value.as_object();
+}
+
+const json::array& as_array(const json::value& value, const char* what) {
+    last_strict_read = what;
+    return value.as_array();
+}
+
+bool as_bool(const json::value& value, const char* what) {
+    last_strict_read = what;
+    return value.as_bool();
+}
+
+ReadingStep::ReadingStep(const char* step) : outer_{current_step} {
+    current_step = step;
+}
+
+ReadingStep::~ReadingStep() {
+    current_step = outer_;
+}
+
+std::string broken_contract(const char* library_message) {
+    std::string sentence = "the Tarnwave service sent a reply that this program cannot use";
+    if (current_step)
+        sentence.append(", while ").append(current_step);
+    if (last_strict_read)
+        sentence.append(": cannot read ").append(last_strict_read);
+    return sentence.append(" (").append(library_message).append(").");
+}

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+// The JSON that the station service sends, and the two ways to read it.
+//
+// Lenient accessors never fail: what is missing or of another kind is nothing, "" or 0. Strict
+// accessors throw what the JSON library throws; nobody between them and the main loop catches it,
+// so a document that breaks the service's contract ends the program, and `broken_contract` says
+// in words which member was at fault.
+#pragma once
+
+#include <boost/json.hpp>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace json = boost::json;
+
+/// The `settings` member of the last document that the form was loaded from; empty before.
+/// Replaced whole, by `load_form` only.
+extern json::object settings_object;
+
+/// The `status` member of the last state document; empty before the first. Replaced whole, by
+/// `load_form` and `poll_state` only.
+extern json::object status_object;
+
+/// Makes `target` the object `source`, memory and all, without copying its members.
+void replace_object(json::object& target, json::object&& source);
+
+/// Finds the value at a dotted key such as "station.name", one object level per segment. Returns
+/// null when there is none. A full stop at the end is ignored, an empty key finds nothing, an
+/// empty segment matches only a member with an empty name.
+const json::value* find_path(const json::object& root, std::string_view dotted_key);
+json::value* find_path(json::object& root, std::string_view dotted_key);
+
+/// Returns the text of a string, "" for any other kind.
+std::string string_or_empty(const json::value& value);
+
+/// Returns the value of a signed or unsigned integer or a double, 0 for any other kind.
+double number_or_zero(const json::value& value);
+
+/// `string_or_empty` of what `find_path` finds in the settings object.
+std::string setting_string(std::string_view dotted_key);
+
+/// `number_or_zero` of what `find_path` finds in the settings object.
+double setting_number(std::string_view dotted_key);
+
+/// The member's text, "" when the member is missing or not a string.
+std::string member_string(const json::object& object, std::string_view name);
+
+/// The member's number, 0 when the member is missing or not a number.
+double member_number(const json::object& object, std::string_view name);
+
+/// Truncates toward zero and clamps to the type's range; infinities go to the ends.
+std::int32_t clamped_int32(double number);
+std::int64_t clamped_int64(double number);
+
+/// Parses a whole reply body: standard JSON, valid UTF-8, at most 32 levels deep. Throws on
+/// anything else, the empty text included. The value keeps the memory it was parsed into, which
+/// is given back in one piece with it.
+json::value parse_reply(std::string_view body);
+
+/// Strict access. Each throws when the member is missing or has another kind. `name` must outlive
+/// the call: the sentence of `broken_contract` reads it after a failure.
+const json::value& required_member(const json::object& object, const char* name);
+const json::object& required_object(const json::object& object, const char* name);
+const json::array& required_array(const json::object& object, const char* name);
+bool required_bool(const json::object& object, const char* name);
+
+/// A boolean that may be missing (then `otherwise`) but has no other kind: throws on one.
+bool optional_bool(const json::object& object, const char* name, bool otherwise);
+
+/// Reads a value that is the element of an array or the root of a document, named in words for
+/// `broken_contract`. Throws when it is of another kind.
+const json::object& as_object(const json::value& value, const char* what);
+const json::array& as_array(const json::value& value, const char* what);
+bool as_bool(const json::value& value, const char* what);
+
+/// Says what the program is doing with a document, for `broken_contract`. The innermost one that
+/// is alive counts; one that an error left unwound still does.
+class ReadingStep {
+public:
+    explicit ReadingStep(const char* step);
+    ~ReadingStep();
+    ReadingStep(const ReadingStep&) = delete;
+    ReadingStep& operator=(const ReadingStep&) = delete;
+
+private:
+    const char* outer_;
+};
+
+/// One sentence for a person: at which step the service's reply broke the contract, and which
+/// member did. Meant for the moment in which an error of the strict accessors ends the program.
+std::string broken_contract(const char* library_message);

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+// What a receiver can cover: its kind, its widest span, the band presets and the coverage line.
+#pragma once
+
+#include "status/status_line.h"
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+/// What a receiver is called under its name.
+const char* kind_label(std::string_view backend);
+
+/// False for receivers that take a fixed range whole: they have no frequency controls.
+bool is_tunable(std::string_view backend);
+
+/// Widest range that a tunable receiver takes at once, in MHz.
+double maximum_span_mhz(std::string_view backend);
+
+/// An entry of the band menu. `id` is "low-high" in MHz, empty for the menu's resting choice.
+struct BandPreset {
+    const char* id;
+    const char* text;
+};
+
+/// The band menu in its order: amateur bands upward to 2 m, then the others.
+std::span<const BandPreset> band_presets();
+
+struct BandRange {
+    double low_mhz = 0;
+    double high_mhz = 0;
+
+    bool operator==(const BandRange&) const = default;
+};
+
+/// The range of a preset's id, nothing when the id is no pair of numbers. The dot is the decimal
+/// point in every locale.
+std::optional<BandRange> band_range(std::string_view id);
+
+/// Whether a range in MHz fits what the receiver takes at once. Spans are compared in whole
+/// kilohertz, so that a range of exactly the maximum fits whatever its ends are as doubles.
+StatusLine coverage_line(std::string_view backend, double low_mhz, double high_mhz);
+
+/// A tunable receiver's name line below the model, as markup: kind, serial number, and a remark
+/// when another program holds the device.
+std::string receiver_subtitle_markup(std::string_view backend, std::string_view serial,
+                                     bool available);

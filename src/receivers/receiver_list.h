@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+// The receivers that the station knows of, and how lists of them meet.
+//
+// A list keeps the order of first appearance: load order, then discovery order. Who a receiver is
+// are its backend and serial number together, byte for byte.
+#pragma once
+
+#include <boost/json.hpp>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// GTK's own declaration, repeated so that decisions need no toolkit.
+typedef struct _GtkWidget GtkWidget;
+
+struct Receiver {
+    std::string backend{}; ///< driver family; "rtl-sdr" and "rx888" are told apart
+    std::string serial{};
+    std::string model{};
+    bool available = true; ///< false: another program holds the device
+    bool enabled = false;  ///< the owner shares it with listeners
+    double lo = 0;         ///< bottom of the range to cover
+    double hi = 0;         ///< top of it
+
+    // The row that shows it, valid until the rows are rebuilt; null where the row has no such
+    // widget or there is no row yet.
+    GtkWidget* share_switch = nullptr;
+    GtkWidget* low_spin = nullptr;  ///< MHz
+    GtkWidget* high_spin = nullptr; ///< MHz
+    GtkWidget* coverage_label = nullptr;
+    GtkWidget* details_box = nullptr; ///< insensitive while the receiver is not shared
+};
+
+/// The range that a receiver found for the first time is given.
+struct FrequencyRange {
+    double lo = 0;
+    double hi = 0;
+};
+FrequencyRange default_range(std::string_view backend);
+
+/// Reads one element of the settings' `receivers`:
+/// `{"backend": string, "serial": string, "lo": number, "hi": number}`, and where present
+/// `"model"` (else the backend) and `"enabled": bool` (else true). Throws the JSON library's error
+/// when it is no object, lacks one of the four, or `enabled` is no boolean; strings and numbers of
+/// another kind read as "" and 0.
+Receiver receiver_from_settings(const boost::json::value& element);
+
+/// What the service found, and how much of it was new.
+struct Discovery {
+    std::size_t found = 0;
+    std::size_t added = 0;
+};
+
+/// Takes a device reply, `[{"backend": string, "serial": string, "model": string,
+/// "available": bool}]`, into `list`: known receivers get the reported model and availability and
+/// keep everything else, unknown ones are appended, not shared, with their default range. Throws
+/// the JSON library's error at the first element that is broken; those before it stay taken in.
+Discovery merge_devices(std::vector<Receiver>& list, const boost::json::array& devices);
+
+/// What to say about a discovery.
+std::string discovery_text(const Discovery& discovery);
+
+/// The settings' `receivers` as they are saved: the shared ones alone, with whole hertz written as
+/// floating-point numbers.
+boost::json::array receivers_to_save(const std::vector<Receiver>& list);

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+// The sentences of the header line and the Overview page.
+//
+// Functions whose names end in `_markup` return Pango markup with the service's strings escaped;
+// all others return plain text.
+#pragma once
+
+#include "status/station_state.h"
+#include "status/status_line.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// The header line, shown beside the header dot that carries its class.
+StatusLine header_line(const StationState& state, bool broker_running);
+
+/// One thing to do before strangers can listen.
+struct ChecklistItem {
+    std::string text{}; ///< plain
+    bool done = false;
+    const char* page = nullptr; ///< page of the window where it is done
+};
+
+/// The station's identity as far as the first item asks for it.
+struct StationIdentity {
+    std::string name{};
+    std::string callsign{};
+    std::string grid{};
+};
+
+/// The "Getting started" list, in the order shown.
+std::array<ChecklistItem, 4> checklist_items(const StationState& state,
+                                             const StationIdentity& identity);
+
+/// True when nothing is left to do and the card is hidden. Asks for more than four ticks: with the
+/// relay wanted, the station list must have confirmed the check-in too.
+bool checklist_is_done(const StationState& state, const StationIdentity& identity);
+
+/// Markup of an item's text: escaped, and dimmed when done.
+std::string checklist_item_markup(const ChecklistItem& item);
+
+/// Hertz as megahertz with at most six significant digits and without trailing zeros, rounded to
+/// whole kilohertz first: 7074000 is "7.074".
+std::string frequency_text(double hz);
+
+/// A receiver on the air: its name in bold ("Receiver" when empty) and its range.
+std::string receiver_markup(std::string_view device, double lo_hz, double hi_hz);
+
+/// Who runs a receiver on the air.
+const char* receiver_origin(bool attached);
+
+/// A receiver that was started and failed, with its log.
+std::string failed_receiver_markup(std::string_view serial, std::string_view log);
+
+/// "Listening now · 3 of 20".
+std::string listening_title(const StationState& state);
+
+/// Minutes and seconds; hours are never split off: 3725 is "62:05".
+std::string session_time_text(std::int32_t seconds);
+
+/// What a listener has tuned to.
+struct Tuning {
+    double hz = 0;
+    std::string_view mode{};
+    bool listening = true; ///< false: watches the waterfall only
+};
+
+/// The "Tuned to" column. Without a tuning it is empty but for the relay's prefix.
+std::string tuned_to_text(const std::optional<Tuning>& tuning, bool relayed);

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+// A sentence about the station's condition and the colour it carries.
+#pragma once
+
+#include <ostream>
+#include <string>
+
+/// The style class of a status label: green, amber, red, or the label's own colour.
+enum class StatusClass { none, good, warning, error };
+
+struct StatusLine {
+    std::string text{};
+    StatusClass status_class = StatusClass::none;
+
+    bool operator==(const StatusLine&) const = default;
+};
+
+/// For failure messages of tests.
+inline std::ostream& operator<<(std::ostream& out, const StatusLine& line) {
+    constexpr const char* names[] = {"none", "good", "warning", "error"};
+    return out << '"' << line.text << "\" (" << names[static_cast<int>(line.status_class)] << ')';
+}

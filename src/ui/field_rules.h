@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+// What the form says about its fields: hints, checks and the lines that name the station.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct GridHint {
+    std::string text{};
+    bool valid = true; ///< also true for no text at all: the field may stay empty
+};
+
+/// The hint below "Grid square": the middle of a Maidenhead square of four or six characters in
+/// either case, or what such a square looks like.
+GridHint grid_hint(std::string_view grid);
+
+/// The upload that `listeners` at once need, in words.
+std::string upload_estimate(double listeners);
+
+/// The station's name as the header shows it: callsign and name, or what there is of them.
+std::string header_title(std::string_view name, std::string_view callsign);
+
+/// The line that takes the place of the registration block. `email` may be empty.
+std::string registered_text(std::string_view id, std::string_view email);
+
+/// True for a text of the form name, at sign, domain, full stop, ending: one part before the only
+/// at sign, and after it a full stop with something on either side, without white space anywhere.
+/// Takes texts of any length.
+bool is_email_address(std::string_view text);
+
+/// Splits at white space; pieces are never empty.
+std::vector<std::string> words_of(std::string_view text);

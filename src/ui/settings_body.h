@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+// What a save sends: the form's values written over a copy of the loaded settings.
+//
+// Keys that the service sent and the form does not know go back as they came, in the service's
+// order; keys that the service did not send are never added, but for the list of receivers.
+#pragma once
+
+#include "receivers/receiver_list.h"
+
+#include <boost/json.hpp>
+
+#include <string>
+#include <variant>
+#include <vector>
+
+/// One bound field and what its widget holds: a switch, a spin button, or an entry.
+struct FieldValue {
+    std::string key{}; ///< dotted, such as "station.name"
+    std::variant<bool, double, std::string> value{};
+};
+
+struct FormValues {
+    std::vector<FieldValue> fields{}; ///< in the order in which they are written
+    std::string description{};
+    std::vector<std::string> modes{}; ///< the pressed ones, in button order
+    std::string blocked_text{};       ///< addresses between any white space
+};
+
+/// Returns the settings object to send. Throws the JSON library's error when `loaded` lacks
+/// `station.description`, `station.callsign`, `content.modes` or `access.banned`.
+boost::json::object settings_body(const boost::json::object& loaded, const FormValues& form,
+                                  const std::vector<Receiver>& receivers);
