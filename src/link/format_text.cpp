@@ -6,11 +6,23 @@
 #include <cstdarg>
 #include <memory>
 
+namespace {
+
+using GlibText = std::unique_ptr<char, decltype(&g_free)>;
+
+} // namespace
+
 std::string format_text(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    const std::unique_ptr<char, decltype(&g_free)> text{g_strdup_vprintf(format, arguments),
-                                                        g_free};
+    const GlibText text{g_strdup_vprintf(format, arguments), g_free};
     va_end(arguments);
     return text.get();
+}
+
+std::string escaped_markup(std::string_view text) {
+    const std::string_view shown = text.substr(0, text.find('\0'));
+    const GlibText escaped{g_markup_escape_text(shown.data(), static_cast<gssize>(shown.size())),
+                           g_free};
+    return escaped.get();
 }
