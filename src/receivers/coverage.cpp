@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+#include "receivers/coverage.h"
+
+#include "link/format_text.h"
+
+#include <glib.h>
+
+#include <cmath>
+
+namespace {
+
+/// Longest coverage line, in bytes. Ours: ranges that a person can enter stay far below it.
+constexpr std::size_t longest_line = 159;
+
+/// The order is the menu's: amateur bands upward to 2 m, then the others as they came.
+constexpr BandPreset presets[] = {
+    {"", "Band…"},
+    {"1.8-2.0", "160 m"},
+    {"3.5-4.0", "80 m"},
+    {"3.5-7.3", "80 m to 40 m"},
+    {"7.0-7.3", "40 m"},
+    {"7.0-14.35", "40 m to 20 m"},
+    {"10.1-10.15", "30 m"},
+    {"14.0-14.35", "20 m"},
+    {"14.0-21.45", "20 m to 15 m"},
+    {"18.068-18.168", "17 m"},
+    {"21.0-21.45", "15 m"},
+    {"24.89-24.99", "12 m"},
+    {"28.0-29.7", "10 m"},
+    {"50.0-54.0", "6 m"},
+    {"144.0-148.0", "2 m"},
+    {"118.0-126.0", "Airband, lower part"},
+    {"156.0-162.1", "Marine VHF"},
+    {"430.0-438.0", "70 cm"},
+    {"0.5-1.7", "AM broadcast"},
+};
+
+double whole_khz(double mhz) {
+    return std::round(mhz * 1000);
+}
+
+} // namespace
+
+const char* kind_label(std::string_view backend) {
+    if (backend == "rx888")
+        return "HF direct sampling";
+    if (backend == "rtl-sdr")
+        return "RTL-SDR dongle (experimental)";
+    return "SDRplay receiver";
+}
+
+bool is_tunable(std::string_view backend) {
+    return backend != "rx888";
+}
+
+double maximum_span_mhz(std::string_view backend) {
+    return backend == "rtl-sdr" ? 2 : 8;
+}
+
+std::span<const BandPreset> band_presets() {
+    return presets;
+}
+
+std::optional<BandRange> band_range(std::string_view id) {
+    const std::string text{id};
+    const char* low_start = text.c_str();
+    char* low_end = nullptr;
+    const double low_mhz = g_ascii_strtod(low_start, &low_end);
+    if (low_end == low_start || *low_end != '-')
+        return std::nullopt;
+    const char* high_start = low_end + 1;
+    char* high_end = nullptr;
+    const double high_mhz = g_ascii_strtod(high_start, &high_end);
+    if (high_end == high_start)
+        return std::nullopt;
+    return BandRange{low_mhz, high_mhz};
+}
+
+StatusLine coverage_line(std::string_view backend, double low_mhz, double high_mhz) {
+    // As doubles, 16.001 - 8.001 is more than 8.
+    const double span_mhz = (whole_khz(high_mhz) - whole_khz(low_mhz)) / 1000;
+    const double maximum_mhz = maximum_span_mhz(backend);
+    if (span_mhz <= 0)
+        // Spelled like this on purpose; a test holds it.
+        return {"The top of the range must be aboove its bottom.", StatusClass::error};
+    if (span_mhz > maximum_mhz)
+        return {format_text("%.2f MHz is too wide: this receiver covers up to %.0f MHz at once.",
+                            span_mhz, maximum_mhz)
+                    .substr(0, longest_line),
+                StatusClass::error};
+    return {format_text("Covers %.3g MHz of the %.0f MHz this receiver can take at once.", span_mhz,
+                        maximum_mhz),
+            StatusClass::none};
+}
+
+std::string receiver_subtitle_markup(std::string_view backend, std::string_view serial,
+                                     bool available) {
+    std::string markup =
+        escaped_markup(kind_label(backend)) + " · serial " + escaped_markup(serial);
+    if (!available)
+        markup += " · <span foreground=\"#FFB020\">in use by another program</span>";
+    return markup;
+}
