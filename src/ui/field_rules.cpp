@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+#include "ui/field_rules.h"
+
+#include "link/format_text.h"
+
+#include <glib.h>
+
+#include <cmath>
+
+namespace {
+
+/// One listener's share of the upload, in kbit/s. Ours: the hint is an estimate.
+constexpr double listener_kbit = 60;
+
+/// Longest upload estimate, in bytes. Ours: estimates of real stations stay far below it.
+constexpr std::size_t longest_estimate = 120;
+
+/// The white space of the "C" locale, whatever the user's: bytes above 127 are parts of letters.
+constexpr std::string_view white_space = " \t\n\v\f\r";
+
+bool is_between(char letter, char first, char last) {
+    const char upper = g_ascii_toupper(letter);
+    return first <= upper && upper <= last;
+}
+
+/// Two letters A-R, two digits, and optionally two letters A-X, in either case.
+bool is_grid_square(std::string_view grid) {
+    if (grid.size() != 4 && grid.size() != 6)
+        return false;
+    return is_between(grid[0], 'A', 'R') && is_between(grid[1], 'A', 'R') &&
+           is_between(grid[2], '0', '9') && is_between(grid[3], '0', '9') &&
+           (grid.size() == 4 || (is_between(grid[4], 'A', 'X') && is_between(grid[5], 'A', 'X')));
+}
+
+int steps(char letter, char first) {
+    return g_ascii_toupper(letter) - first;
+}
+
+std::string map_position(double latitude, double longitude) {
+    return format_text("On the map at about %.1f° %s, %.1f° %s.", std::abs(latitude),
+                       latitude >= 0 ? "N" : "S", std::abs(longitude), longitude >= 0 ? "E" : "W");
+}
+
+} // namespace
+
+GridHint grid_hint(std::string_view grid) {
+    if (grid.empty())
+        return {"Places the station on the list's map, e.g. EM95 or EM95ab.", true};
+    if (!is_grid_square(grid))
+        return {"Not a grid square: two letters A–R, two digits, and optionally two letters a–x.",
+                false};
+
+    // The Maidenhead locator: fields of 20° by 10°, squares of 2° by 1°, subsquares of 5' by 2.5',
+    // counted from the south-west corner of the map.
+    const double west = steps(grid[0], 'A') * 20 + steps(grid[2], '0') * 2 - 180;
+    const double south = steps(grid[1], 'A') * 10 + steps(grid[3], '0') - 90;
+    if (grid.size() == 4)
+        return {map_position(south + 0.5, west + 1), true};
+    return {map_position(south + steps(grid[5], 'A') / 24.0 + 1 / 48.0,
+                         west + steps(grid[4], 'A') / 12.0 + 1 / 24.0),
+            true};
+}
+
+std::string upload_estimate(double listeners) {
+    const double kbit = listeners * listener_kbit;
+    const std::string text =
+        kbit >= 1000
+            ? format_text("Uses about %.1f Mbit/s of your upload when every place is taken.",
+                          kbit / 1000)
+            : format_text("Uses about %.0f kbit/s of your upload when every place is taken.", kbit);
+    return text.substr(0, longest_estimate);
+}
+
+std::string header_title(std::string_view name, std::string_view callsign) {
+    if (callsign.empty())
+        return std::string{name.empty() ? "Your station" : name};
+    if (name.find(callsign) != std::string_view::npos)
+        return std::string{name};
+    if (!name.empty())
+        return std::string{callsign}.append(" · ").append(name);
+    return std::string{callsign};
+}
+
+std::string registered_text(std::string_view id, std::string_view email) {
+    std::string text = "Registered as station ";
+    text.append(id);
+    if (!email.empty())
+        text.append(" with ").append(email);
+    return text.append(".");
+}
+
+bool is_email_address(std::string_view text) {
+    // The pattern [^@\s]+@[^@\s]+\.[^@\s]+ over the whole text. The standard library's matcher
+    // recurses once for each character and overflows the stack at some 30,000 of them.
+    if (text.find_first_of(white_space) != std::string_view::npos)
+        return false;
+    const std::size_t at = text.find('@');
+    if (at == 0 || at == std::string_view::npos)
+        return false;
+    const std::string_view domain = text.substr(at + 1);
+    if (domain.find('@') != std::string_view::npos)
+        return false;
+    const std::size_t stop = domain.find('.', 1);
+    return stop != std::string_view::npos && stop + 1 < domain.size();
+}
+
+std::vector<std::string> words_of(std::string_view text) {
+    std::vector<std::string> words;
+    std::size_t start = text.find_first_not_of(white_space);
+    while (start != std::string_view::npos) {
+        const std::size_t end = text.find_first_of(white_space, start);
+        words.emplace_back(text.substr(start, end - start));
+        start = text.find_first_not_of(white_space, end);
+    }
+    return words;
+}

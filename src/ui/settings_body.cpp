@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#include "ui/settings_body.h"
+
+#include "link/json_access.h"
+#include "ui/field_rules.h"
+
+#include <glib.h>
+
+#include <algorithm>
+
+namespace {
+
+void write_string(json::value& target, std::string_view text) {
+    target.emplace_string().assign(text.data(), text.size());
+}
+
+void write_field(json::value& target, const FieldValue& field) {
+    if (const bool* state = std::get_if<bool>(&field.value))
+        target = *state;
+    else if (const double* number = std::get_if<double>(&field.value))
+        target = *number;
+    else
+        write_string(target, std::get<std::string>(field.value));
+}
+
+/// The member of a member, to be written over. Throws when it is missing.
+json::value& required_place(json::object& root, const char* outer, const char* inner) {
+    required_member(required_object(root, outer), inner); // says which one is missing
+    return root.at(outer).as_object().at(inner);
+}
+
+std::string ascii_upper(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(), g_ascii_toupper);
+    return text;
+}
+
+json::array array_of(const std::vector<std::string>& texts) {
+    json::array array;
+    array.reserve(texts.size());
+    for (const std::string& text : texts)
+        array.emplace_back(text);
+    return array;
+}
+
+} // namespace
+
+json::object settings_body(const json::object& loaded, const FormValues& form,
+                           const std::vector<Receiver>& receivers) {
+    // With memory of its own: the loaded object's may belong to the reply it came with.
+    json::object body(loaded, json::storage_ptr{});
+    for (const FieldValue& field : form.fields)
+        if (json::value* found = find_path(body, field.key))
+            write_field(*found, field);
+    write_string(required_place(body, "station", "description"), form.description);
+    json::value& callsign = required_place(body, "station", "callsign");
+    write_string(callsign, ascii_upper(string_or_empty(callsign)));
+    required_place(body, "content", "modes") = array_of(form.modes);
+    required_place(body, "access", "banned") = array_of(words_of(form.blocked_text));
+    body["receivers"] = receivers_to_save(receivers);
+    return body;
+}
