@@ -10,12 +10,13 @@
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/error.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/http/error.hpp>
 #include <boost/beast/http/message.hpp>
 #include <boost/beast/http/parser.hpp>
 #include <boost/beast/http/read.hpp>
 #include <boost/beast/http/span_body.hpp>
-#include <boost/beast/http/string_body.hpp>
 #include <boost/beast/http/write.hpp>
+#include <boost/optional/optional.hpp>
 #include <boost/system/errc.hpp>
 #include <boost/system/error_code.hpp>
 #include <glib.h>
@@ -28,6 +29,7 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <cstdint>
 #include <cstring>
 #include <utility>
 
@@ -171,6 +173,37 @@ private:
     std::chrono::seconds time_limit_;
 };
 
+/// A reply's body as a string. Beast's own string body does the same, but writes zeros before
+/// the bytes: a quarter of what an exchange costs.
+struct ReplyBody {
+    using value_type = std::string;
+
+    class reader {
+    public:
+        template <bool is_request, class Fields>
+        reader(http::header<is_request, Fields>&, value_type& body) : body_{body} {}
+
+        /// The parser has held the length against its limit.
+        void init(const boost::optional<std::uint64_t>& length, error_code& error) {
+            if (length)
+                body_.reserve(static_cast<std::size_t>(*length));
+            error = {};
+        }
+
+        template <class Buffers> std::size_t put(const Buffers& buffers, error_code& error) {
+            const net::const_buffer piece = *net::buffer_sequence_begin(buffers);
+            body_.append(static_cast<const char*>(piece.data()), piece.size());
+            error = {};
+            return piece.size();
+        }
+
+        void finish(error_code& error) { error = {}; }
+
+    private:
+        value_type& body_;
+    };
+};
+
 constexpr http::verb verb_of(HttpMethod method) {
     switch (method) {
     case HttpMethod::post:
@@ -203,7 +236,7 @@ error_code write_request(TimedStream& stream, HttpMethod method, std::string_vie
 error_code read_reply(TimedStream& stream, ServiceReply& reply) {
     boost::beast::flat_buffer buffer{buffer_limit};
     buffer.reserve(buffer_start);
-    http::response_parser<http::string_body> parser;
+    http::response_parser<ReplyBody> parser;
     parser.header_limit(header_limit);
     parser.body_limit(body_limit);
     error_code error;
