@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+#include "scenarios.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+// Long enough for every part of a station to reach its resting state.
+constexpr double settled_s = 120;
+
+constexpr std::array scenarios = {
+    Scenario{.name = "first-run",
+             .description = "Nothing is set up: no name, no receiver, not registered.",
+             .described = false,
+             .registered = false,
+             .shares_receivers = false},
+    Scenario{.name = "on-air",
+             .description = "A listed station with three receivers; listeners come and go.",
+             .dialhouse_runs = true,
+             .listeners_at_start = 4,
+             .warm_up_s = settled_s},
+    Scenario{.name = "off-air",
+             .description = "A registered station that shares no receiver.",
+             .shares_receivers = false,
+             .warm_up_s = settled_s},
+    Scenario{.name = "relay",
+             .description = "The station is reached through the relay, which connects soon.",
+             .relay_wanted = true},
+    Scenario{.name = "relay-refused",
+             .description = "The relay refuses twice, then connects.",
+             .relay_wanted = true,
+             .relay_refusals = 2},
+    Scenario{.name = "relay-unreachable",
+             .description = "The relay cannot be reached twice, then connects.",
+             .relay_wanted = true,
+             .relay_absences = 2},
+    Scenario{.name = "unreachable",
+             .description = "Checked in, but nobody reaches the port until SIGUSR1 forwards it.",
+             .port_waits = true,
+             .warm_up_s = settled_s},
+    Scenario{.name = "check-in-failed",
+             .description = "The station list cannot be reached twice, then the station is listed.",
+             .failed_check_ins = 2},
+    Scenario{.name = "busy",
+             .description = "All 200 places are taken; somebody leaves or arrives all the time.",
+             .dialhouse_runs = true,
+             .listeners_at_start = 200,
+             .listeners_wanted = 200,
+             .warm_up_s = settled_s},
+    Scenario{.name = "certificate",
+             .description = "Getting the certificate fails twice, then it is active.",
+             .failed_certificates = 2},
+    Scenario{.name = "receiver-failed",
+             .description = "The RTL-SDR dongle fails with a log, again and again.",
+             .receiver_fails = true,
+             .listeners_at_start = 2,
+             .warm_up_s = settled_s},
+    Scenario{.name = "not-owner",
+             .description = "Refuses everything until handed over (--owner-file or SIGUSR1).",
+             .owner_waits = true,
+             .warm_up_s = settled_s},
+    Scenario{.name = "broker-down",
+             .description = "The broker is down until started (--broker-file or SIGUSR1).",
+             .broker_waits = true},
+    Scenario{.name = "slow",
+             .description = "Like on-air, but every reply takes 1500 ms (--delay-ms changes it).",
+             .dialhouse_runs = true,
+             .listeners_at_start = 4,
+             .warm_up_s = settled_s,
+             .delay_ms = 1500},
+    Scenario{.name = "no-devices",
+             .description = "Nothing is set up and no receiver is plugged in.",
+             .described = false,
+             .registered = false,
+             .shares_receivers = false,
+             .devices_attached = false},
+    Scenario{.name = "register-refused",
+             .description = "Like first-run, but every registration is refused with a reason.",
+             .described = false,
+             .registered = false,
+             .shares_receivers = false,
+             .registration_refused = true},
+    Scenario{.name = "long-texts",
+             .description = "Very long names, words, logs and refusals; saving is refused too.",
+             .relay_wanted = true,
+             .receiver_fails = true,
+             .long_texts = true,
+             .failed_check_ins = -1,
+             .listeners_at_start = 3,
+             .warm_up_s = settled_s},
+    Scenario{.name = "quiet",
+             .description = "On the air with a few listeners, and nothing ever changes.",
+             .dialhouse_runs = true,
+             .listeners_at_start = 3,
+             .listeners_wanted = 3,
+             .warm_up_s = settled_s,
+             .frozen = true},
+};
+
+} // namespace
+
+std::span<const Scenario> all_scenarios() {
+    return scenarios;
+}
+
+const Scenario* find_scenario(std::string_view name) {
+    const auto* found = std::find_if(scenarios.begin(), scenarios.end(),
+                                     [&](const Scenario& s) { return s.name == name; });
+    return found == scenarios.end() ? nullptr : found;
+}

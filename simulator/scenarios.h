@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+// The situations that the simulator can play, each a row of one table.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+/// How a station stands at the start and what befalls it. Times are in station seconds.
+struct Scenario {
+    std::string_view name{};
+    std::string_view description{};
+
+    bool described = true;  ///< the station has a name, a grid square and so on
+    bool registered = true; ///< with the station list
+    bool shares_receivers = true;
+    bool relay_wanted = false;
+    bool devices_attached = true; ///< receivers are plugged in
+    bool dialhouse_runs = false;  ///< Dialhouse runs one more receiver on this computer
+
+    bool broker_waits = false; ///< the broker is down until the obstacle is removed
+    bool owner_waits = false;  ///< every request is refused until the obstacle is removed
+    bool port_waits = false;   ///< nobody reaches the port until the obstacle is removed
+
+    bool receiver_fails = false; ///< the RTL-SDR dongle fails again and again
+    bool registration_refused = false;
+    bool long_texts = false; ///< every text from outside is as long as the world can make it
+    int failed_check_ins = 0;
+    int relay_refusals = 0; ///< before the relay accepts the station
+    int relay_absences = 0; ///< before the relay can be reached
+    int failed_certificates = 0;
+
+    int listeners_at_start = 0;
+    int listeners_wanted = 6; ///< the audience drifts to about so many
+    double warm_up_s = 0;     ///< lived through before the first request
+    bool frozen = false;      ///< nothing changes after the warm-up
+    int delay_ms = 0;         ///< of real time, before every reply
+};
+
+/// All scenarios, in the order in which they are listed to people.
+std::span<const Scenario> all_scenarios();
+
+/// Null when there is no such scenario.
+const Scenario* find_scenario(std::string_view name);

@@ -1,0 +1,10 @@
+// SPDX-License-Identifier: MIT
+// What the station says about itself.
+#pragma once
+
+#include "station.h"
+
+#include <boost/json.hpp>
+
+/// The state document: the stored settings and what is going on right now.
+boost::json::object state_document(const Station& station);
