@@ -5,6 +5,7 @@
 
 #include <glib.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -102,6 +103,28 @@ bool is_email_address(std::string_view text) {
         return false;
     const std::size_t stop = domain.find('.', 1);
     return stop != std::string_view::npos && stop + 1 < domain.size();
+}
+
+std::optional<double> typed_number(std::string_view text, unsigned decimals) {
+    const std::size_t start = text.find_first_not_of(white_space);
+    if (start == std::string_view::npos)
+        return std::nullopt;
+    std::string digits{text.substr(start, text.find_last_not_of(white_space) + 1 - start)};
+    // The library's reading takes more than a person means by a number: hexadecimal, "inf".
+    if (digits.find_first_not_of("+-0123456789.,") != std::string::npos)
+        return std::nullopt;
+    std::replace(digits.begin(), digits.end(), ',', '.');
+    char* end = nullptr;
+    const double number = g_ascii_strtod(digits.c_str(), &end);
+    if (end == digits.c_str() || *end || !std::isfinite(number))
+        return std::nullopt;
+    const double scale = std::pow(10.0, decimals);
+    const double rounded = std::round(number * scale) / scale;
+    return std::isfinite(rounded) ? rounded : number;
+}
+
+std::string decimal_text(double number, unsigned decimals) {
+    return format_text("%.*f", static_cast<int>(decimals), number);
 }
 
 std::vector<std::string> words_of(std::string_view text) {

@@ -2,6 +2,7 @@
 // What the form says about its fields: hints, checks and the lines that name the station.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,14 @@ std::string registered_text(std::string_view id, std::string_view email);
 /// at sign, and after it a full stop with something on either side, without white space anywhere.
 /// Takes texts of any length.
 bool is_email_address(std::string_view text);
+
+/// Reads a number that is typed into a spin button, with a dot or a comma as the decimal point in
+/// every locale and rounded to `decimals`. Nothing for any other text; blanks around it are left
+/// out of account.
+std::optional<double> typed_number(std::string_view text, unsigned decimals);
+
+/// Writes a number as a spin button shows it, with a dot.
+std::string decimal_text(double number, unsigned decimals);
 
 /// Splits at white space; pieces are never empty.
 std::vector<std::string> words_of(std::string_view text);

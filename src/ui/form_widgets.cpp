@@ -1,0 +1,317 @@
+// SPDX-License-Identifier: MIT
+#include "ui/form_widgets.h"
+
+#include "link/format_text.h"
+#include "ui/change_tracking.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+namespace {
+
+/// Width of the wide widgets at the end of a row, in pixels.
+constexpr int wide_widget_width = 320;
+
+/// Key of the object data in which a card counts its rows.
+constexpr char row_count_key[] = "rows";
+
+struct FreeGlib {
+    void operator()(char* text) const { g_free(text); }
+};
+using GlibText = std::unique_ptr<char, FreeGlib>;
+
+constexpr struct {
+    StatusClass status_class;
+    const char* name;
+} status_class_names[] = {
+    {StatusClass::good, "good"}, {StatusClass::warning, "warning"}, {StatusClass::error, "error"}};
+
+/// Longest tooltip, in characters. Ours: about a dozen lines.
+constexpr glong longest_tooltip = 1000;
+
+struct Relation {
+    GtkWidget* from;
+    AtkRelationType type;
+    GtkWidget* to;
+};
+
+bool relations_wait = true;
+std::vector<Relation> waiting_relations;
+
+void make_relation(const Relation& relation) {
+    atk_object_add_relationship(gtk_widget_get_accessible(relation.from), relation.type,
+                                gtk_widget_get_accessible(relation.to));
+}
+
+void relate(GtkWidget* from, AtkRelationType type, GtkWidget* to) {
+    const Relation relation{from, type, to};
+    if (!relations_wait) {
+        make_relation(relation);
+        return;
+    }
+    // Referenced, not sunk: the widgets' own floating references are for their containers.
+    g_object_ref(from);
+    g_object_ref(to);
+    waiting_relations.push_back(relation);
+}
+
+gboolean make_waiting_relations(gpointer) {
+    relations_wait = false;
+    for (const Relation& relation : waiting_relations) {
+        make_relation(relation);
+        g_object_unref(relation.from);
+        g_object_unref(relation.to);
+    }
+    waiting_relations.clear();
+    return G_SOURCE_REMOVE;
+}
+
+void on_label_changed(GtkLabel* label, GParamSpec*, gpointer) {
+    AtkObject* accessible = gtk_widget_get_accessible(GTK_WIDGET(label));
+    const char* text = gtk_label_get_text(label);
+    if (*text)
+        g_signal_emit_by_name(accessible, "announcement", text);
+}
+
+} // namespace
+
+GtkWidget* make_label(const char* text, const char* style_class, bool wrap) {
+    GtkWidget* label = gtk_label_new(nullptr);
+    gtk_label_set_markup(GTK_LABEL(label), text);
+    gtk_label_set_xalign(GTK_LABEL(label), 0);
+    gtk_label_set_line_wrap(GTK_LABEL(label), wrap);
+    // One long word must not widen the window: break it where it has to break.
+    gtk_label_set_line_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
+    if (style_class)
+        add_style_class(label, style_class);
+    return label;
+}
+
+std::string showable(std::string_view text) {
+    std::string valid;
+    if (g_utf8_validate_len(text.data(), text.size(), nullptr)) {
+        valid = text;
+    } else {
+        const GlibText mended{g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()))};
+        valid = mended.get();
+    }
+    for (std::size_t at = valid.find('\0'); at != std::string::npos; at = valid.find('\0', at))
+        valid.replace(at, 1, "\uFFFD");
+    return valid;
+}
+
+GtkWidget* make_box(GtkOrientation orientation, int spacing, const char* style_class) {
+    GtkWidget* box = gtk_box_new(orientation, spacing);
+    if (style_class)
+        add_style_class(box, style_class);
+    return box;
+}
+
+GtkWidget* make_button(const char* text, const char* style_class) {
+    GtkWidget* button = gtk_button_new_with_label(text);
+    if (style_class)
+        add_style_class(button, style_class);
+    return button;
+}
+
+void pack(GtkWidget* box, GtkWidget* child, bool expand) {
+    gtk_box_pack_start(GTK_BOX(box), child, expand, TRUE, 0);
+}
+
+void pack_end(GtkWidget* box, GtkWidget* child) {
+    gtk_box_pack_end(GTK_BOX(box), child, FALSE, FALSE, 0);
+}
+
+void add_style_class(GtkWidget* widget, const char* style_class) {
+    gtk_style_context_add_class(gtk_widget_get_style_context(widget), style_class);
+}
+
+void set_vertical_margins(GtkWidget* widget, int top, int bottom) {
+    gtk_widget_set_margin_top(widget, top);
+    gtk_widget_set_margin_bottom(widget, bottom);
+}
+
+GtkWidget* add_page(const char* name, const char* title, const char* subtitle) {
+    GtkWidget* page = make_box(GTK_ORIENTATION_VERTICAL, 14);
+    gtk_widget_set_margin_start(page, 26);
+    gtk_widget_set_margin_end(page, 26);
+    set_vertical_margins(page, 20, 26);
+    pack(page, make_label(escaped_markup(title).c_str(), "page-title"));
+    if (subtitle)
+        pack(page, make_label(escaped_markup(subtitle).c_str(), "muted"));
+
+    GtkWidget* scroll = gtk_scrolled_window_new(nullptr, nullptr);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scroll), GTK_POLICY_NEVER,
+                                   GTK_POLICY_AUTOMATIC);
+    gtk_container_add(GTK_CONTAINER(scroll), page);
+    gtk_stack_add_titled(GTK_STACK(widgets.stack), scroll, name, title);
+    return page;
+}
+
+GtkWidget* add_card(GtkWidget* parent, const char* title) {
+    GtkWidget* card = make_box(GTK_ORIENTATION_VERTICAL, 0, "card");
+    if (title) {
+        GtkWidget* label = make_label(escaped_markup(title).c_str(), "card-title");
+        set_vertical_margins(label, 12, 2);
+        pack(card, label);
+    }
+    pack(parent, card);
+    return card;
+}
+
+GtkWidget* add_row(GtkWidget* card, const char* label, const char* hint, GtkWidget* widget,
+                   RowWidth width, GtkWidget** text_column_out) {
+    const gsize rows_before = GPOINTER_TO_SIZE(g_object_get_data(G_OBJECT(card), row_count_key));
+    if (rows_before > 0)
+        pack(card, gtk_separator_new(GTK_ORIENTATION_HORIZONTAL));
+    g_object_set_data(G_OBJECT(card), row_count_key, GSIZE_TO_POINTER(rows_before + 1));
+
+    GtkWidget* row = make_box(GTK_ORIENTATION_HORIZONTAL, 18, "row");
+    GtkWidget* text_column = make_box(GTK_ORIENTATION_VERTICAL, 2);
+    gtk_widget_set_valign(text_column, GTK_ALIGN_CENTER);
+    GtkWidget* name = make_label(escaped_markup(label).c_str(), nullptr);
+    pack(text_column, name);
+    if (widget)
+        name_by_label(widget, name);
+    if (hint) {
+        GtkWidget* hint_label = make_label(escaped_markup(hint).c_str(), "small");
+        pack(text_column, hint_label);
+        if (widget)
+            describe_by_label(widget, hint_label);
+    }
+    pack(row, text_column, true);
+    if (widget) {
+        gtk_widget_set_valign(widget, GTK_ALIGN_CENTER);
+        if (width == RowWidth::wide)
+            gtk_widget_set_size_request(widget, wide_widget_width, -1);
+        pack_end(row, widget);
+    }
+    pack(card, row);
+    if (text_column_out)
+        *text_column_out = text_column;
+    return row;
+}
+
+GtkWidget* add_textbox(GtkWidget* parent, int height) {
+    GtkWidget* frame = make_box(GTK_ORIENTATION_VERTICAL, 0, "textbox");
+    gtk_widget_set_margin_bottom(frame, 12);
+    GtkWidget* view = gtk_text_view_new();
+    gtk_text_view_set_wrap_mode(GTK_TEXT_VIEW(view), GTK_WRAP_WORD_CHAR);
+    // The texts are short and a tab means nothing in them: Tab goes on to the next field.
+    gtk_text_view_set_accepts_tab(GTK_TEXT_VIEW(view), FALSE);
+    gtk_widget_set_size_request(view, -1, height);
+    pack(frame, view, true);
+    pack(parent, frame);
+    track_changes(view);
+    return view;
+}
+
+GtkWidget* bind_field(const char* key, GtkWidget* widget) {
+    widgets.field_registry.push_back({key, widget});
+    track_changes(widget);
+    return widget;
+}
+
+GtkWidget* bind_entry(const char* key, const char* placeholder) {
+    GtkWidget* entry = gtk_entry_new();
+    gtk_entry_set_placeholder_text(GTK_ENTRY(entry), placeholder);
+    return bind_field(key, entry);
+}
+
+void set_status_class(GtkWidget* widget, StatusClass status_class) {
+    for (const auto& known : status_class_names)
+        set_style_class(widget, known.name, known.status_class == status_class);
+}
+
+void set_style_class(GtkWidget* widget, const char* style_class, bool wanted) {
+    // GTK restyles the widget even when nothing changes, so ask first.
+    GtkStyleContext* context = gtk_widget_get_style_context(widget);
+    if (static_cast<bool>(gtk_style_context_has_class(context, style_class)) == wanted)
+        return;
+    if (wanted)
+        gtk_style_context_add_class(context, style_class);
+    else
+        gtk_style_context_remove_class(context, style_class);
+}
+
+void set_label_text(GtkWidget* label, const std::string& text) {
+    const std::string shown = showable(text);
+    if (gtk_label_get_label(GTK_LABEL(label)) != shown)
+        gtk_label_set_text(GTK_LABEL(label), shown.c_str());
+}
+
+void set_label_markup(GtkWidget* label, const std::string& markup) {
+    if (gtk_label_get_label(GTK_LABEL(label)) != markup)
+        gtk_label_set_markup(GTK_LABEL(label), markup.c_str());
+}
+
+void show_status_line(GtkWidget* label, const StatusLine& line) {
+    set_label_text(label, line.text);
+    set_status_class(label, line.status_class);
+}
+
+void ellipsise(GtkWidget* label) {
+    gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_END);
+}
+
+void limit_lines(GtkWidget* label, int lines) {
+    ellipsise(label);
+    gtk_label_set_lines(GTK_LABEL(label), lines);
+}
+
+void set_whole_text_tooltip(GtkWidget* label) {
+    const char* text = gtk_label_get_text(GTK_LABEL(label));
+    const glong length = g_utf8_strlen(text, -1);
+    if (length <= longest_tooltip) {
+        gtk_widget_set_tooltip_text(label, text);
+        return;
+    }
+    const char* end = g_utf8_offset_to_pointer(text, longest_tooltip);
+    gtk_widget_set_tooltip_text(label, (std::string{text, end} + "…").c_str());
+}
+
+void show_footer(const StatusLine& line) {
+    show_status_line(widgets.footer_status, line);
+    set_whole_text_tooltip(widgets.footer_status);
+}
+
+void show_footer_error(const std::string& text) {
+    show_footer({text, StatusClass::error});
+}
+
+std::string text_of_view(GtkWidget* text_view) {
+    GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(text_view));
+    GtkTextIter start;
+    GtkTextIter end;
+    gtk_text_buffer_get_bounds(buffer, &start, &end);
+    const GlibText text{gtk_text_buffer_get_text(buffer, &start, &end, FALSE)};
+    return text.get();
+}
+
+void set_text_of_view(GtkWidget* text_view, const std::string& text) {
+    gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(text_view)),
+                             showable(text).c_str(), -1);
+}
+
+void name_by_label(GtkWidget* widget, GtkWidget* label) {
+    relate(widget, ATK_RELATION_LABELLED_BY, label);
+    relate(label, ATK_RELATION_LABEL_FOR, widget);
+}
+
+void describe_by_label(GtkWidget* widget, GtkWidget* label) {
+    relate(widget, ATK_RELATION_DESCRIBED_BY, label);
+    relate(label, ATK_RELATION_DESCRIPTION_FOR, widget);
+}
+
+void set_accessible_name(GtkWidget* widget, const char* name) {
+    atk_object_set_name(gtk_widget_get_accessible(widget), name);
+}
+
+void make_accessible_relations_when_idle() {
+    g_idle_add_full(G_PRIORITY_LOW, make_waiting_relations, nullptr, nullptr);
+}
+
+void announce_changes(GtkWidget* label) {
+    g_signal_connect(label, "notify::label", G_CALLBACK(on_label_changed), nullptr);
+}

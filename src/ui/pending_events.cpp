@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: MIT
+#include "ui/pending_events.h"
+
+#include "ui/widget_record.h"
+
+namespace {
+
+/// Longest wait for the first frame, and for a later one, in milliseconds. Ours: longer than any
+/// window manager seen to map a window, short enough not to be taken for a hang.
+constexpr guint first_frame_limit_ms = 1000;
+constexpr guint frame_limit_ms = 250;
+
+gboolean on_time_over(gpointer over) {
+    *static_cast<bool*>(over) = true;
+    return G_SOURCE_REMOVE;
+}
+
+gboolean on_window_mapped(GtkWidget*, GdkEvent*, gpointer mapped) {
+    *static_cast<bool*>(mapped) = true;
+    gtk_widget_queue_draw(widgets.window);
+    return GDK_EVENT_PROPAGATE;
+}
+
+void on_frame_painted(GdkFrameClock*, gpointer painted) {
+    *static_cast<bool*>(painted) = true;
+}
+
+/// Turns the main loop until `done` or the time is over. The window may be destroyed in here.
+template <class Done> void turn_loop_until(guint limit_ms, Done done) {
+    bool over = false;
+    const guint timer = g_timeout_add(limit_ms, on_time_over, &over);
+    while (!over && !done())
+        gtk_main_iteration_do(TRUE);
+    if (!over)
+        g_source_remove(timer);
+}
+
+/// Waits for a frame that begins after this call.
+void wait_for_frame(guint limit_ms) {
+    GdkFrameClock* clock = gtk_widget_get_frame_clock(widgets.window);
+    if (!clock)
+        return;
+    bool painted = false;
+    g_object_ref(clock);
+    const gulong handler =
+        g_signal_connect(clock, "after-paint", G_CALLBACK(on_frame_painted), &painted);
+    gdk_frame_clock_request_phase(clock, GDK_FRAME_CLOCK_PHASE_PAINT);
+    turn_loop_until(limit_ms, [&painted] { return painted; });
+    g_signal_handler_disconnect(clock, handler);
+    g_object_unref(clock);
+    gdk_display_flush(gdk_display_get_default());
+}
+
+void show_pointer(const char* name) {
+    GdkWindow* window = widgets.window ? gtk_widget_get_window(widgets.window) : nullptr;
+    if (!window)
+        return;
+    GdkDisplay* display = gdk_window_get_display(window);
+    GdkCursor* cursor = name ? gdk_cursor_new_from_name(display, name) : nullptr;
+    gdk_window_set_cursor(window, cursor);
+    if (cursor)
+        g_object_unref(cursor);
+}
+
+} // namespace
+
+void run_pending_events() {
+    while (gtk_events_pending())
+        gtk_main_iteration();
+}
+
+void wait_until_window_is_drawn() {
+    bool mapped = false;
+    const gulong handler =
+        g_signal_connect(widgets.window, "map-event", G_CALLBACK(on_window_mapped), &mapped);
+    turn_loop_until(first_frame_limit_ms, [&mapped] { return mapped || !widgets.window; });
+    if (!widgets.window)
+        return;
+    g_signal_handler_disconnect(widgets.window, handler);
+    wait_for_frame(first_frame_limit_ms);
+    if (widgets.window)
+        run_pending_events();
+}
+
+void draw_now() {
+    if (widgets.window && gtk_widget_get_mapped(widgets.window))
+        wait_for_frame(frame_limit_ms);
+}
+
+gint run_dialog(GtkWidget* dialog) {
+    const gint response = gtk_dialog_run(GTK_DIALOG(dialog));
+    gtk_widget_destroy(dialog);
+    run_pending_events();
+    gdk_display_flush(gdk_display_get_default());
+    return response;
+}
+
+struct BusyWith::Restore {
+    GtkWidget* button;
+    bool had_focus;
+    bool (*sensitive_again)();
+
+    static gboolean on_idle(gpointer data) {
+        const Restore* restore = static_cast<Restore*>(data);
+        // The window may be gone by now, and its record with it.
+        if (widgets.window) {
+            gtk_widget_set_sensitive(restore->button,
+                                     !restore->sensitive_again || restore->sensitive_again());
+            GtkWindow* window = GTK_WINDOW(widgets.window);
+            if (restore->had_focus && gtk_widget_is_sensitive(restore->button) &&
+                !gtk_window_get_focus(window))
+                gtk_widget_grab_focus(restore->button);
+        }
+        g_object_unref(restore->button);
+        delete restore;
+        return G_SOURCE_REMOVE;
+    }
+};
+
+BusyWith::BusyWith(GtkWidget* button, bool (*sensitive_again)()) {
+    show_pointer("wait");
+    if (!button)
+        return;
+    restore_ = new Restore{button, static_cast<bool>(gtk_widget_is_focus(button)), sensitive_again};
+    g_object_ref(button);
+    gtk_widget_set_sensitive(button, FALSE);
+}
+
+BusyWith::~BusyWith() {
+    show_pointer(nullptr);
+    // Events come before idle work, so presses that waited find the button insensitive.
+    if (restore_)
+        g_idle_add(Restore::on_idle, restore_);
+}

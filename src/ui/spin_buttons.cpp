@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#include "ui/spin_buttons.h"
+
+#include "ui/field_rules.h"
+#include "ui/form_widgets.h"
+
+#include <cmath>
+#include <optional>
+
+namespace {
+
+constexpr double highest_frequency_mhz = 6000;
+constexpr double frequency_step_mhz = 0.001;
+constexpr guint frequency_decimals = 3;
+constexpr gint frequency_width_chars = 9;
+
+/// Turns the typed text into a value. GTK's own reading follows the locale: it stops at the sign
+/// that is no decimal point there.
+gint on_spin_input(GtkSpinButton* spin, gdouble* value, gpointer) {
+    const double held = gtk_spin_button_get_value(spin);
+    const guint decimals = gtk_spin_button_get_digits(spin);
+    const std::string text = gtk_entry_get_text(GTK_ENTRY(spin));
+    // A value may be finer than what is shown: looking at it must not round it.
+    if (text == decimal_text(held, decimals)) {
+        *value = held;
+        return TRUE;
+    }
+    const std::optional<double> typed = typed_number(text, decimals);
+    if (!typed)
+        return GTK_INPUT_ERROR;
+    *value = *typed;
+    return TRUE;
+}
+
+gboolean on_spin_output(GtkSpinButton* spin, gpointer) {
+    const std::string text =
+        decimal_text(gtk_spin_button_get_value(spin), gtk_spin_button_get_digits(spin));
+    if (text != gtk_entry_get_text(GTK_ENTRY(spin)))
+        gtk_entry_set_text(GTK_ENTRY(spin), text.c_str());
+    return TRUE;
+}
+
+bool holds_focus(GtkWidget* widget) {
+    GtkWidget* window = gtk_widget_get_toplevel(widget);
+    GtkWidget* focus = GTK_IS_WINDOW(window) ? gtk_window_get_focus(GTK_WINDOW(window)) : nullptr;
+    return focus && (focus == widget || gtk_widget_is_ancestor(focus, widget));
+}
+
+gboolean on_scroll(GtkWidget* widget, GdkEvent*, gpointer) {
+    if (!holds_focus(widget))
+        g_signal_stop_emission_by_name(widget, "scroll-event");
+    return GDK_EVENT_PROPAGATE;
+}
+
+GtkWidget* wired(GtkWidget* spin) {
+    g_signal_connect(spin, "input", G_CALLBACK(on_spin_input), nullptr);
+    g_signal_connect(spin, "output", G_CALLBACK(on_spin_output), nullptr);
+    let_wheel_pass(spin);
+    return spin;
+}
+
+} // namespace
+
+GtkWidget* make_number_spin(double minimum, double maximum) {
+    return wired(gtk_spin_button_new_with_range(minimum, maximum, 1));
+}
+
+GtkWidget* make_frequency_spin(const char* name) {
+    GtkWidget* spin = gtk_spin_button_new_with_range(0, highest_frequency_mhz, frequency_step_mhz);
+    gtk_spin_button_set_digits(GTK_SPIN_BUTTON(spin), frequency_decimals);
+    gtk_entry_set_width_chars(GTK_ENTRY(spin), frequency_width_chars);
+    set_accessible_name(spin, name);
+    return wired(spin);
+}
+
+void let_wheel_pass(GtkWidget* widget) {
+    g_signal_connect(widget, "scroll-event", G_CALLBACK(on_scroll), nullptr);
+}

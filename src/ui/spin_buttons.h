@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+// Spin buttons that read numbers the same way in every locale, and fields that keep still while a
+// page scrolls.
+#pragma once
+
+#include <gtk/gtk.h>
+
+/// A spin button for whole numbers.
+GtkWidget* make_number_spin(double minimum, double maximum);
+
+/// A spin button for a frequency in MHz: 0 to 6000 in steps of a kilohertz. `name` is what a
+/// screen reader calls it.
+GtkWidget* make_frequency_spin(const char* name);
+
+/// Lets the mouse wheel scroll the page over the widget, unless the widget has the focus.
+void let_wheel_pass(GtkWidget* widget);

@@ -1,0 +1,4 @@
+// SPDX-License-Identifier: MIT
+#include "ui/widget_record.h"
+
+WidgetRecord widgets;

@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: MIT
+// The one record of the window's widgets and of what the window remembers between signals.
+//
+// Every handle belongs to GTK's widget tree. `build_window` fills the record once; nothing in it is
+// freed before the process ends.
+#pragma once
+
+#include "receivers/receiver_list.h"
+
+#include <gtk/gtk.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+/// A setting and the widget that edits it: a switch, a spin button or an entry.
+struct FieldBinding {
+    std::string key{}; ///< dotted path into the settings object
+    GtkWidget* widget = nullptr;
+};
+
+/// The modes that listeners may choose, in button order and as the settings spell them.
+inline constexpr std::array<const char*, 5> mode_names = {"USB", "LSB", "CW", "AM", "FM"};
+
+struct WidgetRecord {
+    GtkWidget* window = nullptr;
+    GtkWidget* stack = nullptr; ///< the pages, by name
+
+    // Header
+    GtkWidget* header_title = nullptr;  ///< the station's name
+    GtkWidget* header_dot = nullptr;    ///< its class shows the station's health
+    GtkWidget* header_status = nullptr; ///< the header line, beside the dot
+    GtkWidget* open_page_button = nullptr;
+    GtkWidget* save_button = nullptr;   ///< sensitive while the form is dirty
+    GtkWidget* unsaved_label = nullptr; ///< visible while the form is dirty
+
+    GtkWidget* footer_status = nullptr; ///< where saving and the actions report
+
+    // Overview
+    GtkWidget* getting_started_card = nullptr;
+    GtkWidget* getting_started_box = nullptr; ///< one row per checklist item
+    GtkWidget* station_link_row = nullptr;
+    GtkWidget* station_link = nullptr; ///< link button
+    GtkWidget* copy_link_button = nullptr;
+    GtkWidget* on_air_box = nullptr; ///< one row per receiver on the air or failed
+    GtkWidget* listeners_title = nullptr;
+    GtkWidget* listeners_view = nullptr;
+    GtkListStore* listeners_store = nullptr; ///< number, address, tuned to, time
+    GtkWidget* listeners_scroll = nullptr;
+    GtkWidget* listeners_empty = nullptr;
+    GtkWidget* end_session_button = nullptr;
+    GtkWidget* block_button = nullptr;
+
+    // Station
+    GtkWidget* grid_entry = nullptr;
+    GtkWidget* grid_hint = nullptr;
+    GtkWidget* description_view = nullptr;
+
+    // Receivers
+    GtkWidget* receiver_rows_box = nullptr; ///< one card per receiver
+    GtkWidget* find_devices_button = nullptr;
+    GtkWidget* receivers_status = nullptr; ///< beside "Find devices"
+
+    // Listeners
+    GtkWidget* max_listeners_spin = nullptr;
+    GtkWidget* upload_estimate = nullptr;
+    std::array<GtkWidget*, mode_names.size()> mode_buttons{}; ///< in the order of `mode_names`
+    GtkWidget* banned_view = nullptr;
+
+    // Internet
+    GtkWidget* relay_switch = nullptr;
+    GtkWidget* relay_key_row = nullptr;
+    GtkWidget* relay_note = nullptr;
+    GtkWidget* reachability_label = nullptr; ///< the port instructions (markup), not the reach line
+    GtkWidget* port_status_label = nullptr;  ///< the reach line
+    GtkWidget* port_box = nullptr;
+    GtkWidget* port_hint_label = nullptr; ///< the certificate line, above the public port
+    GtkWidget* listing_status_label = nullptr;
+    GtkWidget* register_box = nullptr;
+    GtkWidget* understand_check = nullptr;
+    GtkWidget* register_email = nullptr;
+    GtkWidget* register_button = nullptr;
+    GtkWidget* registered_label = nullptr;
+    GtkWidget* linger_switch = nullptr;
+
+    /// True while the loader writes into the form; its writes are no edits. Written by `load_form`.
+    bool loading = false;
+    /// True when something was edited since the last load. Written by `mark_dirty` and
+    /// `mark_clean`.
+    bool dirty = false;
+    /// True while the program itself moves `linger_switch`. Written by `show_linger`.
+    bool linger_guard = false;
+
+    /// The bound fields in the order they were made, which is the order of loading and saving.
+    std::vector<FieldBinding> field_registry{};
+    /// The receivers shown. Written by `load_form`, `find_devices`, `capture_row_edits` and
+    /// `rebuild_receiver_rows`.
+    std::vector<Receiver> receiver_list{};
+};
+
+extern WidgetRecord widgets;
