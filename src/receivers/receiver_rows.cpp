@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: MIT
+#include "receivers/receiver_rows.h"
+
+#include "link/format_text.h"
+#include "receivers/coverage.h"
+#include "ui/change_tracking.h"
+#include "ui/form_widgets.h"
+#include "ui/spin_buttons.h"
+
+namespace {
+
+constexpr double hertz_per_megahertz = 1e6;
+
+/// Space above and below the words that stand for an empty list, in pixels.
+constexpr int empty_list_margin = 14;
+
+Receiver* receiver_at(gpointer index) {
+    const std::size_t at = GPOINTER_TO_SIZE(index);
+    return at < widgets.receiver_list.size() ? &widgets.receiver_list[at] : nullptr;
+}
+
+double spin_value(GtkWidget* spin) {
+    return gtk_spin_button_get_value(GTK_SPIN_BUTTON(spin));
+}
+
+void on_range_changed(GtkSpinButton*, gpointer index) {
+    check_receiver_range(GPOINTER_TO_SIZE(index));
+}
+
+void on_band_changed(GtkComboBox* menu, gpointer index) {
+    const Receiver* receiver = receiver_at(index);
+    const char* id = gtk_combo_box_get_active_id(menu);
+    const std::optional<BandRange> range = band_range(id ? id : "");
+    if (!receiver || !receiver->low_spin || !range)
+        return;
+    // What is typed and not yet a value must not win over the band.
+    gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver->low_spin), range->low_mhz);
+    gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver->high_spin), range->high_mhz);
+}
+
+void on_share_switch_toggled(GtkSwitch* share, GParamSpec*, gpointer index) {
+    if (const Receiver* receiver = receiver_at(index))
+        gtk_widget_set_sensitive(receiver->details_box, gtk_switch_get_active(share));
+}
+
+GtkWidget* make_band_menu() {
+    GtkWidget* menu = gtk_combo_box_text_new();
+    for (const BandPreset& preset : band_presets())
+        gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(menu), preset.id, preset.text);
+    gtk_combo_box_set_active(GTK_COMBO_BOX(menu), 0);
+    set_accessible_name(menu, "Band");
+    return menu;
+}
+
+GtkWidget* make_header(Receiver& receiver) {
+    GtkWidget* header = make_box(GTK_ORIENTATION_HORIZONTAL, 12, "row");
+    GtkWidget* names = make_box(GTK_ORIENTATION_VERTICAL, 2);
+    GtkWidget* title =
+        make_label(("<b>" + escaped_markup(receiver.model) + "</b>").c_str(), nullptr);
+    pack(names, title);
+    GtkWidget* subtitle = make_label(
+        receiver_subtitle_markup(receiver.backend, receiver.serial, receiver.available).c_str(),
+        "small");
+    pack(names, subtitle);
+    pack(header, names, true);
+
+    receiver.share_switch = gtk_switch_new();
+    gtk_switch_set_active(GTK_SWITCH(receiver.share_switch), receiver.enabled);
+    gtk_widget_set_valign(receiver.share_switch, GTK_ALIGN_CENTER);
+    gtk_widget_set_tooltip_text(receiver.share_switch, "Share this receiver with listeners");
+    set_accessible_name(receiver.share_switch,
+                        showable("Share " + receiver.model + " with listeners").c_str());
+    describe_by_label(receiver.share_switch, subtitle);
+    pack_end(header, receiver.share_switch);
+    return header;
+}
+
+GtkWidget* make_frequency_row(Receiver& receiver) {
+    GtkWidget* row = make_box(GTK_ORIENTATION_HORIZONTAL, 8);
+    receiver.low_spin = make_frequency_spin("Lowest frequency in MHz");
+    receiver.high_spin = make_frequency_spin("Highest frequency in MHz");
+    gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver.low_spin),
+                              receiver.lo / hertz_per_megahertz);
+    gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver.high_spin),
+                              receiver.hi / hertz_per_megahertz);
+    GtkWidget* frequencies = make_label("Frequencies", nullptr, false);
+    pack(row, frequencies);
+    pack(row, receiver.low_spin);
+    pack(row, make_label("to", nullptr, false));
+    pack(row, receiver.high_spin);
+    pack(row, make_label("MHz", nullptr, false));
+    return row;
+}
+
+void add_details(Receiver& receiver, std::size_t index) {
+    if (!is_tunable(receiver.backend)) {
+        pack(receiver.details_box, make_label("Covers all of HF, 0 to 30 MHz.", "muted"));
+        return;
+    }
+    GtkWidget* row = make_frequency_row(receiver);
+    GtkWidget* menu = make_band_menu();
+    pack_end(row, menu);
+    pack(receiver.details_box, row);
+    receiver.coverage_label = make_label("", "small");
+    announce_changes(receiver.coverage_label);
+    pack(receiver.details_box, receiver.coverage_label);
+    describe_by_label(receiver.low_spin, receiver.coverage_label);
+    describe_by_label(receiver.high_spin, receiver.coverage_label);
+    check_receiver_range(index);
+
+    const gpointer data = GSIZE_TO_POINTER(index);
+    g_signal_connect(menu, "changed", G_CALLBACK(on_band_changed), data);
+    for (GtkWidget* spin : {receiver.low_spin, receiver.high_spin}) {
+        g_signal_connect(spin, "value-changed", G_CALLBACK(on_range_changed), data);
+        track_changes(spin);
+    }
+    let_wheel_pass(menu);
+}
+
+void add_receiver_card(std::size_t index) {
+    Receiver& receiver = widgets.receiver_list[index];
+    GtkWidget* card = add_card(widgets.receiver_rows_box, nullptr);
+    pack(card, make_header(receiver));
+
+    receiver.details_box = make_box(GTK_ORIENTATION_VERTICAL, 4, "details");
+    gtk_widget_set_margin_bottom(receiver.details_box, 12);
+    pack(card, receiver.details_box);
+    receiver.low_spin = nullptr;
+    receiver.high_spin = nullptr;
+    receiver.coverage_label = nullptr;
+    add_details(receiver, index);
+
+    g_signal_connect(receiver.share_switch, "notify::active", G_CALLBACK(on_share_switch_toggled),
+                     GSIZE_TO_POINTER(index));
+    track_changes(receiver.share_switch);
+    gtk_widget_set_sensitive(receiver.details_box, receiver.enabled);
+}
+
+void forget_row(Receiver& receiver) {
+    receiver.share_switch = nullptr;
+    receiver.low_spin = nullptr;
+    receiver.high_spin = nullptr;
+    receiver.coverage_label = nullptr;
+    receiver.details_box = nullptr;
+}
+
+void destroy_child(GtkWidget* child, gpointer) {
+    gtk_widget_destroy(child);
+}
+
+} // namespace
+
+void rebuild_receiver_rows() {
+    // Destroying a spin button that is being typed in may still run handlers: they find no row.
+    for (Receiver& receiver : widgets.receiver_list)
+        forget_row(receiver);
+    gtk_container_foreach(GTK_CONTAINER(widgets.receiver_rows_box), destroy_child, nullptr);
+    if (widgets.receiver_list.empty()) {
+        GtkWidget* card = add_card(widgets.receiver_rows_box, nullptr);
+        GtkWidget* label = make_label(
+            "No receivers yet. Plug in your SDR and press <b>Find devices</b>.", "muted");
+        set_vertical_margins(label, empty_list_margin, empty_list_margin);
+        pack(card, label);
+    }
+    for (std::size_t index = 0; index < widgets.receiver_list.size(); ++index)
+        add_receiver_card(index);
+    gtk_widget_show_all(widgets.receiver_rows_box);
+}
+
+void capture_row_edits() {
+    commit_typed_values();
+    for (Receiver& receiver : widgets.receiver_list) {
+        if (!receiver.share_switch)
+            continue;
+        receiver.enabled = gtk_switch_get_active(GTK_SWITCH(receiver.share_switch));
+        if (!receiver.low_spin)
+            continue;
+        receiver.lo = spin_value(receiver.low_spin) * hertz_per_megahertz;
+        receiver.hi = spin_value(receiver.high_spin) * hertz_per_megahertz;
+    }
+}
+
+void check_receiver_range(std::size_t index) {
+    const Receiver& receiver = widgets.receiver_list.at(index);
+    if (!receiver.coverage_label || !receiver.low_spin)
+        return;
+    show_status_line(receiver.coverage_label,
+                     coverage_line(receiver.backend, spin_value(receiver.low_spin),
+                                   spin_value(receiver.high_spin)));
+}

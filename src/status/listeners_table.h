@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+// The table of people who are listening, below its title.
+//
+// Rows are matched by session number and overwritten in place, so that the selection, the scroll
+// position and the cursor stay where they are while listeners come and go.
+#pragma once
+
+#include "status/station_state.h"
+
+#include <cstdint>
+#include <gtk/gtk.h>
+#include <optional>
+#include <string>
+
+/// Makes the table's store, view and columns and writes them into the widget record. Returns the
+/// scrolled window around the view.
+GtkWidget* make_listeners_table();
+
+/// Draws title and table. Throws the JSON library's error at a broken record: the rows before it
+/// are drawn, a record without an address leaves a row with an empty one, and nothing follows.
+void draw_listeners(const StationState& state);
+
+/// The listener that is selected in the table.
+struct SelectedListener {
+    std::int32_t number = 0; ///< session number, by which the service knows the listener
+    std::string address{};
+};
+std::optional<SelectedListener> selected_listener();
+
+/// Makes the table's buttons sensitive while a row is selected. Serves the selection's "changed".
+void update_listener_buttons();

@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: MIT
+#include "status/overview_page.h"
+
+#include "link/format_text.h"
+#include "link/json_access.h"
+#include "status/overview_texts.h"
+#include "ui/form_widgets.h"
+
+#include <cstring>
+#include <string>
+
+namespace {
+
+/// What a row of the checklist or of the receivers shows; two equal ones look the same.
+struct RowContent {
+    std::string mark_markup{}; ///< empty: no mark
+    const char* mark_class = nullptr;
+    std::string markup{};
+    std::string origin{};         ///< small text at the end; empty: none
+    const char* button = nullptr; ///< text of the link button at the end; null: none
+    const char* page = nullptr;   ///< page that the button shows
+
+    bool operator==(const RowContent& other) const {
+        return mark_markup == other.mark_markup && g_strcmp0(mark_class, other.mark_class) == 0 &&
+               markup == other.markup && origin == other.origin &&
+               g_strcmp0(button, other.button) == 0 && g_strcmp0(page, other.page) == 0;
+    }
+};
+
+struct ShownRow {
+    GtkWidget* row = nullptr;
+    GtkWidget* button = nullptr;
+    RowContent content{};
+};
+
+void on_link_button_clicked(GtkButton*, gpointer page) {
+    show_page(static_cast<const char*>(page));
+}
+
+ShownRow make_row(const RowContent& content) {
+    ShownRow shown{make_box(GTK_ORIENTATION_HORIZONTAL, 10, "row"), nullptr, content};
+    if (!content.mark_markup.empty())
+        pack(shown.row, make_label(content.mark_markup.c_str(), content.mark_class, false));
+    pack(shown.row, make_label(content.markup.c_str(), nullptr), true);
+    if (!content.origin.empty())
+        pack(shown.row, make_label(escaped_markup(content.origin).c_str(), "small", false));
+    if (content.button) {
+        shown.button = make_button(content.button, "link");
+        // The names are literals of the rules: they outlive the button.
+        g_signal_connect(shown.button, "clicked", G_CALLBACK(on_link_button_clicked),
+                         const_cast<char*>(content.page));
+        pack(shown.row, shown.button);
+    }
+    gtk_widget_show_all(shown.row);
+    return shown;
+}
+
+/// Brings the rows of a box in line with the contents given one after the other. Rows beyond the
+/// last one go when the object goes, also when an error ends the pass in the middle.
+class RowWriter {
+public:
+    RowWriter(GtkWidget* box, std::vector<ShownRow>& rows) : box_{box}, rows_{rows} {}
+
+    ~RowWriter() {
+        while (rows_.size() > written_) {
+            note_focus(rows_.back());
+            gtk_widget_destroy(rows_.back().row);
+            rows_.pop_back();
+        }
+        give_focus_back();
+    }
+
+    RowWriter(const RowWriter&) = delete;
+    RowWriter& operator=(const RowWriter&) = delete;
+
+    void write(const RowContent& content) {
+        if (written_ == rows_.size()) {
+            rows_.push_back(make_row(content));
+            pack(box_, rows_.back().row);
+        } else if (!(rows_[written_].content == content)) {
+            replace(rows_[written_], content);
+        }
+        ++written_;
+    }
+
+private:
+    void replace(ShownRow& shown, const RowContent& content) {
+        note_focus(shown);
+        gtk_widget_destroy(shown.row);
+        shown = make_row(content);
+        pack(box_, shown.row);
+        gtk_box_reorder_child(GTK_BOX(box_), shown.row, static_cast<gint>(written_));
+    }
+
+    void note_focus(const ShownRow& shown) {
+        if (shown.button && gtk_widget_is_focus(shown.button))
+            page_of_focus_ = shown.content.page;
+    }
+
+    /// A destroyed button that had the focus is found again by where it leads.
+    void give_focus_back() {
+        if (!page_of_focus_)
+            return;
+        for (const ShownRow& shown : rows_) {
+            if (shown.button && std::strcmp(shown.content.page, page_of_focus_) == 0) {
+                gtk_widget_grab_focus(shown.button);
+                return;
+            }
+        }
+    }
+
+    GtkWidget* box_;
+    std::vector<ShownRow>& rows_;
+    std::size_t written_ = 0;
+    const char* page_of_focus_ = nullptr;
+};
+
+std::vector<ShownRow> checklist_rows;
+std::vector<ShownRow> receiver_rows;
+
+} // namespace
+
+void show_page(const char* name) {
+    GtkWidget* page = gtk_stack_get_child_by_name(GTK_STACK(widgets.stack), name);
+    if (page)
+        gtk_stack_set_visible_child(GTK_STACK(widgets.stack), page);
+}
+
+void show_header_line(const StatusLine& line) {
+    set_label_text(widgets.header_status, line.text);
+    set_status_class(widgets.header_dot, line.status_class);
+}
+
+void draw_header_line(const StationState& state) {
+    const bool broker_running = optional_bool(status_object, "broker", false);
+    show_header_line(header_line(state, broker_running));
+}
+
+void draw_checklist(const StationState& state) {
+    const StationIdentity identity{setting_string("station.name"),
+                                   setting_string("station.callsign"),
+                                   setting_string("station.grid")};
+    {
+        RowWriter rows{widgets.getting_started_box, checklist_rows};
+        for (const ChecklistItem& item : checklist_items(state, identity))
+            rows.write({.mark_markup = item.done ? "✓" : "○",
+                        .mark_class = item.done ? "good" : "muted",
+                        .markup = checklist_item_markup(item),
+                        .button = item.done ? nullptr : "Go there →",
+                        .page = item.done ? nullptr : item.page});
+    }
+    gtk_widget_set_visible(widgets.getting_started_card, !checklist_is_done(state, identity));
+}
+
+void draw_station_link(const StationState& state) {
+    const std::string link = showable(state.station_link);
+    GtkButton* button = GTK_BUTTON(widgets.station_link);
+    if (gtk_button_get_label(button) != link) {
+        gtk_button_set_label(button, link.c_str());
+        // GTK makes a new label for a new text.
+        ellipsise(gtk_bin_get_child(GTK_BIN(button)));
+        gtk_link_button_set_uri(GTK_LINK_BUTTON(widgets.station_link),
+                                link.empty() ? "about:blank" : link.c_str());
+    }
+    gtk_widget_set_visible(widgets.station_link_row, !link.empty());
+}
+
+void draw_receivers_on_air(const StationState& state) {
+    RowWriter rows{widgets.on_air_box, receiver_rows};
+    for (const json::value& element : required_array(status_object, "receivers")) {
+        const json::object& receiver = as_object(element, "an element of receivers");
+        const std::string device = member_string(receiver, "device");
+        const bool attached = required_bool(receiver, "attached");
+        const double lo = number_or_zero(required_member(receiver, "lo"));
+        const double hi = number_or_zero(required_member(receiver, "hi"));
+        rows.write({.mark_markup = "●",
+                    .mark_class = "good",
+                    .markup = receiver_markup(device, lo, hi),
+                    .origin = receiver_origin(attached)});
+    }
+    const json::array& started = required_array(status_object, "started");
+    for (const json::value& element : started) {
+        const json::object& receiver = as_object(element, "an element of started");
+        if (required_bool(receiver, "running"))
+            continue;
+        const std::string serial = string_or_empty(required_member(receiver, "serial"));
+        const std::string log = string_or_empty(required_member(receiver, "log"));
+        rows.write({.mark_markup = "●",
+                    .mark_class = "error",
+                    .markup = failed_receiver_markup(serial, log)});
+    }
+    if (state.receiver_count == 0 && started.empty())
+        rows.write({.markup = "<span foreground=\"#B0C6DA\">No receiver is on the air yet.</span>",
+                    .button = "Choose receivers →",
+                    .page = "receivers"});
+}
