@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#include "receivers/find_devices.h"
+
+#include "link/json_access.h"
+#include "link/service_link.h"
+#include "receivers/receiver_rows.h"
+#include "ui/form_widgets.h"
+#include "ui/pending_events.h"
+
+namespace {
+
+/// Time limit of the request, in seconds: drivers take their time to look.
+constexpr int discovery_time_limit_s = 30;
+
+void take_in_devices() {
+    const ServiceReply reply =
+        service_request(HttpMethod::get, "/api/devices", "", discovery_time_limit_s);
+    if (reply.status != 200) {
+        set_label_text(widgets.receivers_status, "The Tarnwave service did not answer.");
+        return;
+    }
+    const json::value document = parse_reply(reply.body);
+    // Once more, for what was edited while the progress text was drawn.
+    capture_row_edits();
+    const Discovery discovery =
+        merge_devices(widgets.receiver_list, as_array(document, "the list of devices"));
+    set_label_text(widgets.receivers_status, discovery_text(discovery));
+    rebuild_receiver_rows();
+}
+
+} // namespace
+
+void find_devices() {
+    const ReadingStep step{"looking for receivers"};
+    // Drawing the progress text lets every handler run, this one too.
+    static bool looking = false;
+    const OnlyOnce once{looking};
+    if (!once.is_first())
+        return;
+    const BusyWith busy{widgets.find_devices_button};
+    capture_row_edits();
+    set_label_text(widgets.receivers_status, "Looking for receivers…");
+    draw_now();
+    if (widgets.window)
+        take_in_devices();
+}

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#include "status/listener_actions.h"
+
+// The only room that looks into app: the table must drop the ended listener at once.
+#include "app/state_poll.h"
+#include "link/json_access.h"
+#include "link/service_link.h"
+#include "status/listeners_table.h"
+#include "ui/form_widgets.h"
+#include "ui/load_form.h"
+#include "ui/pending_events.h"
+
+namespace {
+
+/// Time limit of each request, in seconds.
+constexpr int action_time_limit_s = 3;
+
+bool user_wants_to_block(const std::string& address) {
+    GtkWidget* dialog =
+        gtk_message_dialog_new(GTK_WINDOW(widgets.window), GTK_DIALOG_MODAL, GTK_MESSAGE_QUESTION,
+                               GTK_BUTTONS_OK_CANCEL, "Block %s?", address.c_str());
+    gtk_message_dialog_format_secondary_text(
+        GTK_MESSAGE_DIALOG(dialog), "%s",
+        "Their session ends now and the address cannot listen again. You can remove it from the "
+        "blocked addresses on the Listeners page.");
+    // Enter alone must not shut somebody out.
+    gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_CANCEL);
+    return run_dialog(dialog) == GTK_RESPONSE_OK;
+}
+
+void post(const char* target, const json::object& body) {
+    service_request(HttpMethod::post, target, json::serialize(body), action_time_limit_s);
+}
+
+bool listener_is_selected() {
+    return selected_listener().has_value();
+}
+
+} // namespace
+
+void listener_action(bool block) {
+    const std::optional<SelectedListener> listener = selected_listener();
+    if (!listener)
+        return;
+    if (block && !user_wants_to_block(listener->address))
+        return;
+    if (!widgets.window)
+        return;
+
+    const BusyWith busy{block ? widgets.block_button : widgets.end_session_button,
+                        listener_is_selected};
+    if (block)
+        post("/api/ban", {{"address", listener->address}});
+    post("/api/kick", {{"number", listener->number}});
+    if (block && !widgets.dirty)
+        load_form();
+    show_footer({(block ? "Blocked " : "Ended the session of ") + listener->address + ".",
+                 StatusClass::good});
+    poll_state(nullptr);
+}

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#include "status/registration.h"
+
+#include "link/build_constants.h"
+#include "link/json_access.h"
+#include "link/service_link.h"
+#include "ui/field_rules.h"
+#include "ui/form_widgets.h"
+#include "ui/load_form.h"
+#include "ui/pending_events.h"
+#include "ui/save_settings.h"
+
+namespace {
+
+/// Time limit of the request, in seconds: the service asks the station list meanwhile.
+constexpr int registration_time_limit_s = 30;
+
+/// Registers and says what came of it.
+void send_registration(const std::string& email) {
+    const ServiceReply reply =
+        service_request(HttpMethod::post, "/api/register",
+                        json::serialize(json::object{{"email", email}}), registration_time_limit_s);
+    if (reply.status == 200) {
+        load_form();
+        show_footer({std::string{"Registered. The station appears on the list as soon as "} +
+                         directory_host + " can reach it.",
+                     StatusClass::good});
+    } else if (reply.status != 0) {
+        const json::value document = parse_reply(reply.body);
+        const json::object& refusal = as_object(document, "the reply to a registration");
+        show_footer_error("Not registered: " + string_or_empty(required_member(refusal, "error")));
+    } else {
+        show_footer_error("Not registered: the service did not answer.");
+    }
+}
+
+} // namespace
+
+void register_station() {
+    const ReadingStep step{"registering the station"};
+    if (!gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(widgets.understand_check))) {
+        show_footer_error("Tick “I understand” first.");
+        return;
+    }
+    const std::string email = gtk_entry_get_text(GTK_ENTRY(widgets.register_email));
+    if (!is_email_address(email)) {
+        show_footer_error("Enter your email address.");
+        return;
+    }
+    if (widgets.dirty && !save_settings())
+        return;
+
+    // Drawing lets every handler run, this one too: Enter in the entry works while the button is
+    // greyed.
+    static bool registering = false;
+    const OnlyOnce once{registering};
+    if (!once.is_first())
+        return;
+    const BusyWith busy{widgets.register_button};
+    show_footer({"Registering…", StatusClass::none});
+    draw_now();
+    if (widgets.window)
+        send_registration(email);
+}

@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: MIT
+// The way to the station's own page.
+#pragma once
+
+/// Opens the station's own page in the desktop's browser. A failure is not reported.
+void open_station_page();
+
+/// Copies the link of the station page to the clipboard and says so in the footer.
+void copy_station_link();
