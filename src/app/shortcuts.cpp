@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: MIT
+#include "app/shortcuts.h"
+
+#include "app/state_poll.h"
+#include "ui/save_settings.h"
+#include "ui/widget_record.h"
+
+#include <algorithm>
+
+namespace {
+
+void save_if_edited() {
+    // An unchanged form has nothing to send.
+    if (widgets.dirty)
+        save_settings();
+}
+
+void close_window() {
+    gtk_window_close(GTK_WINDOW(widgets.window));
+}
+
+void poll_now() {
+    poll_state(nullptr);
+}
+
+/// Shows the page that many places further down the sidebar. Stays at both ends.
+void turn_pages(int distance) {
+    GList* pages = gtk_container_get_children(GTK_CONTAINER(widgets.stack));
+    const int count = static_cast<int>(g_list_length(pages));
+    const int current = g_list_index(pages, gtk_stack_get_visible_child(GTK_STACK(widgets.stack)));
+    const int wanted = std::clamp(current + distance, 0, count - 1);
+    if (wanted != current)
+        gtk_stack_set_visible_child(GTK_STACK(widgets.stack),
+                                    GTK_WIDGET(g_list_nth_data(pages, static_cast<guint>(wanted))));
+    g_list_free(pages);
+}
+
+void turn_to_next_page() {
+    turn_pages(1);
+}
+
+void turn_to_previous_page() {
+    turn_pages(-1);
+}
+
+struct Shortcut {
+    guint key;
+    GdkModifierType modifiers;
+    void (*action)();
+};
+
+constexpr GdkModifierType control = GDK_CONTROL_MASK;
+
+constexpr Shortcut shortcuts[] = {
+    {GDK_KEY_s, control, save_if_edited},
+    {GDK_KEY_w, control, close_window},
+    {GDK_KEY_q, control, close_window},
+    {GDK_KEY_Page_Down, control, turn_to_next_page},
+    {GDK_KEY_Page_Up, control, turn_to_previous_page},
+    {GDK_KEY_KP_Page_Down, control, turn_to_next_page},
+    {GDK_KEY_KP_Page_Up, control, turn_to_previous_page},
+    {GDK_KEY_F5, GdkModifierType{}, poll_now},
+    {GDK_KEY_question, control, show_shortcuts},
+    {GDK_KEY_question, GdkModifierType(GDK_CONTROL_MASK | GDK_SHIFT_MASK), show_shortcuts},
+};
+
+constexpr int page_count = 5;
+
+gboolean on_shortcut(GtkAccelGroup*, GObject*, guint, GdkModifierType, gpointer shortcut) {
+    static_cast<const Shortcut*>(shortcut)->action();
+    return TRUE;
+}
+
+gboolean on_page_number(GtkAccelGroup*, GObject*, guint, GdkModifierType, gpointer index) {
+    GList* pages = gtk_container_get_children(GTK_CONTAINER(widgets.stack));
+    if (gpointer page = g_list_nth_data(pages, GPOINTER_TO_UINT(index)))
+        gtk_stack_set_visible_child(GTK_STACK(widgets.stack), GTK_WIDGET(page));
+    g_list_free(pages);
+    return TRUE;
+}
+
+constexpr char overlay[] = R"(
+<interface>
+  <object class="GtkShortcutsWindow" id="overlay">
+    <property name="modal">1</property>
+    <child>
+      <object class="GtkShortcutsSection">
+        <property name="visible">1</property>
+        <property name="section-name">shortcuts</property>
+        <property name="max-height">12</property>
+        <child>
+          <object class="GtkShortcutsGroup">
+            <property name="visible">1</property>
+            <property name="title">Settings</property>
+            <child>
+              <object class="GtkShortcutsShortcut">
+                <property name="visible">1</property>
+                <property name="accelerator">&lt;Primary&gt;s</property>
+                <property name="title">Save changes</property>
+              </object>
+            </child>
+            <child>
+              <object class="GtkShortcutsShortcut">
+                <property name="visible">1</property>
+                <property name="accelerator">F5</property>
+                <property name="title">Ask the service for news at once</property>
+              </object>
+            </child>
+            <child>
+              <object class="GtkShortcutsShortcut">
+                <property name="visible">1</property>
+                <property name="accelerator">&lt;Primary&gt;w &lt;Primary&gt;q</property>
+                <property name="title">Close the window</property>
+              </object>
+            </child>
+            <child>
+              <object class="GtkShortcutsShortcut">
+                <property name="visible">1</property>
+                <property name="accelerator">&lt;Primary&gt;question</property>
+                <property name="title">Show these shortcuts</property>
+              </object>
+            </child>
+          </object>
+        </child>
+        <child>
+          <object class="GtkShortcutsGroup">
+            <property name="visible">1</property>
+            <property name="title">Pages</property>
+            <child>
+              <object class="GtkShortcutsShortcut">
+                <property name="visible">1</property>
+                <property name="accelerator">&lt;Primary&gt;1...5</property>
+                <property name="title">Show a page by its place</property>
+              </object>
+            </child>
+            <child>
+              <object class="GtkShortcutsShortcut">
+                <property name="visible">1</property>
+                <property name="accelerator">&lt;Primary&gt;Page_Down</property>
+                <property name="title">Next page</property>
+              </object>
+            </child>
+            <child>
+              <object class="GtkShortcutsShortcut">
+                <property name="visible">1</property>
+                <property name="accelerator">&lt;Primary&gt;Page_Up</property>
+                <property name="title">Previous page</property>
+              </object>
+            </child>
+          </object>
+        </child>
+      </object>
+    </child>
+  </object>
+</interface>
+)";
+
+} // namespace
+
+void add_shortcuts() {
+    GtkAccelGroup* keys = gtk_accel_group_new();
+    for (const Shortcut& shortcut : shortcuts)
+        gtk_accel_group_connect(
+            keys, shortcut.key, shortcut.modifiers, GtkAccelFlags{},
+            g_cclosure_new(G_CALLBACK(on_shortcut), const_cast<Shortcut*>(&shortcut), nullptr));
+    for (int page = 0; page < page_count; ++page)
+        gtk_accel_group_connect(
+            keys, static_cast<guint>(GDK_KEY_1 + page), control, GtkAccelFlags{},
+            g_cclosure_new(G_CALLBACK(on_page_number), GINT_TO_POINTER(page), nullptr));
+    gtk_window_add_accel_group(GTK_WINDOW(widgets.window), keys);
+    g_object_unref(keys);
+}
+
+void show_shortcuts() {
+    GtkBuilder* builder = gtk_builder_new_from_string(overlay, -1);
+    GtkWidget* window = GTK_WIDGET(gtk_builder_get_object(builder, "overlay"));
+    gtk_window_set_transient_for(GTK_WINDOW(window), GTK_WINDOW(widgets.window));
+    gtk_window_set_destroy_with_parent(GTK_WINDOW(window), TRUE);
+    gtk_widget_show(window);
+    g_object_unref(builder); // the toolkit holds top-level windows itself
+}

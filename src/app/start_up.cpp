@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: MIT
+#include "app/start_up.h"
+
+#include "app/shortcuts.h"
+#include "app/state_poll.h"
+#include "app/station_owner.h"
+#include "link/build_constants.h"
+#include "link/json_access.h"
+#include "link/service_link.h"
+#include "status/overview_page.h"
+#include "ui/form_widgets.h"
+#include "ui/load_form.h"
+#include "ui/pending_events.h"
+#include "ui/window.h"
+
+#include <unistd.h>
+
+#include <clocale>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace {
+
+constexpr int probe_time_limit_s = 3;
+constexpr guint poll_interval_s = 3;
+
+constexpr char help_text[] =
+    "Usage: tarnwave-settings [PAGE]\n"
+    "The settings window of a small internet radio station.\n"
+    "\n"
+    "  PAGE       page shown first: overview, station, receivers, listeners, internet\n"
+    "  --help     print this text and exit\n"
+    "  --version  print the version and exit\n"
+    "\n"
+    "Environment:\n"
+    "  TARNWAVE_SETTINGS_SOCKET  path of the station service's socket, in place of\n"
+    "                            /run/tarnwave/settings.sock\n"
+    "  G_MESSAGES_DEBUG=tarnwave prints each exchange with the service\n";
+
+/// Answers an argument that needs no display. Returns whether it was one.
+bool answer_without_display(std::string_view argument) {
+    if (argument == "--help")
+        std::fputs(help_text, stdout);
+    else if (argument == "--version")
+        std::printf("tarnwave-settings %s\n", program_version);
+    else
+        return false;
+    return true;
+}
+
+/// Ends the program at an error that nobody catches, after saying in words what it was. Only
+/// documents that break the service's contract come here.
+[[noreturn]] void end_with_a_sentence() {
+    const char* message = "unknown error";
+    // The exception lives as long as it is current, which is until the end.
+    if (const std::exception_ptr error = std::current_exception()) {
+        try {
+            std::rethrow_exception(error);
+        } catch (const std::exception& known) {
+            std::fprintf(stderr, "tarnwave-settings: %s\n", broken_contract(known.what()).c_str());
+            std::abort();
+        } catch (...) {
+        }
+    }
+    std::fprintf(stderr, "tarnwave-settings: %s\n", broken_contract(message).c_str());
+    std::abort();
+}
+
+void take_over_socket_path() {
+    const char* path = std::getenv("TARNWAVE_SETTINGS_SOCKET");
+    if (path && *path)
+        settings_socket_path = path;
+}
+
+void tell_service_is_not_running() {
+    GtkWidget* dialog =
+        gtk_message_dialog_new(GTK_WINDOW(widgets.window), GTK_DIALOG_MODAL, GTK_MESSAGE_ERROR,
+                               GTK_BUTTONS_CLOSE, "%s", "The Tarnwave service is not running.");
+    gtk_message_dialog_format_secondary_text(GTK_MESSAGE_DIALOG(dialog), "%s",
+                                             "Start it with: sudo systemctl start tarnwave");
+    run_dialog(dialog);
+}
+
+/// Asks the service for its state until it answers. Nothing when the program has to give up.
+std::optional<std::string> probe_service() {
+    for (;;) {
+        ServiceReply reply = service_request(HttpMethod::get, "/api/state", "", probe_time_limit_s);
+        if (reply.status == 200)
+            return std::move(reply.body);
+        if (access(settings_socket_path.c_str(), F_OK) != 0) {
+            tell_service_is_not_running();
+            return std::nullopt;
+        }
+        if (!check_owner())
+            return std::nullopt;
+    }
+}
+
+/// Starts the user's receiver broker when the service says that it is down. Swallows every error
+/// of a document that does not say so: the state drawn later shows whether receivers run.
+void start_broker_if_down(const std::string& state_document) {
+    try {
+        const json::value document = parse_reply(state_document);
+        const json::object& status =
+            required_object(as_object(document, "the state document"), "status");
+        if (!required_bool(status, "broker")) {
+            [[maybe_unused]] const int ignored = std::system(
+                "systemctl --user enable --now tarnwave-broker.service >/dev/null 2>&1");
+        }
+    } catch (const std::exception&) {
+    }
+}
+
+} // namespace
+
+int start_up(int argc, char** argv) {
+    if (argc > 1 && answer_without_display(argv[1]))
+        return EXIT_SUCCESS;
+    std::set_terminate(end_with_a_sentence);
+    // A parent may have left SIGCHLD ignored: the commands' outcomes would then be lost.
+    std::signal(SIGCHLD, SIG_DFL);
+
+    // The name by which a desktop finds the program of a window.
+    g_set_prgname("tarnwave-settings");
+    gdk_set_program_class("tarnwave-settings");
+    gtk_init(&argc, &argv);
+    // GTK takes over the user's locale. Frequencies are written and read with a dot everywhere;
+    // dates keep the user's language.
+    std::setlocale(LC_NUMERIC, "C");
+    take_over_socket_path();
+
+    build_window();
+    add_shortcuts();
+    wait_until_window_is_drawn();
+    if (!widgets.window)
+        return EXIT_SUCCESS;
+
+    const std::optional<std::string> state_document = probe_service();
+    if (!state_document)
+        return EXIT_FAILURE;
+    start_broker_if_down(*state_document);
+    load_form();
+    if (argc > 1)
+        show_page(argv[1]);
+    g_timeout_add_seconds(poll_interval_s, poll_state, nullptr);
+    make_accessible_relations_when_idle();
+    gtk_main();
+    return EXIT_SUCCESS;
+}

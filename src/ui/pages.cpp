@@ -1,0 +1,359 @@
+// SPDX-License-Identifier: MIT
+#include "ui/pages.h"
+
+#include "link/build_constants.h"
+#include "link/format_text.h"
+#include "receivers/find_devices.h"
+#include "receivers/linger.h"
+#include "status/listener_actions.h"
+#include "status/listeners_table.h"
+#include "status/registration.h"
+#include "ui/change_tracking.h"
+#include "ui/field_checks.h"
+#include "ui/form_widgets.h"
+#include "ui/spin_buttons.h"
+#include "ui/station_link.h"
+
+namespace {
+
+void on_copy_link_clicked(GtkButton*, gpointer) {
+    copy_station_link();
+}
+
+void on_end_session_clicked(GtkButton*, gpointer) {
+    listener_action(false);
+}
+
+void on_block_clicked(GtkButton*, gpointer) {
+    listener_action(true);
+}
+
+void on_find_devices_clicked(GtkButton*, gpointer) {
+    find_devices();
+}
+
+void on_register_clicked(GtkButton*, gpointer) {
+    register_station();
+}
+
+void on_email_activated(GtkEntry*, gpointer) {
+    register_station();
+}
+
+void on_grid_entry_changed(GtkEditable*, gpointer) {
+    check_grid_square();
+}
+
+void on_max_listeners_changed(GtkSpinButton*, gpointer) {
+    update_upload_estimate();
+}
+
+void on_relay_switch_toggled(GtkSwitch*, GParamSpec*, gpointer) {
+    update_relay_visibility();
+}
+
+/// A small live hint under a row's label, that also describes the row's widget.
+GtkWidget* add_live_hint(GtkWidget* text_column, GtkWidget* described) {
+    GtkWidget* hint = make_label("", "small");
+    pack(text_column, hint);
+    describe_by_label(described, hint);
+    return hint;
+}
+
+GtkWidget* add_note(GtkWidget* box, const std::string& text, int top, int bottom) {
+    GtkWidget* note = make_label(escaped_markup(text).c_str(), "small");
+    set_vertical_margins(note, top, bottom);
+    pack(box, note);
+    return note;
+}
+
+void add_switch_row(GtkWidget* card, const char* key, const char* label, const char* hint) {
+    add_row(card, label, hint, bind_field(key, gtk_switch_new()));
+}
+
+void add_number_row(GtkWidget* card, const char* key, const char* label, const char* hint,
+                    double minimum, double maximum) {
+    add_row(card, label, hint, bind_field(key, make_number_spin(minimum, maximum)));
+}
+
+void add_entry_row(GtkWidget* card, const char* key, const char* label, const char* hint,
+                   const char* placeholder) {
+    add_row(card, label, hint, bind_entry(key, placeholder), RowWidth::wide);
+}
+
+void build_link_row(GtkWidget* card) {
+    widgets.station_link_row = make_box(GTK_ORIENTATION_HORIZONTAL, 8, "row");
+    pack(widgets.station_link_row, make_label("Station page", nullptr));
+    widgets.station_link = gtk_link_button_new("about:blank");
+    add_style_class(widgets.station_link, "link");
+    pack(widgets.station_link_row, widgets.station_link);
+    widgets.copy_link_button = make_button("Copy link");
+    g_signal_connect(widgets.copy_link_button, "clicked", G_CALLBACK(on_copy_link_clicked),
+                     nullptr);
+    pack_end(widgets.station_link_row, widgets.copy_link_button);
+    pack(card, widgets.station_link_row);
+}
+
+void build_listeners_card(GtkWidget* page) {
+    GtkWidget* card = add_card(page, nullptr);
+    widgets.listeners_title = make_label("Listening now", "card-title");
+    set_vertical_margins(widgets.listeners_title, 12, 8);
+    pack(card, widgets.listeners_title);
+    pack(card, make_listeners_table());
+    name_by_label(widgets.listeners_view, widgets.listeners_title);
+    widgets.listeners_empty = make_label("Nobody is listening right now.", "muted");
+    set_vertical_margins(widgets.listeners_empty, 6, 6);
+    pack(card, widgets.listeners_empty);
+
+    GtkWidget* buttons = make_box(GTK_ORIENTATION_HORIZONTAL, 8);
+    set_vertical_margins(buttons, 10, 12);
+    widgets.end_session_button = make_button("End session");
+    g_signal_connect(widgets.end_session_button, "clicked", G_CALLBACK(on_end_session_clicked),
+                     nullptr);
+    widgets.block_button = make_button("Block address…");
+    g_signal_connect(widgets.block_button, "clicked", G_CALLBACK(on_block_clicked), nullptr);
+    pack(buttons, widgets.end_session_button);
+    pack(buttons, widgets.block_button);
+    GtkWidget* hint =
+        make_label("Select a listener to end their session or block them.", "small", false);
+    ellipsise(hint);
+    pack_end(buttons, hint);
+    pack(card, buttons);
+    update_listener_buttons();
+}
+
+void build_overview_page() {
+    GtkWidget* page = add_page("overview", "Overview", nullptr);
+    widgets.getting_started_card = add_card(page, "Getting started");
+    widgets.getting_started_box = make_box(GTK_ORIENTATION_VERTICAL, 0);
+    gtk_widget_set_margin_bottom(widgets.getting_started_box, 6);
+    pack(widgets.getting_started_card, widgets.getting_started_box);
+
+    GtkWidget* on_air = add_card(page, "On the air");
+    build_link_row(on_air);
+    widgets.on_air_box = make_box(GTK_ORIENTATION_VERTICAL, 0);
+    gtk_widget_set_margin_bottom(widgets.on_air_box, 6);
+    pack(on_air, widgets.on_air_box);
+
+    build_listeners_card(page);
+}
+
+void build_station_page() {
+    GtkWidget* page = add_page("station", "Station",
+                               "How your station appears on its page and on the station list.");
+    GtkWidget* about = add_card(page, "About the station");
+    add_entry_row(about, "station.name", "Station name", nullptr, "Hilltop SDR");
+    add_entry_row(about, "station.callsign", "Callsign", "Leave empty if you do not have one.",
+                  "K1ABC");
+    add_entry_row(about, "station.operator", "Operator", nullptr, "Your name");
+    add_entry_row(about, "station.location", "Location",
+                  "Town, region and country. Shown on the list.", "Asheville, North Carolina, USA");
+    widgets.grid_entry = bind_entry("station.grid", "EM95");
+    gtk_entry_set_max_length(GTK_ENTRY(widgets.grid_entry), 6);
+    GtkWidget* grid_column = nullptr;
+    add_row(about, "Grid square", nullptr, widgets.grid_entry, RowWidth::wide, &grid_column);
+    widgets.grid_hint = add_live_hint(grid_column, widgets.grid_entry);
+    g_signal_connect(widgets.grid_entry, "changed", G_CALLBACK(on_grid_entry_changed), nullptr);
+    add_entry_row(about, "station.antenna", "Antenna", nullptr, "80 m end-fed, 12 m up");
+    add_entry_row(about, "station.contact", "Contact", "A web page or email address for listeners.",
+                  "https://…");
+
+    GtkWidget* for_listeners = add_card(page, "For listeners");
+    GtkWidget* label =
+        add_note(for_listeners, "Description, shown on the station page and the list", 8, 6);
+    widgets.description_view = add_textbox(for_listeners, 80);
+    name_by_label(widgets.description_view, label);
+    add_entry_row(for_listeners, "station.banner", "Message on the station page",
+                  "A short notice, for example planned downtime.", "");
+}
+
+void build_receivers_page() {
+    GtkWidget* page =
+        add_page("receivers", "Receivers",
+                 "Choose which receivers listeners can use and the frequencies each one covers.");
+    widgets.receiver_rows_box = make_box(GTK_ORIENTATION_VERTICAL, 12);
+    pack(page, widgets.receiver_rows_box);
+
+    GtkWidget* discovery = make_box(GTK_ORIENTATION_HORIZONTAL, 12);
+    widgets.find_devices_button = make_button("Find devices");
+    g_signal_connect(widgets.find_devices_button, "clicked", G_CALLBACK(on_find_devices_clicked),
+                     nullptr);
+    pack(discovery, widgets.find_devices_button);
+    widgets.receivers_status = make_label("", "small");
+    announce_changes(widgets.receivers_status);
+    pack(discovery, widgets.receivers_status, true);
+    pack(page, discovery);
+
+    add_switch_row(add_card(page, nullptr), "attach", "Share Dialhouse's receivers too",
+                   "Receivers Dialhouse runs on this computer stay as they are; listeners tune "
+                   "inside what they cover.");
+}
+
+GtkWidget* make_mode_buttons() {
+    GtkWidget* box = make_box(GTK_ORIENTATION_HORIZONTAL, 0);
+    for (std::size_t i = 0; i < mode_names.size(); ++i) {
+        GtkWidget* button = gtk_toggle_button_new_with_label(mode_names[i]);
+        add_style_class(button, "mode");
+        track_changes(button);
+        pack(box, button);
+        widgets.mode_buttons[i] = button;
+    }
+    return box;
+}
+
+void build_listeners_page() {
+    GtkWidget* page = add_page("listeners", "Listeners",
+                               "How many people can listen, for how long, and what they may use.");
+    GtkWidget* places = add_card(page, "Places and time");
+    widgets.max_listeners_spin = bind_field("listeners.max", make_number_spin(1, 200));
+    GtkWidget* max_column = nullptr;
+    add_row(places, "Listeners at once", nullptr, widgets.max_listeners_spin, RowWidth::natural,
+            &max_column);
+    widgets.upload_estimate = add_live_hint(max_column, widgets.max_listeners_spin);
+    g_signal_connect(widgets.max_listeners_spin, "value-changed",
+                     G_CALLBACK(on_max_listeners_changed), nullptr);
+    add_number_row(places, "listeners.per_address", "Listeners from one address",
+                   "Stops one visitor from taking every place.", 1, 20);
+    add_number_row(places, "listeners.session_minutes", "Session length",
+                   "Minutes before a session ends. 0 means no limit.", 0, 1440);
+    add_number_row(places, "listeners.cooldown_minutes", "Wait before listening again",
+                   "Minutes after a session ends before the same address can return.", 0, 1440);
+    add_number_row(places, "listeners.idle_minutes", "Ask “Still listening?” after",
+                   "Minutes without touching a control. Nobody answering frees the place.", 1,
+                   1440);
+
+    add_row(add_card(page, "Modes"), "Modes listeners may choose", nullptr, make_mode_buttons());
+
+    GtkWidget* bands = add_card(page, "Broadcast bands");
+    add_switch_row(bands, "content.block_fm_broadcast", "No FM broadcast audio",
+                   "87.5 to 108 MHz. The waterfall still shows the band.");
+    add_switch_row(bands, "content.block_am_broadcast", "No AM broadcast audio",
+                   "530 to 1700 kHz.");
+    add_note(bands,
+             "Rebroadcasting commercial stations online can raise copyright questions in some "
+             "countries. It is your choice.",
+             0, 12);
+
+    GtkWidget* blocked = add_card(page, "Blocked addresses");
+    GtkWidget* label = add_note(blocked,
+                                "One per line: an address such as 203.0.113.7, or a range such "
+                                "as 203.0.113.0/24.",
+                                0, 6);
+    widgets.banned_view = add_textbox(blocked, 70);
+    name_by_label(widgets.banned_view, label);
+}
+
+void build_way_in_card(GtkWidget* page) {
+    const std::string host{directory_host};
+    GtkWidget* card = add_card(page, "1 · Open the way in");
+    widgets.relay_switch = bind_field("relay.enabled", gtk_switch_new());
+    const std::string relay_hint =
+        "Starlink, a mobile or apartment connection, or a router you can't change: " + host +
+        " can host your page and carry listeners to you instead. It needs a relay key from "
+        "Corvane.";
+    add_row(card, "I can't accept incoming connections", relay_hint.c_str(), widgets.relay_switch);
+    g_signal_connect(widgets.relay_switch, "notify::active", G_CALLBACK(on_relay_switch_toggled),
+                     nullptr);
+    const std::string key_hint = "From Corvane, through " + host + "/contact.html.";
+    widgets.relay_key_row =
+        add_row(card, "Relay key", key_hint.c_str(),
+                bind_entry("relay.key", "XXXX-XXXX-XXXX-XXXX-XXXX-XXXX"), RowWidth::wide);
+    widgets.relay_note = add_note(card,
+                                  "Corvane may withdraw a relay key at any time. Through the "
+                                  "relay, listeners get no FM or AM broadcast audio.",
+                                  6, 0);
+
+    widgets.reachability_label = make_label("", nullptr);
+    gtk_widget_set_margin_top(widgets.reachability_label, 8);
+    pack(card, widgets.reachability_label);
+    widgets.port_status_label = add_note(card, "", 6, 6);
+
+    widgets.port_box = make_box(GTK_ORIENTATION_VERTICAL, 0);
+    widgets.port_hint_label = add_note(widgets.port_box, "", 0, 6);
+    pack(widgets.port_box, gtk_separator_new(GTK_ORIENTATION_HORIZONTAL));
+    add_number_row(widgets.port_box, "network.port", "Public port",
+                   "The port listeners connect to. A change takes effect when Tarnwave restarts.",
+                   1024, 65535);
+    pack(card, widgets.port_box);
+}
+
+void build_register_box(GtkWidget* card) {
+    widgets.register_box = make_box(GTK_ORIENTATION_VERTICAL, 8);
+    gtk_widget_set_margin_bottom(widgets.register_box, 14);
+    gtk_box_pack_start(GTK_BOX(widgets.register_box), gtk_separator_new(GTK_ORIENTATION_HORIZONTAL),
+                       FALSE, TRUE, 4);
+    pack(widgets.register_box, make_label("<b>Register once</b>", nullptr));
+    GtkWidget* statement = add_note(
+        widgets.register_box,
+        "You run this station independently and are solely responsible for it, for what it "
+        "receives and streams, and for following the law where you are. Corvane does not "
+        "monitor, review or filter stations; the list shows them as they are.",
+        0, 0);
+    widgets.understand_check = gtk_check_button_new_with_label("I understand");
+    describe_by_label(widgets.understand_check, statement);
+    pack(widgets.register_box, widgets.understand_check);
+
+    GtkWidget* row = make_box(GTK_ORIENTATION_HORIZONTAL, 10);
+    constexpr char email_placeholder[] = "Your email (not shown on the list)";
+    widgets.register_email = gtk_entry_new();
+    gtk_entry_set_placeholder_text(GTK_ENTRY(widgets.register_email), email_placeholder);
+    set_accessible_name(widgets.register_email, email_placeholder);
+    g_signal_connect(widgets.register_email, "activate", G_CALLBACK(on_email_activated), nullptr);
+    pack(row, widgets.register_email, true);
+    widgets.register_button = make_button("Register this station", "primary");
+    g_signal_connect(widgets.register_button, "clicked", G_CALLBACK(on_register_clicked), nullptr);
+    pack(row, widgets.register_button);
+    pack(widgets.register_box, row);
+    pack(card, widgets.register_box);
+}
+
+void build_list_card(GtkWidget* page) {
+    const std::string host{directory_host};
+    GtkWidget* card = add_card(page, "2 · Appear on the station list");
+    add_switch_row(card, "directory.listed", ("List this station on " + host).c_str(),
+                   ("Listeners find stations at " + host + "/websdr.html.").c_str());
+    widgets.listing_status_label = add_note(card, "", 0, 8);
+    build_register_box(card);
+    widgets.registered_label = add_note(card, "", 0, 12);
+}
+
+void build_stay_card(GtkWidget* page) {
+    GtkWidget* card = add_card(page, "3 · Stay on the air");
+    // The system's own switch: it acts at once and is no setting that Save sends.
+    widgets.linger_switch = gtk_switch_new();
+    add_row(card, "Keep sharing when I'm logged out",
+            "Your receivers keep running after you log out and come back after a restart. An "
+            "RX-888 still needs you logged in.",
+            widgets.linger_switch);
+    g_signal_connect(widgets.linger_switch, "notify::active", G_CALLBACK(on_linger_switch_toggled),
+                     nullptr);
+}
+
+void build_advanced_expander(GtkWidget* page) {
+    GtkWidget* expander = gtk_expander_new("Advanced");
+    GtkWidget* box = make_box(GTK_ORIENTATION_VERTICAL, 0);
+    gtk_widget_set_margin_top(box, 8);
+    add_entry_row(add_card(box, nullptr), "directory.url", "Station list address", nullptr, "");
+    gtk_container_add(GTK_CONTAINER(expander), box);
+    pack(page, expander);
+}
+
+void build_internet_page() {
+    const std::string subtitle = std::string{"Let people reach your station, and list it on "} +
+                                 directory_host + " so they can find it.";
+    GtkWidget* page = add_page("internet", "Internet", subtitle.c_str());
+    build_way_in_card(page);
+    build_list_card(page);
+    build_stay_card(page);
+    build_advanced_expander(page);
+}
+
+} // namespace
+
+void build_pages() {
+    build_overview_page();
+    build_station_page();
+    build_receivers_page();
+    build_listeners_page();
+    build_internet_page();
+}

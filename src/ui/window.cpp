@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: MIT
+#include "ui/window.h"
+
+#include "link/build_constants.h"
+#include "ui/change_tracking.h"
+#include "ui/field_checks.h"
+#include "ui/form_widgets.h"
+#include "ui/pages.h"
+#include "ui/pending_events.h"
+#include "ui/save_settings.h"
+#include "ui/station_link.h"
+#include "ui/theme.h"
+
+namespace {
+
+constexpr int default_width = 1000;
+constexpr int default_height = 780;
+constexpr int sidebar_width = 190;
+
+/// Responses of the question about unsaved changes.
+enum CloseAnswer : gint { discard = 1, save = 2 };
+
+void on_window_destroyed(GtkWidget*, gpointer) {
+    // Handlers that turned the main loop when the window was closed find it gone.
+    widgets.window = nullptr;
+    if (gtk_main_level() > 0)
+        gtk_main_quit();
+}
+
+gboolean on_window_delete(GtkWidget*, GdkEvent*, gpointer) {
+    return confirm_close();
+}
+
+void on_open_page_clicked(GtkButton*, gpointer) {
+    open_station_page();
+}
+
+void on_save_clicked(GtkButton*, gpointer) {
+    save_settings();
+}
+
+GtkWidget* make_header_texts() {
+    GtkWidget* texts = make_box(GTK_ORIENTATION_VERTICAL, 3);
+    pack(texts, make_label("TARNWAVE", "brand"));
+    widgets.header_title = make_label("Your station", "title");
+    limit_lines(widgets.header_title, 2);
+    pack(texts, widgets.header_title);
+
+    GtkWidget* line = make_box(GTK_ORIENTATION_HORIZONTAL, 7);
+    widgets.header_dot = make_label("●", "dot", false);
+    pack(line, widgets.header_dot);
+    widgets.header_status = make_label("Connecting to the Tarnwave service…", "muted");
+    announce_changes(widgets.header_status);
+    pack(line, widgets.header_status);
+    pack(texts, line);
+    return texts;
+}
+
+GtkWidget* make_header() {
+    GtkWidget* header = make_box(GTK_ORIENTATION_HORIZONTAL, 12, "header");
+    pack(header, make_header_texts(), true);
+
+    GtkWidget* actions = make_box(GTK_ORIENTATION_HORIZONTAL, 8);
+    gtk_widget_set_valign(actions, GTK_ALIGN_CENTER);
+    widgets.unsaved_label = make_label("Unsaved changes", "warning", false);
+    gtk_box_pack_start(GTK_BOX(actions), widgets.unsaved_label, FALSE, TRUE, 6);
+    widgets.open_page_button = make_button("Open station page");
+    g_signal_connect(widgets.open_page_button, "clicked", G_CALLBACK(on_open_page_clicked),
+                     nullptr);
+    pack(actions, widgets.open_page_button);
+    widgets.save_button = make_button("Save changes", "primary");
+    g_signal_connect(widgets.save_button, "clicked", G_CALLBACK(on_save_clicked), nullptr);
+    pack(actions, widgets.save_button);
+    pack_end(header, actions);
+    return header;
+}
+
+GtkWidget* make_body() {
+    GtkWidget* body = make_box(GTK_ORIENTATION_HORIZONTAL, 0);
+    GtkWidget* sidebar = gtk_stack_sidebar_new();
+    gtk_widget_set_size_request(sidebar, sidebar_width, -1);
+    widgets.stack = gtk_stack_new();
+    gtk_stack_set_transition_type(GTK_STACK(widgets.stack), GTK_STACK_TRANSITION_TYPE_CROSSFADE);
+    build_pages();
+    gtk_stack_sidebar_set_stack(GTK_STACK_SIDEBAR(sidebar), GTK_STACK(widgets.stack));
+    pack(body, sidebar);
+    pack(body, widgets.stack, true);
+    return body;
+}
+
+GtkWidget* make_footer() {
+    GtkWidget* footer = make_box(GTK_ORIENTATION_HORIZONTAL, 10, "footer");
+    widgets.footer_status = make_label("", "muted", false);
+    ellipsise(widgets.footer_status);
+    announce_changes(widgets.footer_status);
+    pack(footer, widgets.footer_status, true);
+    pack_end(footer,
+             make_label((std::string{"Tarnwave "} + program_version).c_str(), "small", false));
+    return footer;
+}
+
+} // namespace
+
+void build_window() {
+    apply_theme();
+    widgets.window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    gtk_window_set_title(GTK_WINDOW(widgets.window), "Tarnwave settings");
+    gtk_window_set_icon_name(GTK_WINDOW(widgets.window), "tarnwave");
+    gtk_window_set_default_size(GTK_WINDOW(widgets.window), default_width, default_height);
+    g_signal_connect(widgets.window, "destroy", G_CALLBACK(on_window_destroyed), nullptr);
+    g_signal_connect(widgets.window, "delete-event", G_CALLBACK(on_window_delete), nullptr);
+
+    GtkWidget* content = make_box(GTK_ORIENTATION_VERTICAL, 0);
+    GtkWidget* header = make_header();
+    pack(content, header);
+    pack(content, make_body(), true);
+    pack(content, make_footer());
+    gtk_container_add(GTK_CONTAINER(widgets.window), content);
+
+    gtk_widget_show_all(content);
+    mark_clean();
+    update_relay_visibility();
+    // Last, so that the first frame shows the window as it is.
+    gtk_widget_show(widgets.window);
+}
+
+bool confirm_close() {
+    if (!widgets.dirty)
+        return false;
+    GtkWidget* dialog =
+        gtk_message_dialog_new(GTK_WINDOW(widgets.window), GTK_DIALOG_MODAL, GTK_MESSAGE_QUESTION,
+                               GTK_BUTTONS_NONE, "%s", "Save your changes?");
+    gtk_message_dialog_format_secondary_text(GTK_MESSAGE_DIALOG(dialog), "%s",
+                                             "Some settings have changed and are not saved yet.");
+    gtk_dialog_add_button(GTK_DIALOG(dialog), "Discard", CloseAnswer::discard);
+    gtk_dialog_add_button(GTK_DIALOG(dialog), "Cancel", GTK_RESPONSE_CANCEL);
+    gtk_dialog_add_button(GTK_DIALOG(dialog), "Save", CloseAnswer::save);
+    // Enter alone must lose nothing.
+    gtk_dialog_set_default_response(GTK_DIALOG(dialog), CloseAnswer::save);
+    switch (run_dialog(dialog)) {
+    case CloseAnswer::save:
+        return !save_settings();
+    case CloseAnswer::discard:
+        return false;
+    default:
+        return true;
+    }
+}
