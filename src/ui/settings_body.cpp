@@ -7,6 +7,7 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
@@ -42,6 +43,20 @@ json::array array_of(const std::vector<std::string>& texts) {
     return array;
 }
 
+/// Brings numbers beyond a double's range, which parse as infinities, back into it: the library
+/// writes an infinity as a word that is no JSON.
+void make_finite(json::value& value) {
+    constexpr double highest = std::numeric_limits<double>::max();
+    if (double* number = value.if_double())
+        *number = std::clamp(*number, -highest, highest);
+    else if (json::array* array = value.if_array())
+        for (json::value& element : *array)
+            make_finite(element);
+    else if (json::object* object = value.if_object())
+        for (auto& member : *object)
+            make_finite(member.value());
+}
+
 } // namespace
 
 json::object settings_body(const json::object& loaded, const FormValues& form,
@@ -57,5 +72,7 @@ json::object settings_body(const json::object& loaded, const FormValues& form,
     required_place(body, "content", "modes") = array_of(form.modes);
     required_place(body, "access", "banned") = array_of(words_of(form.blocked_text));
     body["receivers"] = receivers_to_save(receivers);
+    for (auto& member : body)
+        make_finite(member.value());
     return body;
 }
