@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#include "link/format_text.h"
+
+#include "support/user_locale.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+TEST(FormatText, TakesTextOfAnyLength) {
+    const std::string log(100'000, 'x');
+    EXPECT_EQ(format_text("<%s>", log.c_str()), "<" + log + ">");
+}
+
+TEST(FormatText, WritesADotForAUserWithADecimalComma) {
+    const UserLocale german{"de_DE.UTF-8"};
+    EXPECT_EQ(format_text("%.3f", 7.3), "7.300");
+}
+
+TEST(EscapedMarkup, KeepsPlainText) {
+    EXPECT_EQ(escaped_markup(""), "");
+    EXPECT_EQ(escaped_markup("Hilltop SDR – 40 m"), "Hilltop SDR – 40 m");
+}
+
+TEST(EscapedMarkup, EscapesWhatMarkupWouldRead) {
+    EXPECT_EQ(escaped_markup("<b>\"Tom\" & 'Ann'</b>"),
+              "&lt;b&gt;&quot;Tom&quot; &amp; &apos;Ann&apos;&lt;/b&gt;");
+}
+
+TEST(EscapedMarkup, EscapesControlCharacters) {
+    EXPECT_EQ(escaped_markup("a\x01\x1b[0m"), "a&#x1;&#x1b;[0m");
+    EXPECT_EQ(escaped_markup("line\nline\ttab"), "line\nline\ttab");
+}
+
+TEST(EscapedMarkup, EndsAtAZeroCharacter) {
+    using namespace std::string_literals;
+    EXPECT_EQ(escaped_markup("before\0after"s), "before");
+    EXPECT_EQ(escaped_markup("\0"s), "");
+}
+
+TEST(EscapedMarkup, ReadsNoFurtherThanItsText) {
+    const std::string text = "name & rest";
+    EXPECT_EQ(escaped_markup(std::string_view{text}.substr(0, 6)), "name &amp;");
+}

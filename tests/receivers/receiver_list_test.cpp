@@ -1,0 +1,348 @@
+// SPDX-License-Identifier: MIT
+#include "receivers/receiver_list.h"
+
+#include <gtest/gtest.h>
+
+#include <exception>
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace json = boost::json;
+
+Receiver from_settings(std::string_view element) {
+    return receiver_from_settings(json::parse(element));
+}
+
+Discovery merge(std::vector<Receiver>& list, std::string_view devices) {
+    return merge_devices(list, json::parse(devices).as_array());
+}
+
+std::string device(const char* backend, const char* serial, const char* model = "RSPdx",
+                   const char* available = "true") {
+    return std::string{R"({"backend": ")"} + backend + R"(", "serial": ")" + serial +
+           R"(", "model": ")" + model + R"(", "available": )" + available + "}";
+}
+
+/// A receiver that the owner shares, with a range of the owner's own.
+Receiver shared_receiver(const char* backend, const char* serial) {
+    Receiver receiver;
+    receiver.backend = backend;
+    receiver.serial = serial;
+    receiver.model = "old model";
+    receiver.enabled = true;
+    receiver.lo = 3'500'000;
+    receiver.hi = 4'000'000;
+    return receiver;
+}
+
+} // namespace
+
+TEST(DefaultRange, FollowsTheBackend) {
+    struct RangeCase {
+        const char* backend;
+        double lo;
+        double hi;
+    };
+    const std::vector<RangeCase> cases = {
+        {"rtl-sdr", 144'000'000, 146'000'000}, {"rx888", 0, 30'000'000},
+        {"sdrplay", 7'000'000, 7'300'000},     {"", 7'000'000, 7'300'000},
+        {"RX888", 7'000'000, 7'300'000},
+    };
+    for (const RangeCase& c : cases) {
+        SCOPED_TRACE(c.backend);
+        EXPECT_EQ(default_range(c.backend).lo, c.lo);
+        EXPECT_EQ(default_range(c.backend).hi, c.hi);
+    }
+}
+
+TEST(LoadedReceiver, HasWhatTheSettingsSay) {
+    const Receiver receiver = from_settings(
+        R"({"backend": "sdrplay", "serial": "2201", "model": "RSPdx", "lo": 7000000,
+            "hi": 7.3e6, "enabled": false})");
+    EXPECT_EQ(receiver.backend, "sdrplay");
+    EXPECT_EQ(receiver.serial, "2201");
+    EXPECT_EQ(receiver.model, "RSPdx");
+    EXPECT_FALSE(receiver.enabled);
+    EXPECT_EQ(receiver.lo, 7'000'000);
+    EXPECT_EQ(receiver.hi, 7'300'000);
+    EXPECT_TRUE(receiver.available);
+    EXPECT_EQ(receiver.share_switch, nullptr);
+    EXPECT_EQ(receiver.low_spin, nullptr);
+    EXPECT_EQ(receiver.high_spin, nullptr);
+    EXPECT_EQ(receiver.coverage_label, nullptr);
+    EXPECT_EQ(receiver.details_box, nullptr);
+}
+
+TEST(LoadedReceiver, IsCalledAfterItsBackendWithoutAModel) {
+    EXPECT_EQ(from_settings(R"({"backend": "rx888", "serial": "1", "lo": 0, "hi": 1})").model,
+              "rx888");
+    EXPECT_EQ(from_settings(R"({"backend": "rx888", "serial": "1", "lo": 0, "hi": 1, "model": ""})")
+                  .model,
+              "");
+    EXPECT_EQ(
+        from_settings(R"({"backend": "rx888", "serial": "1", "lo": 0, "hi": 1, "model": 5})").model,
+        "");
+}
+
+TEST(LoadedReceiver, IsSharedUnlessTheSettingsSayNo) {
+    EXPECT_TRUE(from_settings(R"({"backend": "a", "serial": "1", "lo": 0, "hi": 1})").enabled);
+    EXPECT_TRUE(
+        from_settings(R"({"backend": "a", "serial": "1", "lo": 0, "hi": 1, "enabled": true})")
+            .enabled);
+    EXPECT_FALSE(
+        from_settings(R"({"backend": "a", "serial": "1", "lo": 0, "hi": 1, "enabled": false})")
+            .enabled);
+}
+
+TEST(LoadedReceiver, IsAvailableWhateverTheSettingsSay) {
+    EXPECT_TRUE(
+        from_settings(R"({"backend": "a", "serial": "1", "lo": 0, "hi": 1, "available": false})")
+            .available);
+}
+
+TEST(LoadedReceiver, ReadsOtherKindsAsEmptyOrZero) {
+    const Receiver receiver =
+        from_settings(R"({"backend": 1, "serial": null, "lo": "7000000", "hi": true})");
+    EXPECT_EQ(receiver.backend, "");
+    EXPECT_EQ(receiver.serial, "");
+    EXPECT_EQ(receiver.model, "");
+    EXPECT_EQ(receiver.lo, 0);
+    EXPECT_EQ(receiver.hi, 0);
+}
+
+TEST(LoadedReceiver, TakesAnyNumber) {
+    const Receiver receiver =
+        from_settings(R"({"backend": "a", "serial": "1", "lo": -5, "hi": 18446744073709551615})");
+    EXPECT_EQ(receiver.lo, -5);
+    EXPECT_EQ(receiver.hi, 18446744073709551615.0);
+}
+
+TEST(LoadedReceiver, ThrowsOnABrokenElement) {
+    const std::vector<std::string> broken = {
+        "null",
+        "[]",
+        "5",
+        R"("rx888")",
+        "{}",
+        R"({"serial": "1", "lo": 0, "hi": 1})",
+        R"({"backend": "a", "lo": 0, "hi": 1})",
+        R"({"backend": "a", "serial": "1", "hi": 1})",
+        R"({"backend": "a", "serial": "1", "lo": 0})",
+        R"({"backend": "a", "serial": "1", "lo": 0, "hi": 1, "enabled": "yes"})",
+        R"({"backend": "a", "serial": "1", "lo": 0, "hi": 1, "enabled": 1})",
+        R"({"backend": "a", "serial": "1", "lo": 0, "hi": 1, "enabled": null})",
+    };
+    for (const std::string& element : broken) {
+        SCOPED_TRACE(element);
+        EXPECT_THROW(from_settings(element), std::exception);
+    }
+}
+
+TEST(MergeDevices, AppendsNewReceiversSwitchedOff) {
+    std::vector<Receiver> list{shared_receiver("sdrplay", "2201")};
+    const Discovery discovery = merge(list, "[" + device("rtl-sdr", "1", "Blog V4") + "," +
+                                                device("rx888", "2", "RX-888 II", "false") + "," +
+                                                device("other", "3") + "]");
+    EXPECT_EQ(discovery.found, 3u);
+    EXPECT_EQ(discovery.added, 3u);
+    ASSERT_EQ(list.size(), 4u);
+    EXPECT_EQ(list[0].serial, "2201");
+    struct NewCase {
+        const char* backend;
+        const char* serial;
+        const char* model;
+        bool available;
+        double lo;
+        double hi;
+    };
+    const std::vector<NewCase> cases = {
+        {"rtl-sdr", "1", "Blog V4", true, 144'000'000, 146'000'000},
+        {"rx888", "2", "RX-888 II", false, 0, 30'000'000},
+        {"other", "3", "RSPdx", true, 7'000'000, 7'300'000},
+    };
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+        SCOPED_TRACE(cases[i].backend);
+        const Receiver& added = list[i + 1];
+        EXPECT_EQ(added.backend, cases[i].backend);
+        EXPECT_EQ(added.serial, cases[i].serial);
+        EXPECT_EQ(added.model, cases[i].model);
+        EXPECT_EQ(added.available, cases[i].available);
+        EXPECT_FALSE(added.enabled);
+        EXPECT_EQ(added.lo, cases[i].lo);
+        EXPECT_EQ(added.hi, cases[i].hi);
+        EXPECT_EQ(added.share_switch, nullptr);
+    }
+}
+
+TEST(MergeDevices, RefreshesModelAndAvailabilityAndNothingElse) {
+    std::vector<Receiver> list{shared_receiver("sdrplay", "2201")};
+    const Discovery discovery =
+        merge(list, "[" + device("sdrplay", "2201", "RSPdx R2", "false") + "]");
+    EXPECT_EQ(discovery.found, 1u);
+    EXPECT_EQ(discovery.added, 0u);
+    ASSERT_EQ(list.size(), 1u);
+    EXPECT_EQ(list[0].model, "RSPdx R2");
+    EXPECT_FALSE(list[0].available);
+    EXPECT_TRUE(list[0].enabled);
+    EXPECT_EQ(list[0].lo, 3'500'000);
+    EXPECT_EQ(list[0].hi, 4'000'000);
+
+    merge(list, "[" + device("sdrplay", "2201", "", "true") + "]");
+    EXPECT_EQ(list[0].model, "");
+    EXPECT_TRUE(list[0].available);
+}
+
+TEST(MergeDevices, KeepsReceiversThatTheReplyDoesNotMention) {
+    std::vector<Receiver> list{shared_receiver("sdrplay", "2201"), shared_receiver("rx888", "7")};
+    list[1].available = false;
+    const Discovery nothing = merge(list, "[]");
+    EXPECT_EQ(nothing.found, 0u);
+    EXPECT_EQ(nothing.added, 0u);
+    ASSERT_EQ(list.size(), 2u);
+    EXPECT_EQ(list[0].model, "old model");
+    EXPECT_FALSE(list[1].available);
+}
+
+TEST(MergeDevices, TellsEqualSerialsOfTwoBackendsApart) {
+    std::vector<Receiver> list{shared_receiver("sdrplay", "1")};
+    const Discovery discovery =
+        merge(list, "[" + device("rtl-sdr", "1") + "," + device("SDRplay", "1") + "]");
+    EXPECT_EQ(discovery.added, 2u);
+    ASSERT_EQ(list.size(), 3u);
+    EXPECT_EQ(list[0].model, "old model");
+}
+
+TEST(MergeDevices, TellsTwoSerialsOfOneBackendApart) {
+    std::vector<Receiver> list{shared_receiver("sdrplay", "1")};
+    EXPECT_EQ(merge(list, "[" + device("sdrplay", "10") + "]").added, 1u);
+    EXPECT_EQ(list.size(), 2u);
+}
+
+TEST(MergeDevices, AddsADeviceThatIsListedTwiceOnce) {
+    std::vector<Receiver> list;
+    const Discovery discovery = merge(list, "[" + device("sdrplay", "1", "first") + "," +
+                                                device("sdrplay", "1", "second") + "]");
+    EXPECT_EQ(discovery.found, 2u);
+    EXPECT_EQ(discovery.added, 1u);
+    ASSERT_EQ(list.size(), 1u);
+    EXPECT_EQ(list[0].model, "second");
+}
+
+TEST(MergeDevices, RefreshesTheFirstOfTwoEqualEntries) {
+    std::vector<Receiver> list{shared_receiver("sdrplay", "1"), shared_receiver("sdrplay", "1")};
+    merge(list, "[" + device("sdrplay", "1", "new") + "]");
+    EXPECT_EQ(list[0].model, "new");
+    EXPECT_EQ(list[1].model, "old model");
+}
+
+TEST(MergeDevices, ReadsTextsOfAnotherKindAsEmpty) {
+    std::vector<Receiver> list;
+    merge(list, R"([{"backend": 1, "serial": null, "model": [], "available": true}])");
+    ASSERT_EQ(list.size(), 1u);
+    EXPECT_EQ(list[0].backend, "");
+    EXPECT_EQ(list[0].serial, "");
+    EXPECT_EQ(list[0].model, "");
+}
+
+TEST(MergeDevices, ThrowsAtABrokenElementAndKeepsThoseBeforeIt) {
+    const std::vector<std::string> broken = {
+        "null",
+        "[]",
+        R"("sdrplay")",
+        R"({"serial": "1", "model": "m", "available": true})",
+        R"({"backend": "a", "model": "m", "available": true})",
+        R"({"backend": "a", "serial": "1", "available": true})",
+        R"({"backend": "a", "serial": "1", "model": "m"})",
+        R"({"backend": "a", "serial": "1", "model": "m", "available": "yes"})",
+        R"({"backend": "a", "serial": "1", "model": "m", "available": 1})",
+        R"({"backend": "a", "serial": "1", "model": "m", "available": null})",
+    };
+    for (const std::string& element : broken) {
+        SCOPED_TRACE(element);
+        std::vector<Receiver> list;
+        EXPECT_THROW(merge(list, "[" + device("sdrplay", "1") + "," + element + "]"),
+                     std::exception);
+        EXPECT_EQ(list.size(), 1u);
+    }
+}
+
+TEST(DiscoveryText, CountsWhatWasFoundAndWhatIsNew) {
+    struct TextCase {
+        Discovery discovery;
+        const char* expected;
+    };
+    const std::vector<TextCase> cases = {
+        {{0, 0},
+         "No receivers found. Is the device plugged in, and for SDRplay, is SDRplay's API "
+         "installed?"},
+        {{1, 0}, "1 found."},
+        {{2, 0}, "2 found."},
+        {{1, 1}, "1 found, 1 new: switch on the ones to share."},
+        {{3, 1}, "3 found, 1 new: switch on the ones to share."},
+        {{64, 64}, "64 found, 64 new: switch on the ones to share."},
+    };
+    for (const TextCase& c : cases) {
+        SCOPED_TRACE(c.expected);
+        EXPECT_EQ(discovery_text(c.discovery), c.expected);
+    }
+}
+
+TEST(SavedReceivers, AreTheSharedOnesInOrder) {
+    std::vector<Receiver> list{shared_receiver("sdrplay", "1"), shared_receiver("rx888", "2"),
+                               shared_receiver("rtl-sdr", "3")};
+    list[1].enabled = false;
+    list[2].available = false;
+    EXPECT_EQ(json::value(receivers_to_save(list)), json::parse(R"([
+        {"backend": "sdrplay", "serial": "1", "model": "old model",
+         "lo": 3500000.0, "hi": 4000000.0, "enabled": true},
+        {"backend": "rtl-sdr", "serial": "3", "model": "old model",
+         "lo": 3500000.0, "hi": 4000000.0, "enabled": true}])"));
+}
+
+TEST(SavedReceivers, AreAnEmptyArrayWhenAllAreOff) {
+    std::vector<Receiver> list{shared_receiver("sdrplay", "1")};
+    list[0].enabled = false;
+    EXPECT_TRUE(receivers_to_save(list).empty());
+    EXPECT_TRUE(receivers_to_save({}).empty());
+}
+
+TEST(SavedReceivers, HaveTheirMembersInTheServicesOrder) {
+    const json::array saved = receivers_to_save({shared_receiver("sdrplay", "1")});
+    std::vector<std::string> names;
+    for (const auto& member : saved.at(0).as_object())
+        names.emplace_back(member.key());
+    EXPECT_EQ(names,
+              (std::vector<std::string>{"backend", "serial", "model", "lo", "hi", "enabled"}));
+}
+
+TEST(SavedReceivers, HaveWholeHertzAsFloatingPointNumbers) {
+    struct HertzCase {
+        double hz;
+        double expected;
+    };
+    const std::vector<HertzCase> cases = {
+        {7'000'000, 7'000'000},
+        {7.3 * 1'000'000, 7'300'000},
+        {16.001 * 1'000'000, 16'001'000},
+        {0.5, 1},
+        {0.4999, 0},
+        {2.5, 3},
+        {-2.5, -3},
+        {6'000'000'000, 6'000'000'000},
+    };
+    for (const HertzCase& c : cases) {
+        SCOPED_TRACE(c.hz);
+        Receiver receiver = shared_receiver("sdrplay", "1");
+        receiver.lo = c.hz;
+        receiver.hi = c.hz;
+        const json::array saved = receivers_to_save({receiver});
+        const json::object& object = saved.at(0).as_object();
+        ASSERT_TRUE(object.at("lo").is_double());
+        ASSERT_TRUE(object.at("hi").is_double());
+        EXPECT_EQ(object.at("lo").as_double(), c.expected);
+        EXPECT_EQ(object.at("hi").as_double(), c.expected);
+    }
+}

@@ -1,0 +1,434 @@
+// SPDX-License-Identifier: MIT
+#include "status/overview_texts.h"
+
+#include "link/build_constants.h"
+#include "support/user_locale.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace {
+
+const std::string host{directory_host};
+constexpr bool broker_running = true;
+
+/// On the air, listed, reached and checked in, with nobody listening.
+StationState listed_station() {
+    StationState state;
+    state.registered = true;
+    state.checked_in = true;
+    state.reachable = true;
+    state.directory_state = "checked in";
+    state.receiver_count = 2;
+    state.listener_count = 1;
+    state.listeners_allowed = 20;
+    state.port = 8073;
+    return state;
+}
+
+StationState unregistered(StationState state) {
+    state.registered = false;
+    state.checked_in = false;
+    state.directory_state = "not registered";
+    return state;
+}
+
+StationState in_directory_state(StationState state, const char* directory_state) {
+    state.registered = true;
+    state.checked_in = false;
+    state.directory_state = directory_state;
+    return state;
+}
+
+StationState unreachable(StationState state) {
+    state.reachable = false;
+    return state;
+}
+
+StationState unlisted(StationState state) {
+    state.listed_wanted = false;
+    return state;
+}
+
+StationState with_relay_wanted(StationState state) {
+    state.relay_wanted = true;
+    state.relay_connected = state.reachable;
+    return state;
+}
+
+StationState with_receivers(StationState state, std::size_t count) {
+    state.receiver_count = count;
+    return state;
+}
+
+} // namespace
+
+TEST(HeaderLine, FollowsItsTable) {
+    struct HeaderCase {
+        const char* when;
+        StationState state;
+        bool broker;
+        StatusLine expected;
+    };
+    const StationState listed = listed_station();
+    const std::vector<HeaderCase> cases = {
+        {"the broker is down",
+         listed,
+         false,
+         {"Off the air: your receiver broker is not running (systemctl --user start "
+          "tarnwave-broker)",
+          StatusClass::error}},
+        {"no receiver runs",
+         with_receivers(listed, 0),
+         true,
+         {"Off the air: no receiver is running", StatusClass::error}},
+        {"the owner does not want the list",
+         unlisted(listed),
+         true,
+         {"On the air · 2 receivers · 1 of 20 listening · not on the station list",
+          StatusClass::good}},
+        {"not registered",
+         unregistered(listed),
+         true,
+         {"On the air · 2 receivers · 1 of 20 listening · not registered for the station list",
+          StatusClass::warning}},
+        {"the check-in failed",
+         in_directory_state(listed, "check-in failed"),
+         true,
+         {"On the air · 2 receivers · 1 of 20 listening · cannot reach " + host,
+          StatusClass::warning}},
+        {"reachable and checked in",
+         listed,
+         true,
+         {"On the air · 2 receivers · 1 of 20 listening · listed on " + host, StatusClass::good}},
+        {"reachable by the relay and checked in",
+         with_relay_wanted(listed),
+         true,
+         {"On the air · 2 receivers · 1 of 20 listening · listed on " + host, StatusClass::good}},
+        {"reachable, the check-in under way",
+         in_directory_state(listed, "checking in"),
+         true,
+         {"On the air · 2 receivers · 1 of 20 listening", StatusClass::good}},
+        {"checked in, the relay not connected",
+         with_relay_wanted(unreachable(listed)),
+         true,
+         {"On the air · 2 receivers · 1 of 20 listening · not connected to the " + host + " relay",
+          StatusClass::warning}},
+        {"checked in, the port not reached",
+         unreachable(listed),
+         true,
+         {"On the air · 2 receivers · 1 of 20 listening · not reachable from the internet",
+          StatusClass::warning}},
+        {"not reachable, the check-in under way",
+         in_directory_state(unreachable(listed), "checking in"),
+         true,
+         {"On the air · 2 receivers · 1 of 20 listening", StatusClass::good}},
+        {"the relay not connected, the check-in under way",
+         in_directory_state(with_relay_wanted(unreachable(listed)), "checking in"),
+         true,
+         {"On the air · 2 receivers · 1 of 20 listening", StatusClass::good}},
+    };
+    for (const HeaderCase& c : cases) {
+        SCOPED_TRACE(c.when);
+        EXPECT_EQ(header_line(c.state, c.broker), c.expected);
+    }
+}
+
+TEST(HeaderLine, ABrokerThatIsDownWinsOverAll) {
+    const StatusLine expected{"Off the air: your receiver broker is not running (systemctl --user "
+                              "start tarnwave-broker)",
+                              StatusClass::error};
+    EXPECT_EQ(header_line(with_receivers(listed_station(), 0), false), expected);
+    EXPECT_EQ(header_line(unlisted(unregistered(listed_station())), false), expected);
+    EXPECT_EQ(header_line(in_directory_state(listed_station(), "check-in failed"), false),
+              expected);
+}
+
+TEST(HeaderLine, NoReceiverWinsOverTheStationList) {
+    const StatusLine expected{"Off the air: no receiver is running", StatusClass::error};
+    EXPECT_EQ(header_line(with_receivers(unlisted(listed_station()), 0), broker_running), expected);
+    EXPECT_EQ(header_line(with_receivers(unregistered(listed_station()), 0), broker_running),
+              expected);
+}
+
+TEST(HeaderLine, AnUnlistedStationIsGoodEvenWhileUnregistered) {
+    const StatusLine expected{
+        "On the air · 2 receivers · 1 of 20 listening · not on the station list",
+        StatusClass::good};
+    EXPECT_EQ(header_line(unlisted(unregistered(listed_station())), broker_running), expected);
+    EXPECT_EQ(header_line(unlisted(in_directory_state(listed_station(), "check-in failed")),
+                          broker_running),
+              expected);
+    EXPECT_EQ(header_line(unlisted(unreachable(listed_station())), broker_running), expected);
+}
+
+TEST(HeaderLine, AFailedCheckInWinsOverTheWayIn) {
+    const StatusLine expected{"On the air · 2 receivers · 1 of 20 listening · cannot reach " + host,
+                              StatusClass::warning};
+    EXPECT_EQ(header_line(in_directory_state(unreachable(listed_station()), "check-in failed"),
+                          broker_running),
+              expected);
+}
+
+TEST(HeaderLine, CountsExactlyOneReceiverInTheSingular) {
+    StationState state = unlisted(listed_station());
+    state.receiver_count = 1;
+    EXPECT_EQ(header_line(state, broker_running).text,
+              "On the air · 1 receiver · 1 of 20 listening · not on the station list");
+    state.receiver_count = 2;
+    EXPECT_EQ(header_line(state, broker_running).text,
+              "On the air · 2 receivers · 1 of 20 listening · not on the station list");
+    state.receiver_count = 21;
+    EXPECT_EQ(header_line(state, broker_running).text,
+              "On the air · 21 receivers · 1 of 20 listening · not on the station list");
+}
+
+TEST(HeaderLine, WritesPlainDecimalsInEveryLocale) {
+    const UserLocale german{"de_DE.UTF-8"};
+    StationState state = unlisted(listed_station());
+    state.listener_count = 2000;
+    state.listeners_allowed = std::numeric_limits<std::int32_t>::max();
+    EXPECT_EQ(header_line(state, broker_running).text,
+              "On the air · 2 receivers · 2000 of 2147483647 listening · not on the station list");
+    state.listeners_allowed = -1;
+    EXPECT_EQ(header_line(state, broker_running).text,
+              "On the air · 2 receivers · 2000 of -1 listening · not on the station list");
+}
+
+TEST(Checklist, AsksForFourThingsInOrder) {
+    const StationState state = unreachable(unregistered(with_receivers(listed_station(), 0)));
+    const auto items = checklist_items(state, {});
+    EXPECT_EQ(items[0].text, "Name your station and enter its grid square");
+    EXPECT_STREQ(items[0].page, "station");
+    EXPECT_EQ(items[1].text, "Share at least one receiver");
+    EXPECT_STREQ(items[1].page, "receivers");
+    EXPECT_EQ(items[2].text, "Register the station for the list on " + host);
+    EXPECT_STREQ(items[2].page, "internet");
+    EXPECT_EQ(items[3].text, "Forward port 8073 on your router to this computer");
+    EXPECT_STREQ(items[3].page, "internet");
+    for (const ChecklistItem& item : items)
+        EXPECT_FALSE(item.done) << item.text;
+}
+
+TEST(Checklist, AsksForTheRelayWhereTheRelayIsWanted) {
+    const auto items = checklist_items(with_relay_wanted(unreachable(listed_station())), {});
+    EXPECT_EQ(items[3].text, "Connect to the " + host + " relay with your relay key");
+    EXPECT_STREQ(items[3].page, "internet");
+    EXPECT_FALSE(items[3].done);
+}
+
+TEST(Checklist, NeedsANameOrACallsignAndAGrid) {
+    struct IdentityCase {
+        StationIdentity identity;
+        bool done;
+    };
+    const std::vector<IdentityCase> cases = {
+        {{"", "", ""}, false},
+        {{"Hilltop", "", ""}, false},
+        {{"", "K1ABC", ""}, false},
+        {{"Hilltop", "K1ABC", ""}, false},
+        {{"", "", "EM95"}, false},
+        {{"Hilltop", "", "EM95"}, true},
+        {{"", "K1ABC", "EM95"}, true},
+        {{"Hilltop", "K1ABC", "EM95"}, true},
+        {{"Hilltop", "", "no grid"}, true},
+    };
+    for (const IdentityCase& c : cases) {
+        SCOPED_TRACE(c.identity.name + "/" + c.identity.callsign + "/" + c.identity.grid);
+        EXPECT_EQ(checklist_items(listed_station(), c.identity)[0].done, c.done);
+        EXPECT_EQ(checklist_is_done(listed_station(), c.identity), c.done);
+    }
+}
+
+TEST(Checklist, TicksWhatIsDone) {
+    EXPECT_FALSE(checklist_items(with_receivers(listed_station(), 0), {})[1].done);
+    EXPECT_TRUE(checklist_items(with_receivers(listed_station(), 1), {})[1].done);
+
+    EXPECT_FALSE(checklist_items(unregistered(listed_station()), {})[2].done);
+    EXPECT_TRUE(
+        checklist_items(in_directory_state(listed_station(), "check-in failed"), {})[2].done);
+
+    EXPECT_TRUE(checklist_items(listed_station(), {})[3].done);
+    EXPECT_FALSE(checklist_items(unreachable(listed_station()), {})[3].done);
+    EXPECT_FALSE(checklist_items(in_directory_state(listed_station(), "checking in"), {})[3].done);
+}
+
+TEST(Checklist, IsDoneWhenAllFiveConditionsAreMet) {
+    const StationIdentity identity{"Hilltop", "", "EM95"};
+    EXPECT_TRUE(checklist_is_done(listed_station(), identity));
+    EXPECT_TRUE(checklist_is_done(with_relay_wanted(listed_station()), identity));
+    EXPECT_FALSE(checklist_is_done(listed_station(), {"Hilltop", "", ""}));
+    EXPECT_FALSE(checklist_is_done(with_receivers(listed_station(), 0), identity));
+    EXPECT_FALSE(checklist_is_done(in_directory_state(listed_station(), "checking in"), identity));
+    EXPECT_FALSE(checklist_is_done(unreachable(listed_station()), identity));
+    EXPECT_FALSE(checklist_is_done(unregistered(listed_station()), identity));
+}
+
+TEST(Checklist, DoesNotCareWhetherTheOwnerWantsTheList) {
+    EXPECT_TRUE(checklist_is_done(unlisted(listed_station()), {"Hilltop", "", "EM95"}));
+}
+
+TEST(Checklist, StaysWithFourTicksUntilTheRelaysStationHasCheckedIn) {
+    const StationIdentity identity{"Hilltop", "", "EM95"};
+    const StationState state =
+        with_relay_wanted(in_directory_state(listed_station(), "checking in"));
+    for (const ChecklistItem& item : checklist_items(state, identity))
+        EXPECT_TRUE(item.done) << item.text;
+    EXPECT_FALSE(checklist_is_done(state, identity));
+}
+
+TEST(Checklist, NamesThePortAsItIs) {
+    StationState state = listed_station();
+    state.port = -1;
+    EXPECT_EQ(checklist_items(state, {})[3].text,
+              "Forward port -1 on your router to this computer");
+}
+
+TEST(ChecklistMarkup, DimsWhatIsDone) {
+    EXPECT_EQ(checklist_item_markup({"Share at least one receiver", false, "receivers"}),
+              "Share at least one receiver");
+    EXPECT_EQ(checklist_item_markup({"Share at least one receiver", true, "receivers"}),
+              "<span foreground=\"#7590A8\">Share at least one receiver</span>");
+}
+
+TEST(ChecklistMarkup, EscapesTheText) {
+    EXPECT_EQ(checklist_item_markup({"<a> & b", false, "station"}), "&lt;a&gt; &amp; b");
+    EXPECT_EQ(checklist_item_markup({"<a> & b", true, "station"}),
+              "<span foreground=\"#7590A8\">&lt;a&gt; &amp; b</span>");
+}
+
+TEST(Frequency, IsWrittenInMegahertz) {
+    struct FrequencyCase {
+        double hz;
+        const char* expected;
+    };
+    const std::vector<FrequencyCase> cases = {
+        {7'074'000, "7.074"},
+        {144'000'000, "144"},
+        {10'489'750'000, "10489.8"},
+        {0, "0"},
+        {499, "0"},
+        {500, "0.001"},
+        {1'499, "0.001"},
+        {1'500, "0.002"},
+        {2'500, "0.003"},
+        {7'074'499, "7.074"},
+        {7'074'500, "7.075"},
+        {-500, "-0.001"},
+        {-7'300'000, "-7.3"},
+        {100'000'000, "100"},
+        {999'999'499, "999.999"},
+        {999'999'500, "1000"},
+        {1'296'200'000, "1296.2"},
+        {9'007'199'254'740'992, "9.0072e+09"},
+        {std::numeric_limits<double>::infinity(), "inf"},
+        {-std::numeric_limits<double>::infinity(), "-inf"},
+    };
+    for (const FrequencyCase& c : cases) {
+        SCOPED_TRACE(c.hz);
+        EXPECT_EQ(frequency_text(c.hz), c.expected);
+    }
+}
+
+TEST(Frequency, HasADotInEveryLocale) {
+    const UserLocale german{"de_DE.UTF-8"};
+    EXPECT_EQ(frequency_text(7'074'000), "7.074");
+}
+
+TEST(ReceiverOnTheAir, ShowsItsNameInBoldAndItsRange) {
+    EXPECT_EQ(receiver_markup("RSPdx", 7'000'000, 7'300'000), "<b>RSPdx</b>   7 – 7.3 MHz");
+    EXPECT_EQ(receiver_markup("RX-888", 0, 30'000'000), "<b>RX-888</b>   0 – 30 MHz");
+}
+
+TEST(ReceiverOnTheAir, HasANameEvenWithoutOne) {
+    EXPECT_EQ(receiver_markup("", 0, 30'000'000), "<b>Receiver</b>   0 – 30 MHz");
+}
+
+TEST(ReceiverOnTheAir, ShowsAnyNameLiterally) {
+    EXPECT_EQ(receiver_markup("R&D <2>", 0, 30'000'000), "<b>R&amp;D &lt;2&gt;</b>   0 – 30 MHz");
+}
+
+TEST(ReceiverOnTheAir, SaysWhoRunsIt) {
+    EXPECT_STREQ(receiver_origin(true), "shared from Dialhouse");
+    EXPECT_STREQ(receiver_origin(false), "started by Tarnwave");
+}
+
+TEST(FailedReceiver, ShowsItsLogLiterally) {
+    EXPECT_EQ(failed_receiver_markup("2201<A>", "open failed: <usb> & busy"),
+              "<b>2201&lt;A&gt;</b> is not running. Its log: open failed: &lt;usb&gt; &amp; busy");
+    EXPECT_EQ(failed_receiver_markup("", ""), "<b></b> is not running. Its log: ");
+}
+
+TEST(FailedReceiver, StaysValidMarkupWithAZeroCharacterInItsName) {
+    using namespace std::string_literals;
+    EXPECT_EQ(failed_receiver_markup("22\0ab"s, "log"), "<b>22</b> is not running. Its log: log");
+}
+
+TEST(ListeningTitle, CountsListenersAgainstTheMost) {
+    StationState state;
+    EXPECT_EQ(listening_title(state), "Listening now · 0 of 0");
+    state.listener_count = 3;
+    state.listeners_allowed = 20;
+    EXPECT_EQ(listening_title(state), "Listening now · 3 of 20");
+}
+
+TEST(SessionTime, IsMinutesAndSeconds) {
+    struct TimeCase {
+        std::int32_t seconds;
+        const char* expected;
+    };
+    const std::vector<TimeCase> cases = {
+        {0, "0:00"},
+        {1, "0:01"},
+        {9, "0:09"},
+        {10, "0:10"},
+        {59, "0:59"},
+        {60, "1:00"},
+        {75, "1:15"},
+        {599, "9:59"},
+        {600, "10:00"},
+        {3599, "59:59"},
+        {3600, "60:00"},
+        {3725, "62:05"},
+        {-1, "0:-1"},
+        {-60, "-1:00"},
+        {-75, "-1:-15"},
+        {std::numeric_limits<std::int32_t>::max(), "35791394:07"},
+        {std::numeric_limits<std::int32_t>::min(), "-35791394:-8"},
+    };
+    for (const TimeCase& c : cases) {
+        SCOPED_TRACE(c.seconds);
+        EXPECT_EQ(session_time_text(c.seconds), c.expected);
+        EXPECT_LE(session_time_text(c.seconds).size(), 15u);
+    }
+}
+
+TEST(TunedTo, FollowsTheListener) {
+    struct TunedCase {
+        const char* when;
+        std::optional<Tuning> tuning;
+        bool relayed;
+        std::string expected;
+    };
+    const std::vector<TunedCase> cases = {
+        {"listening", Tuning{7'074'000, "USB", true}, false, "7.074 MHz USB"},
+        {"watching the waterfall", Tuning{7'074'000, "USB", false}, false,
+         "7.074 MHz USB (waterfall only)"},
+        {"not tuned", std::nullopt, false, ""},
+        {"listening through the relay", Tuning{144'300'000, "FM", true}, true,
+         "via " + host + " · 144.3 MHz FM"},
+        {"watching through the relay", Tuning{144'300'000, "FM", false}, true,
+         "via " + host + " · 144.3 MHz FM (waterfall only)"},
+        {"not tuned, through the relay", std::nullopt, true, "via " + host + " · "},
+        {"any word for the mode, as it stands", Tuning{0, "<b>&", true}, false, "0 MHz <b>&"},
+        {"no word for the mode", Tuning{7'000'000, "", true}, false, "7 MHz "},
+    };
+    for (const TunedCase& c : cases) {
+        SCOPED_TRACE(c.when);
+        EXPECT_EQ(tuned_to_text(c.tuning, c.relayed), c.expected);
+    }
+}

@@ -1,0 +1,260 @@
+// SPDX-License-Identifier: MIT
+#include "ui/field_rules.h"
+
+#include "support/user_locale.h"
+
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <string>
+#include <vector>
+
+namespace {
+
+const std::string neutral_hint = "Places the station on the list's map, e.g. EM95 or EM95ab.";
+const std::string refusal =
+    "Not a grid square: two letters A–R, two digits, and optionally two letters a–x.";
+
+/// Calls `check` with every text over the alphabet of at most `longest` characters.
+template <class Check>
+void for_all_texts(std::string_view alphabet, std::size_t longest, const Check& check,
+                   const std::string& start = "") {
+    check(start);
+    if (start.size() == longest)
+        return;
+    for (const char letter : alphabet)
+        for_all_texts(alphabet, longest, check, start + letter);
+}
+
+/// Calls `check` with `text` and each byte value in each place of it.
+template <class Check> void for_all_bytes(const std::string& text, const Check& check) {
+    for (std::size_t place = 0; place < text.size(); ++place)
+        for (int byte = 0; byte < 256; ++byte) {
+            std::string changed = text;
+            changed[place] = static_cast<char>(byte);
+            check(changed);
+        }
+}
+
+} // namespace
+
+TEST(GridHint, ShowsAnExampleForNoText) {
+    EXPECT_EQ(grid_hint("").text, neutral_hint);
+    EXPECT_TRUE(grid_hint("").valid);
+}
+
+TEST(GridHint, PlacesASquareOnTheMap) {
+    struct GridCase {
+        const char* grid;
+        const char* expected;
+    };
+    const std::vector<GridCase> cases = {
+        {"EM95", "On the map at about 35.5° N, 81.0° W."},
+        {"em95", "On the map at about 35.5° N, 81.0° W."},
+        {"eM95", "On the map at about 35.5° N, 81.0° W."},
+        {"EM95ab", "On the map at about 35.1° N, 82.0° W."},
+        {"em95AB", "On the map at about 35.1° N, 82.0° W."},
+        {"JJ00", "On the map at about 0.5° N, 1.0° E."},
+        {"JJ00aa", "On the map at about 0.0° N, 0.0° E."},
+        {"II99xx", "On the map at about 0.0° S, 0.0° W."},
+        {"JI00aa", "On the map at about 10.0° S, 0.0° E."},
+        {"AA00", "On the map at about 89.5° S, 179.0° W."},
+        {"AA00aa", "On the map at about 90.0° S, 180.0° W."},
+        {"RR99", "On the map at about 89.5° N, 179.0° E."},
+        {"RR99xx", "On the map at about 90.0° N, 180.0° E."},
+        {"AR09mx", "On the map at about 90.0° N, 179.0° W."},
+        {"JO62qm", "On the map at about 52.5° N, 13.4° E."},
+        {"QF56od", "On the map at about 33.9° S, 151.2° E."},
+    };
+    for (const GridCase& c : cases) {
+        SCOPED_TRACE(c.grid);
+        EXPECT_EQ(grid_hint(c.grid).text, c.expected);
+        EXPECT_TRUE(grid_hint(c.grid).valid);
+        EXPECT_LT(grid_hint(c.grid).text.size(), 120u);
+    }
+}
+
+TEST(GridHint, RefusesEverythingElse) {
+    for (const char* grid :
+         {"E", "EM", "EM9", "EM95a", "EM95abc", "EM95ab00", "SM95", "ES95", "EM95ay", "EM95ya",
+          "9595", "EMab", "EM 5", " EM95", "EM95 ", "ÉM95", "EM95\n", "EM٩٥", "  "}) {
+        SCOPED_TRACE(grid);
+        EXPECT_EQ(grid_hint(grid).text, refusal);
+        EXPECT_FALSE(grid_hint(grid).valid);
+    }
+}
+
+TEST(GridHint, JudgesAsThePatternDoes) {
+    const std::regex pattern{"[A-Ra-r]{2}[0-9]{2}([A-Xa-x]{2})?"};
+    const auto check = [&](const std::string& text) {
+        ASSERT_EQ(grid_hint(text).valid, text.empty() || std::regex_match(text, pattern)) << text;
+    };
+    for_all_bytes("EM95", check);
+    for_all_bytes("EM95ab", check);
+    for_all_texts("Rr9x", 6, check);
+}
+
+TEST(GridHint, JudgesTheSameInEveryLocale) {
+    const UserLocale turkish{"tr_TR.UTF-8"};
+    EXPECT_EQ(grid_hint("ii99ix").text, "On the map at about 0.0° S, 1.3° W.");
+}
+
+TEST(GridHint, HasADotInEveryLocale) {
+    const UserLocale german{"de_DE.UTF-8"};
+    EXPECT_EQ(grid_hint("EM95").text, "On the map at about 35.5° N, 81.0° W.");
+}
+
+TEST(UploadEstimate, ChangesItsUnitAtAThousandKilobits) {
+    struct UploadCase {
+        double listeners;
+        const char* expected;
+    };
+    const std::vector<UploadCase> cases = {
+        {0, "Uses about 0 kbit/s of your upload when every place is taken."},
+        {1, "Uses about 60 kbit/s of your upload when every place is taken."},
+        {16, "Uses about 960 kbit/s of your upload when every place is taken."},
+        {16.65, "Uses about 999 kbit/s of your upload when every place is taken."},
+        {1000.0 / 60, "Uses about 1.0 Mbit/s of your upload when every place is taken."},
+        {17, "Uses about 1.0 Mbit/s of your upload when every place is taken."},
+        {20, "Uses about 1.2 Mbit/s of your upload when every place is taken."},
+        {200, "Uses about 12.0 Mbit/s of your upload when every place is taken."},
+    };
+    for (const UploadCase& c : cases) {
+        SCOPED_TRACE(c.listeners);
+        EXPECT_EQ(upload_estimate(c.listeners), c.expected);
+    }
+}
+
+TEST(UploadEstimate, IsNeverLongerThan120Bytes) {
+    EXPECT_EQ(upload_estimate(1e300).size(), 120u);
+    EXPECT_EQ(upload_estimate(-1e300).size(), 120u);
+}
+
+TEST(UploadEstimate, HasADotInEveryLocale) {
+    const UserLocale german{"de_DE.UTF-8"};
+    EXPECT_EQ(upload_estimate(200),
+              "Uses about 12.0 Mbit/s of your upload when every place is taken.");
+}
+
+TEST(HeaderTitle, JoinsCallsignAndName) {
+    struct TitleCase {
+        const char* name;
+        const char* callsign;
+        const char* expected;
+    };
+    const std::vector<TitleCase> cases = {
+        {"", "", "Your station"},
+        {"Hilltop SDR", "", "Hilltop SDR"},
+        {"K1ABC Hilltop", "K1ABC", "K1ABC Hilltop"},
+        {"The K1ABC/P station", "K1ABC", "The K1ABC/P station"},
+        {"K1ABC", "K1ABC", "K1ABC"},
+        {"k1abc Hilltop", "K1ABC", "K1ABC · k1abc Hilltop"},
+        {"Hilltop SDR", "K1ABC", "K1ABC · Hilltop SDR"},
+        {"", "K1ABC", "K1ABC"},
+        {"<Hilltop> & co", "K1ABC", "K1ABC · <Hilltop> & co"},
+    };
+    for (const TitleCase& c : cases) {
+        SCOPED_TRACE(c.expected);
+        EXPECT_EQ(header_title(c.name, c.callsign), c.expected);
+    }
+}
+
+TEST(RegisteredText, NamesTheAddressWhenThereIsOne) {
+    EXPECT_EQ(registered_text("4711", "owner@hilltop.example"),
+              "Registered as station 4711 with owner@hilltop.example.");
+    EXPECT_EQ(registered_text("4711", ""), "Registered as station 4711.");
+    EXPECT_EQ(registered_text("", ""), "Registered as station .");
+}
+
+TEST(EmailAddress, IsNameAtDomainStopEnding) {
+    struct EmailCase {
+        const char* text;
+        bool accepted;
+    };
+    const std::vector<EmailCase> cases = {
+        {"owner@hilltop.example", true},
+        {"a@b.c", true},
+        {"first.last@mail.hilltop.example", true},
+        {"a@..b", true},
+        {"a@b..", true},
+        {"a@...", true},
+        {"müller@hügel.example", true},
+        {"<a>&@b.c", true},
+        {"", false},
+        {"owner", false},
+        {"owner@hilltop", false},
+        {"@hilltop.example", false},
+        {"owner@", false},
+        {"owner@.example", false},
+        {"owner@hilltop.", false},
+        {"a@.b", false},
+        {"a@b.", false},
+        {"a@.", false},
+        {"a@..", false},
+        {"first.last@hilltop", false},
+        {"a@b@c.d", false},
+        {"a@@b.c", false},
+        {"a@b.c@", false},
+        {"ow ner@hilltop.example", false},
+        {"owner@hill top.example", false},
+        {" owner@hilltop.example", false},
+        {"owner@hilltop.example ", false},
+        {"owner@hilltop.example\n", false},
+        {"owner@hilltop.ex\tample", false},
+    };
+    for (const EmailCase& c : cases) {
+        SCOPED_TRACE(c.text);
+        EXPECT_EQ(is_email_address(c.text), c.accepted);
+    }
+}
+
+TEST(EmailAddress, IsJudgedAsThePatternDoes) {
+    const std::regex pattern{R"([^@\s]+@[^@\s]+\.[^@\s]+)"};
+    const auto check = [&](const std::string& text) {
+        ASSERT_EQ(is_email_address(text), std::regex_match(text, pattern)) << text;
+    };
+    for_all_texts("a@. \xc3", 6, check);
+    for_all_bytes("a@b.c", check);
+    for_all_bytes("ab@c.d.ef", check);
+}
+
+TEST(EmailAddress, MayBeAsLongAsAnEntryHolds) {
+    const std::size_t longest = 65'535;
+    const std::string ending = "@hilltop.example";
+    const std::string name(longest - ending.size(), 'a');
+    EXPECT_TRUE(is_email_address(name + ending));
+    EXPECT_TRUE(is_email_address("a@" + std::string(longest - 4, 'b') + ".c"));
+    EXPECT_TRUE(is_email_address("a@" + std::string(longest - 2, '.')));
+    EXPECT_FALSE(is_email_address(std::string(longest, 'a')));
+    EXPECT_FALSE(is_email_address(std::string(longest, '@')));
+    EXPECT_FALSE(is_email_address(std::string(longest, '.')));
+    EXPECT_FALSE(is_email_address("a@" + std::string(longest - 2, 'b')));
+    EXPECT_FALSE(is_email_address(name + "@hilltop.exampl "));
+}
+
+TEST(Words, AreWhatStandsBetweenWhiteSpace) {
+    using Words = std::vector<std::string>;
+    EXPECT_EQ(words_of(""), Words{});
+    EXPECT_EQ(words_of(" \t\n\v\f\r"), Words{});
+    EXPECT_EQ(words_of("203.0.113.7"), Words{"203.0.113.7"});
+    EXPECT_EQ(words_of("203.0.113.7\n198.51.100.0/24\n"),
+              (Words{"203.0.113.7", "198.51.100.0/24"}));
+    EXPECT_EQ(words_of("\n\n  a b\t\tc\r\nd\ve\ff "), (Words{"a", "b", "c", "d", "e", "f"}));
+}
+
+TEST(Words, KeepEveryOtherByte) {
+    using namespace std::string_literals;
+    // A no-break space is no white space to a scan of bytes.
+    EXPECT_EQ(words_of("a\u00a0b ü,;"), (std::vector<std::string>{"a\u00a0b", "ü,;"}));
+    EXPECT_EQ(words_of("a\0b c"s), (std::vector<std::string>{"a\0b"s, "c"}));
+}
+
+TEST(Words, AreFoundInALongText) {
+    std::string text;
+    for (int i = 0; i < 10'000; ++i)
+        text += "2001:db8::" + std::to_string(i) + "\n";
+    const std::vector<std::string> words = words_of(text);
+    ASSERT_EQ(words.size(), 10'000u);
+    EXPECT_EQ(words.front(), "2001:db8::0");
+    EXPECT_EQ(words.back(), "2001:db8::9999");
+}
