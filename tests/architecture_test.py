@@ -1,0 +1,236 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+"""Holds src/ against the ladder that docs/architecture.md draws.
+
+A "unit" is a header and its source together, named like "ui/window"; a name with an ending, like
+"app/main.cpp", is a file that stands alone. Quoted includes are those of the project.
+"""
+
+import pathlib
+import re
+import unittest
+
+PROJECT = pathlib.Path(__file__).resolve().parent.parent
+SOURCES = PROJECT / "src"
+PAGE = PROJECT / "docs" / "architecture.md"
+
+# The one include from another room into app, and where it stands.
+LOOKS_INTO_APP = ("status/listener_actions.cpp", "app/state_poll")
+ENTRY_POINT = "app/main.cpp"
+
+
+def unit_of(path):
+    """"ui/window.cpp" is part of "ui/window"; build_constants.h is made from a template."""
+    return re.sub(r"\.(cpp|h|h\.in)$", "", path)
+
+
+def read_ladder(page):
+    """The heights by unit, from the page's block that is marked as the ladder."""
+    block = re.search(r"^```ladder\n(.*?)^```", page, re.MULTILINE | re.DOTALL).group(1)
+    ladder = {}
+    height = None
+    for line in block.splitlines():
+        start = re.match(r"(\d)  \w+ ", line)
+        if start:
+            height = int(start.group(1))
+            line = line[start.end():]
+        for name in line.split():
+            if unit_of(name) in ladder:
+                raise ValueError(name + " stands on two rungs")
+            ladder[unit_of(name)] = height
+    return ladder
+
+
+def read_includes(sources):
+    """The project's includes of every file, both as paths below `sources`."""
+    includes = {}
+    for path in sorted(sources.rglob("*")):
+        if path.name.endswith((".cpp", ".h", ".h.in")):
+            text = path.read_text(encoding="utf-8")
+            includes[path.relative_to(sources).as_posix()] = re.findall(
+                r'^\s*#\s*include\s*"([^"]+)"', text, re.MULTILINE)
+    return includes
+
+
+def files_not_drawn(ladder, includes):
+    return sorted(file for file in includes if unit_of(file) not in ladder)
+
+
+def drawn_without_file(ladder, includes):
+    return sorted(set(ladder) - {unit_of(file) for file in includes})
+
+
+def strange_includes(ladder, includes):
+    """Includes that name no file of the tree by its path from src/."""
+    return [(file, included) for file, all_of_it in includes.items()
+            for included in all_of_it if unit_of(included) not in ladder]
+
+
+def climbing_includes(ladder, includes):
+    return [(file, included) for file, all_of_it in includes.items() for included in all_of_it
+            if ladder.get(unit_of(included), 0) > ladder.get(unit_of(file), 0)]
+
+
+def ring(includes):
+    """One ring of units, in order, or nothing."""
+    below = {}
+    for file, all_of_it in includes.items():
+        unit = unit_of(file)
+        below.setdefault(unit, set()).update(unit_of(each) for each in all_of_it)
+        below[unit].discard(unit)
+    done = set()
+
+    def walk(unit, way):
+        if unit in way:
+            return way[way.index(unit):] + [unit]
+        if unit in done:
+            return None
+        for each in sorted(below.get(unit, ())):
+            found = walk(each, way + [unit])
+            if found:
+                return found
+        done.add(unit)
+        return None
+
+    for unit in sorted(below):
+        found = walk(unit, [])
+        if found:
+            return found
+    return None
+
+
+def looks_into_app(includes):
+    return sorted({(file, unit_of(included)) for file, all_of_it in includes.items()
+                   for included in all_of_it
+                   if included.startswith("app/") and not file.startswith("app/")})
+
+
+def read_libraries(build_file):
+    """The sources of each library of a CMake file."""
+    return {name: set(re.findall(r"\S+\.cpp", sources)) for name, sources in re.findall(
+        r"add_library\((\w+) STATIC\s(.*?)\)", build_file, re.DOTALL)}
+
+
+def expected_libraries(ladder, includes, core_height=1):
+    """The sources of the libraries: up to the height of the decisions, and above it."""
+    sources = [file for file in includes if file.endswith(".cpp") and file != ENTRY_POINT]
+    core = {file for file in sources if ladder.get(unit_of(file), 0) <= core_height}
+    return {"settings_core": core, "settings_window": set(sources) - core}
+
+
+def drawn_functions(page):
+    """The names with an underscore in the page's drawings but for the ladder."""
+    blocks = re.findall(r"^```(\w*)\n(.*?)^```$", page, re.MULTILINE | re.DOTALL)
+    drawings = "\n".join(text for mark, text in blocks if not mark)
+    return sorted(set(re.findall(r"\b[a-z]+(?:_[a-z]+)+\b", drawings)))
+
+
+class TheTree(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.page = PAGE.read_text(encoding="utf-8")
+        cls.ladder = read_ladder(cls.page)
+        cls.includes = read_includes(SOURCES)
+
+    def test_has_every_file_on_the_ladder(self):
+        self.assertEqual(files_not_drawn(self.ladder, self.includes), [])
+
+    def test_has_a_file_for_every_rung(self):
+        self.assertEqual(drawn_without_file(self.ladder, self.includes), [])
+
+    def test_names_its_own_files_from_the_top(self):
+        self.assertEqual(strange_includes(self.ladder, self.includes), [])
+
+    def test_never_includes_upward(self):
+        self.assertEqual(climbing_includes(self.ladder, self.includes), [])
+
+    def test_has_no_ring(self):
+        self.assertIsNone(ring(self.includes))
+
+    def test_looks_into_app_from_one_place(self):
+        self.assertEqual(looks_into_app(self.includes), [LOOKS_INTO_APP])
+
+    def test_builds_its_libraries_by_height(self):
+        build_file = (SOURCES / "CMakeLists.txt").read_text(encoding="utf-8")
+        self.assertEqual(read_libraries(build_file),
+                         expected_libraries(self.ladder, self.includes))
+
+    def test_has_the_functions_that_the_page_draws(self):
+        code = "\n".join(path.read_text(encoding="utf-8") for path in SOURCES.rglob("*.h"))
+        names = drawn_functions(self.page)
+        self.assertIn("render_state", names)
+        self.assertEqual([name for name in names if not re.search(rf"\b{name}\b", code)], [])
+
+
+class TheChecks(unittest.TestCase):
+    """A small house with two floors, and one fault at a time."""
+
+    page = ("text\n```ladder\n1  upper   ui/window  app/poll\n           app/main.cpp\n"
+            "0  lower   link/json\n```\n")
+    sound = {"link/json.h": [], "link/json.cpp": ["link/json.h"], "app/poll.h": [],
+             "ui/window.h": ["link/json.h"], "ui/window.cpp": ["ui/window.h", "link/json.h"],
+             "app/main.cpp": ["ui/window.h", "app/poll.h"]}
+
+    def setUp(self):
+        self.ladder = read_ladder(self.page)
+
+    def with_include(self, file, included):
+        return {**self.sound, file: self.sound.get(file, []) + [included]}
+
+    def test_read_the_ladder(self):
+        self.assertEqual(self.ladder,
+                         {"ui/window": 1, "app/poll": 1, "app/main": 1, "link/json": 0})
+
+    def test_refuse_a_name_on_two_rungs(self):
+        with self.assertRaises(ValueError):
+            read_ladder("```ladder\n1  upper   ui/window\n0  lower   ui/window\n```\n")
+
+    def test_let_a_sound_house_pass(self):
+        self.assertEqual(files_not_drawn(self.ladder, self.sound), [])
+        self.assertEqual(drawn_without_file(self.ladder, self.sound), [])
+        self.assertEqual(strange_includes(self.ladder, self.sound), [])
+        self.assertEqual(climbing_includes(self.ladder, self.sound), [])
+        self.assertIsNone(ring(self.sound))
+        self.assertEqual(looks_into_app(self.sound), [])
+
+    def test_notice_a_file_that_is_not_drawn(self):
+        self.assertEqual(files_not_drawn(self.ladder, {**self.sound, "ui/new.h": []}),
+                         ["ui/new.h"])
+
+    def test_notice_a_rung_without_a_file(self):
+        self.assertEqual(drawn_without_file({**self.ladder, "ui/gone": 1}, self.sound),
+                         ["ui/gone"])
+
+    def test_notice_an_include_past_the_rooms(self):
+        tree = self.with_include("ui/window.cpp", "window.h")
+        self.assertEqual(strange_includes(self.ladder, tree), [("ui/window.cpp", "window.h")])
+
+    def test_notice_an_include_that_climbs(self):
+        tree = self.with_include("link/json.cpp", "ui/window.h")
+        self.assertEqual(climbing_includes(self.ladder, tree), [("link/json.cpp", "ui/window.h")])
+
+    def test_notice_a_ring_on_one_floor(self):
+        tree = self.with_include("ui/window.cpp", "app/poll.h")
+        tree["app/poll.cpp"] = ["app/poll.h", "ui/window.h"]
+        self.assertEqual(climbing_includes(self.ladder, tree), [])
+        self.assertEqual(ring(tree), ["app/poll", "ui/window", "app/poll"])
+
+    def test_notice_a_look_into_app(self):
+        tree = self.with_include("ui/window.cpp", "app/poll.h")
+        self.assertEqual(looks_into_app(tree), [("ui/window.cpp", "app/poll")])
+
+    def test_tell_the_libraries_apart(self):
+        libraries = expected_libraries(self.ladder, self.sound, core_height=0)
+        self.assertEqual(libraries, {"settings_core": {"link/json.cpp"},
+                                     "settings_window": {"ui/window.cpp"}})
+        self.assertEqual(
+            read_libraries("add_library(settings_core STATIC\n  link/json.cpp)\n"
+                           "add_library(settings_window STATIC ui/window.cpp)"), libraries)
+
+    def test_find_the_functions_of_a_drawing(self):
+        page = self.page + "```\nload_form ──► word\n```\n`not_drawn`\n"
+        self.assertEqual(drawn_functions(page), ["load_form"])
+
+
+if __name__ == "__main__":
+    unittest.main()
