@@ -33,7 +33,7 @@ using Protocol = net::local::stream_protocol;
 using Stream = beast::basic_stream<Protocol>;
 using Clock = std::chrono::steady_clock;
 
-constexpr std::size_t largest_body = 8 * 1024 * 1024; // bytes. Ours.
+constexpr std::size_t largest_body = std::size_t{8} * 1024 * 1024; // bytes. Ours.
 constexpr std::chrono::minutes stalled_connection_ends_after{5};
 constexpr std::chrono::milliseconds time_passes_every{50};
 

@@ -17,7 +17,7 @@ constexpr double certificate_takes_s = 5;
 constexpr double next_try_s = 20;
 
 // 90 days, which is how long such certificates hold.
-constexpr std::int64_t certificate_holds_s = 90 * 86400;
+constexpr std::int64_t certificate_holds_s = std::int64_t{90} * 86400;
 
 bool relay_wanted(const Station& station) {
     return setting_is_on(station.settings, "relay", "enabled");

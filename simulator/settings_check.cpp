@@ -112,7 +112,7 @@ std::string members_fault(const json::object& stored, const json::object& propos
         } else if (stored_value.is_object()) {
             if (!value->is_object())
                 return "The setting " + path + " must be a group of settings.";
-            const std::string fault =
+            std::string fault =
                 members_fault(stored_value.get_object(), value->get_object(), path + ".");
             if (!fault.empty())
                 return fault;
