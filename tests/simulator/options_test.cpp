@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+#include "options.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+Options parse(const std::vector<const char*>& arguments) {
+    return parse_options(arguments);
+}
+
+} // namespace
+
+TEST(SimulatorOptions, HaveTheirDefaults) {
+    const Options options = parse({"--socket", "/tmp/s"});
+    EXPECT_EQ(options.fault, "");
+    EXPECT_EQ(options.socket, "/tmp/s");
+    EXPECT_EQ(options.scenario->name, "on-air");
+    EXPECT_EQ(options.speed, 1);
+    EXPECT_EQ(options.seed, 1U);
+    EXPECT_EQ(options.delay_ms, -1);
+    EXPECT_FALSE(options.quiet);
+}
+
+TEST(SimulatorOptions, AreReadInBothSpellings) {
+    for (const std::vector<const char*>& arguments :
+         {std::vector<const char*>{"--socket=/tmp/s", "--scenario=relay", "--state=/tmp/f",
+                                   "--speed=2.5", "--seed=9", "--delay-ms=40", "--owner-file=/o",
+                                   "--broker-file=/b", "--record=/r", "--quiet"},
+          {"--socket", "/tmp/s", "--scenario", "relay", "--state", "/tmp/f", "--speed", "2.5",
+           "--seed", "9", "--delay-ms", "40", "--owner-file", "/o", "--broker-file", "/b",
+           "--record", "/r", "--quiet"}}) {
+        const Options options = parse(arguments);
+        EXPECT_EQ(options.fault, "");
+        EXPECT_EQ(options.socket, "/tmp/s");
+        EXPECT_EQ(options.scenario->name, "relay");
+        EXPECT_EQ(options.state_file, "/tmp/f");
+        EXPECT_EQ(options.speed, 2.5);
+        EXPECT_EQ(options.seed, 9U);
+        EXPECT_EQ(options.delay_ms, 40);
+        EXPECT_EQ(options.owner_file, "/o");
+        EXPECT_EQ(options.broker_file, "/b");
+        EXPECT_EQ(options.record_folder, "/r");
+        EXPECT_TRUE(options.quiet);
+    }
+}
+
+TEST(SimulatorOptions, SayWhatIsWrong) {
+    struct Case {
+        std::vector<const char*> arguments;
+        std::string_view fault;
+    };
+    const std::vector<Case> cases = {
+        {{}, "--socket PATH is needed: see --help."},
+        {{"--socket"}, "--socket needs a value."},
+        {{"--socket="}, "--socket needs a path."},
+        {{"--soket", "/tmp/s"}, "The option “--soket” is unknown: see --help."},
+        {{"overview"}, "The option “overview” is unknown: see --help."},
+        {{"--quiet=yes"}, "The option “--quiet=yes” is unknown: see --help."},
+        {{"--scenario", "nowhere"}, "There is no scenario “nowhere”: see --list-scenarios."},
+        {{"--speed", "fast"}, "--speed needs a number from 0 to 10000."},
+        {{"--speed", "-1"}, "--speed needs a number from 0 to 10000."},
+        {{"--speed", "10001"}, "--speed needs a number from 0 to 10000."},
+        {{"--speed", "nan"}, "--speed needs a number from 0 to 10000."},
+        {{"--speed", "1x"}, "--speed needs a number from 0 to 10000."},
+        {{"--seed", "-1"}, "--seed needs a whole number, 0 or more."},
+        {{"--delay-ms", "-1"}, "--delay-ms needs a whole number from 0 to 600000."},
+        {{"--delay-ms", "600001"}, "--delay-ms needs a whole number from 0 to 600000."},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.fault);
+        EXPECT_EQ(parse(c.arguments).fault, c.fault);
+    }
+}
+
+TEST(SimulatorOptions, NeedNoSocketToPrintSomething) {
+    EXPECT_EQ(parse({"--help"}).fault, "");
+    EXPECT_EQ(parse({"--version"}).fault, "");
+    EXPECT_EQ(parse({"--list-scenarios"}).fault, "");
+}
+
+TEST(SimulatorOptions, ListOneLineForEachScenario) {
+    const std::string text = scenario_list();
+    std::size_t lines = 0;
+    for (const char c : text)
+        lines += c == '\n' ? 1U : 0U;
+    EXPECT_EQ(lines, all_scenarios().size());
+    for (const Scenario& scenario : all_scenarios())
+        EXPECT_NE(text.find("  " + std::string{scenario.name} + "  "), std::string::npos);
+}

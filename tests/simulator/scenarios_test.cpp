@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+#include "simulator_fixture.h"
+
+#include "long_texts.h"
+#include "options.h"
+#include "scenarios.h"
+#include "settings_check.h"
+#include "state_document.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+TEST(Scenarios, EachHasANameOfItsOwnAndADescription) {
+    std::set<std::string_view> names;
+    for (const Scenario& scenario : all_scenarios()) {
+        EXPECT_TRUE(names.insert(scenario.name).second) << scenario.name;
+        EXPECT_FALSE(scenario.description.empty()) << scenario.name;
+        EXPECT_EQ(find_scenario(scenario.name), &scenario);
+    }
+    EXPECT_EQ(find_scenario("nowhere"), nullptr);
+}
+
+TEST(Scenarios, EachBeginsWithSettingsThatCanBeSaved) {
+    for (const Scenario& scenario : all_scenarios()) {
+        const Station station = make_station(scenario, 1, birth);
+        EXPECT_EQ(settings_fault(station.settings, station.settings), "") << scenario.name;
+    }
+}
+
+TEST(Scenarios, EachLivesForAnHour) {
+    for (const Scenario& scenario : all_scenarios()) {
+        SCOPED_TRACE(scenario.name);
+        Station station = make_station(scenario, 1, birth);
+        advance(station, 3600);
+        const json::object document = state_document(station);
+        EXPECT_EQ(document.at("settings"), station.settings);
+        EXPECT_EQ(document.at("status").as_object().size(), 7U);
+    }
+}
+
+TEST(Scenarios, QuietSendsTheSameBytesForever) {
+    Station station = station_in("quiet");
+    const std::string first = json::serialize(state_document(station));
+    advance(station, 3600);
+    EXPECT_EQ(json::serialize(state_document(station)), first);
+    EXPECT_FALSE(station.listeners.empty());
+}
+
+TEST(Scenarios, OffAirHasABrokerAndNoReceiver) {
+    const Station station = station_in("off-air");
+    EXPECT_EQ(status_of(station).at("broker"), true);
+    EXPECT_EQ(status_of(station).at("receivers"), json::array{});
+    EXPECT_EQ(status_of(station).at("listeners"), json::array{});
+    EXPECT_EQ(status_of(station).at("directory").at("state"), "checked in");
+}
+
+TEST(Scenarios, LongTextsAreAsLongAsTheySay) {
+    EXPECT_EQ(long_refusal().size(), 230U);
+    EXPECT_EQ(long_word().size(), 200U);
+    EXPECT_EQ(long_word().find(' '), std::string::npos);
+    EXPECT_EQ(long_log().size(), 65'536U);
+    EXPECT_EQ(long_log().find(' '), std::string::npos);
+    // 400 of the characters take two bytes.
+    EXPECT_EQ(long_station_name().size(), 10'400U);
+}
+
+TEST(Scenarios, LongTextsReachEveryPlaceThatShowsOne) {
+    Station station = station_in("long-texts");
+    ASSERT_TRUE(advance_until(station, 120, [&] {
+        const json::object status = status_of(station);
+        return status.at("relay").at("state") == "refused" &&
+               status.at("directory").at("state") == "check-in failed" &&
+               status.at("started").at(1).at("running") == false;
+    }));
+    const json::object status = status_of(station);
+    EXPECT_EQ(status.at("relay").at("error"), json::value(long_refusal()));
+    EXPECT_EQ(status.at("directory").at("error"), json::value(long_word()));
+    EXPECT_EQ(status.at("https").at("error"), json::value(long_word()));
+    EXPECT_EQ(status.at("started").at(1).at("log"), json::value(long_log()));
+    EXPECT_EQ(status.at("started").at(1).at("serial"), json::value(long_word()));
+    EXPECT_EQ(status.at("receivers").at(0).at("device"), json::value(long_word()));
+    EXPECT_EQ(station.settings.at("station").at("name"), json::value(long_station_name()));
+    const ApiReply reply =
+        answer(station, request("PUT", "/api/settings", json::serialize(station.settings)));
+    EXPECT_EQ(reply.status, 409);
+    EXPECT_EQ(error_in(reply), long_refusal());
+}

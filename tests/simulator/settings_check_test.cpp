@@ -1,0 +1,227 @@
+// SPDX-License-Identifier: MIT
+#include "settings_check.h"
+
+#include "default_settings.h"
+#include "scenarios.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace json = boost::json;
+
+namespace {
+
+json::object stored() {
+    return default_settings(*find_scenario("on-air"));
+}
+
+/// The settings with the member at a JSON pointer replaced.
+json::object with(std::string_view pointer, const json::value& value) {
+    json::value document = stored();
+    document.at_pointer(pointer) = value;
+    return document.as_object();
+}
+
+json::object without(std::string_view group, std::string_view member) {
+    json::object settings = stored();
+    settings.at(group).as_object().erase(member);
+    return settings;
+}
+
+json::object with_receiver(std::string_view member, const json::value& value) {
+    json::object settings = stored();
+    settings.at("receivers").at(0).as_object()[member] = value;
+    return settings;
+}
+
+std::string fault_of(const json::object& proposed) {
+    return settings_fault(stored(), proposed);
+}
+
+} // namespace
+
+TEST(SettingsCheck, AcceptsTheStoredSettings) {
+    EXPECT_EQ(fault_of(stored()), "");
+}
+
+TEST(SettingsCheck, AcceptsNumbersInEveryForm) {
+    EXPECT_EQ(fault_of(with("/network/port", json::parse("8.073E3"))), "");
+    EXPECT_EQ(fault_of(with("/listeners/max", 20.0)), "");
+    EXPECT_EQ(fault_of(with("/receivers/0/lo", 6.9e6)), "");
+}
+
+TEST(SettingsCheck, HoldsEachNumberToItsLimits) {
+    struct Case {
+        std::string_view pointer;
+        int low;
+        int high;
+        std::string_view fault;
+    };
+    for (const Case& c : {
+             Case{"/network/port", 1024, 65535,
+                  "The public port must be a whole number from 1024 to 65535 (network.port)."},
+             {"/listeners/max", 1, 200,
+              "The number of listeners at once must be a whole number from 1 to 200 "
+              "(listeners.max)."},
+             {"/listeners/per_address", 1, 20,
+              "The number of listeners from one address must be a whole number from 1 to 20 "
+              "(listeners.per_address)."},
+             {"/listeners/session_minutes", 0, 1440,
+              "The session length must be a whole number from 0 to 1440 "
+              "(listeners.session_minutes)."},
+             {"/listeners/cooldown_minutes", 0, 1440,
+              "The wait before listening again must be a whole number from 0 to 1440 "
+              "(listeners.cooldown_minutes)."},
+             {"/listeners/idle_minutes", 1, 1440,
+              "The time before asking “Still listening?” must be a whole number from 1 to 1440 "
+              "(listeners.idle_minutes)."},
+         }) {
+        SCOPED_TRACE(c.pointer);
+        EXPECT_EQ(fault_of(with(c.pointer, c.low)), "");
+        EXPECT_EQ(fault_of(with(c.pointer, c.high)), "");
+        EXPECT_EQ(fault_of(with(c.pointer, c.low - 1)), c.fault);
+        EXPECT_EQ(fault_of(with(c.pointer, c.high + 1)), c.fault);
+        EXPECT_EQ(fault_of(with(c.pointer, c.low + 0.5)), c.fault);
+        EXPECT_EQ(fault_of(with(c.pointer, json::parse("1e999"))), c.fault);
+        EXPECT_EQ(fault_of(with(c.pointer, "1100")), c.fault);
+        EXPECT_EQ(fault_of(with(c.pointer, nullptr)), c.fault);
+    }
+}
+
+TEST(SettingsCheck, HoldsEachMemberToItsKind) {
+    struct Case {
+        std::string_view pointer;
+        json::value value;
+        std::string_view fault;
+    };
+    const std::vector<Case> cases = {
+        {"/station/name", 5, "The station name must be a text (station.name)."},
+        {"/station/description", nullptr, "The description must be a text (station.description)."},
+        {"/attach", 1, "The sharing of Dialhouse's receivers must be on or off (attach)."},
+        {"/relay/enabled", "yes", "The relay switch must be on or off (relay.enabled)."},
+        {"/directory/listed", nullptr, "The listing switch must be on or off (directory.listed)."},
+        {"/content/modes", "USB", "The list of modes must be a list (content.modes)."},
+        {"/access/banned", json::object{},
+         "The list of blocked addresses must be a list (access.banned)."},
+        {"/receivers", nullptr, "The list of receivers must be a list (receivers)."},
+        {"/station", "Hilltop", "The setting station must be a group of settings."},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.pointer);
+        EXPECT_EQ(fault_of(with(c.pointer, c.value)), c.fault);
+    }
+}
+
+TEST(SettingsCheck, NamesEveryMemberThatIsMissing) {
+    const json::object settings = stored();
+    int members = 0;
+    for (const auto& [group, value] : settings) {
+        const json::object* inner = value.if_object();
+        if (!inner)
+            continue;
+        for (const auto& member : *inner) {
+            const std::string path =
+                std::string{group.data(), group.size()} + "." + std::string{member.key()};
+            EXPECT_EQ(fault_of(without(group, member.key())),
+                      "The setting " + path + " is missing.");
+            ++members;
+        }
+    }
+    EXPECT_EQ(members, 28);
+    for (const char* name : {"format", "station", "attach", "receivers", "network"}) {
+        json::object proposed = stored();
+        proposed.erase(name);
+        EXPECT_EQ(fault_of(proposed), "The setting " + std::string{name} + " is missing.");
+    }
+}
+
+TEST(SettingsCheck, WantsMembersThatNoFormEditsBackUnchanged) {
+    EXPECT_EQ(fault_of(with("/format", 4)),
+              "The setting format must come back as it was read. Load it again.");
+    EXPECT_EQ(fault_of(with("/station/timezone", "UTC")),
+              "The setting station.timezone must come back as it was read. Load it again.");
+    EXPECT_EQ(fault_of(with("/directory/id", "7")),
+              "The setting directory.id must come back as it was read. Load it again.");
+}
+
+TEST(SettingsCheck, RefusesMembersThatItNeverSent) {
+    json::object settings = stored();
+    settings["colour"] = "blue";
+    EXPECT_EQ(fault_of(settings), "There is no setting colour.");
+    settings = stored();
+    settings.at("network").as_object()["colour"] = "blue";
+    EXPECT_EQ(fault_of(settings), "There is no setting network.colour.");
+}
+
+TEST(SettingsCheck, KnowsFiveModes) {
+    EXPECT_EQ(fault_of(with("/content/modes", json::array{})), "");
+    EXPECT_EQ(fault_of(with("/content/modes", {"FM", "USB"})), "");
+    EXPECT_EQ(fault_of(with("/content/modes", {"USB", "usb"})),
+              "The mode “usb” is unknown: choose from USB, LSB, CW, AM and FM.");
+    EXPECT_EQ(fault_of(with("/content/modes", json::array{5})),
+              "The mode 5 is unknown: choose from USB, LSB, CW, AM and FM.");
+    EXPECT_EQ(fault_of(with("/content/modes", {"USB", "USB"})), "The mode “USB” is listed twice.");
+}
+
+TEST(SettingsCheck, WantsAddressesOrRangesInTheBlockedList) {
+    EXPECT_EQ(fault_of(with("/access/banned", {"203.0.113.4", "2001:db8::/32"})), "");
+    EXPECT_EQ(fault_of(with("/access/banned", json::array{"203.0.113.400"})),
+              "“203.0.113.400” is neither an address nor a range of addresses such as "
+              "198.51.100.0/24.");
+    EXPECT_EQ(fault_of(with("/access/banned", json::array{7})),
+              "7 is neither an address nor a range of addresses such as 198.51.100.0/24.");
+}
+
+TEST(SettingsCheck, HoldsReceiversToTheirShape) {
+    struct Case {
+        std::string_view member;
+        json::value value;
+        std::string_view fault;
+    };
+    const std::vector<Case> cases = {
+        {"backend", 5, "Receiver 1 needs a backend."},
+        {"serial", nullptr, "Receiver 1 needs a serial."},
+        {"serial", "", "Receiver 1 needs a backend and a serial number."},
+        {"model", false, "Receiver 1 needs a model."},
+        {"lo", "low", "Receiver 1 needs lo, a whole number of hertz from 0 to 6,000,000,000."},
+        {"lo", -1, "Receiver 1 needs lo, a whole number of hertz from 0 to 6,000,000,000."},
+        {"hi", 7.0000005e6,
+         "Receiver 1 needs hi, a whole number of hertz from 0 to 6,000,000,000."},
+        {"hi", 6'000'000'001,
+         "Receiver 1 needs hi, a whole number of hertz from 0 to 6,000,000,000."},
+        {"hi", 7'000'000, "The range of receiver “1905034F2A” ends where it begins or below."},
+        {"hi", 7'000'001, ""},
+        {"enabled", 1, "Receiver 1 must say whether it is enabled."},
+        {"colour", "blue", "Receiver 1 has a member that no receiver has."},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.member);
+        SCOPED_TRACE(json::serialize(c.value));
+        EXPECT_EQ(fault_of(with_receiver(c.member, c.value)), c.fault);
+    }
+    EXPECT_EQ(fault_of(with("/receivers/0", "SDRplay")), "Receiver 1 must be a group of settings.");
+    EXPECT_EQ(fault_of(with("/receivers/1", stored().at("receivers").at(0))),
+              "The receiver “1905034F2A” is listed twice.");
+    EXPECT_EQ(fault_of(with("/receivers", json::array{})), "");
+}
+
+TEST(SettingsCheck, WantsAWebAddressForTheList) {
+    EXPECT_EQ(fault_of(with("/directory/url", "")), "");
+    EXPECT_EQ(fault_of(with("/directory/url", "http://list.example/")), "");
+    EXPECT_EQ(fault_of(with("/directory/url", "list.example")),
+              "The station list address must begin with https:// or http://.");
+}
+
+TEST(SettingsCheck, SettlesNumbersAsIntegers) {
+    json::object settings = with("/network/port", 9e3);
+    settings.at("listeners").as_object()["max"] = 2E1;
+    settings.at("receivers").at(0).as_object()["hi"] = 7.2e6;
+    settle_numbers(settings);
+    json::object expected = with("/network/port", 9000);
+    expected.at("receivers").at(0).as_object()["hi"] = 7'200'000;
+    EXPECT_EQ(json::serialize(settings), json::serialize(expected));
+}
