@@ -2,6 +2,7 @@
 #include "status/registration.h"
 
 #include "link/build_constants.h"
+#include "link/format_text.h"
 #include "link/json_access.h"
 #include "link/service_link.h"
 #include "ui/field_rules.h"
@@ -22,8 +23,9 @@ void send_registration(const std::string& email) {
                         json::serialize(json::object{{"email", email}}), registration_time_limit_s);
     if (reply.status == 200) {
         load_form();
-        show_footer({std::string{"Registered. The station appears on the list as soon as "} +
-                         directory_host + " can reach it.",
+        show_footer({format_text("Registered. The station appears on the list as soon as %s can "
+                                 "reach it.",
+                                 directory_host),
                      StatusClass::good});
     } else if (reply.status != 0) {
         const json::value document = parse_reply(reply.body);
