@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+// Entry point of the tests that need a display. They run in a session of their own (see
+// scripts/under-xvfb); a warning of the toolkit fails them.
+#include <gtest/gtest.h>
+#include <gtk/gtk.h>
+
+#include <clocale>
+#include <csignal>
+#include <cstdlib>
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    if (GTEST_FLAG_GET(list_tests))
+        return RUN_ALL_TESTS();
+    // Before the toolkit reads it: no accessibility bus, which these tests do not look at.
+    setenv("NO_AT_BRIDGE", "1", 1);
+    g_log_set_always_fatal(
+        static_cast<GLogLevelFlags>(G_LOG_FATAL_MASK | G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_WARNING));
+    std::signal(SIGCHLD, SIG_DFL);
+    gtk_init(&argc, &argv);
+    std::setlocale(LC_NUMERIC, "C");
+    // Colours are read back from widgets: they must not be on their way from one to another.
+    g_object_set(gtk_settings_get_default(), "gtk-enable-animations", FALSE, nullptr);
+    return RUN_ALL_TESTS();
+}
