@@ -148,7 +148,7 @@ int start_up(int argc, char** argv) {
     if (argc > 1)
         show_page(argv[1]);
     g_timeout_add_seconds(poll_interval_s, poll_state, nullptr);
-    make_accessible_relations_when_idle();
+    finish_window_when_idle();
     gtk_main();
     return EXIT_SUCCESS;
 }

@@ -3,6 +3,7 @@
 
 #include "link/json_access.h"
 #include "link/service_link.h"
+#include "status/internet_page.h"
 #include "status/overview_page.h"
 #include "status/render_state.h"
 
@@ -19,11 +20,20 @@ gboolean poll_state(gpointer) {
     const ServiceReply reply =
         service_request(HttpMethod::get, "/api/state", "", poll_time_limit_s);
     if (reply.status != 200) {
+        shown_document.clear();
         show_header_line({"The Tarnwave service is not answering", StatusClass::error});
         return G_SOURCE_CONTINUE;
     }
-    const json::value document = parse_reply(reply.body);
-    status_object = required_object(as_object(document, "the state document"), "status");
+    if (reply.body == shown_document) {
+        // Nothing new from the service; this computer's own address may have changed.
+        draw_port_instructions();
+        return G_SOURCE_CONTINUE;
+    }
+    json::value document = parse_reply(reply.body);
+    replace_object(status_object,
+                   std::move(required_object(as_object(document, "the state document"), "status")));
+    shown_document.clear();
     render_state();
+    shown_document = std::move(reply.body);
     return G_SOURCE_CONTINUE;
 }

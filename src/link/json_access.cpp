@@ -122,6 +122,11 @@ const json::object& required_object(const json::object& object, const char* name
     return required_member(object, name).as_object();
 }
 
+json::object& required_object(json::object& object, const char* name) {
+    last_strict_read = name;
+    return object.at(name).as_object();
+}
+
 const json::array& required_array(const json::object& object, const char* name) {
     return required_member(object, name).as_array();
 }
@@ -136,6 +141,11 @@ bool optional_bool(const json::object& object, const char* name, bool otherwise)
 }
 
 const json::object& as_object(const json::value& value, const char* what) {
+    last_strict_read = what;
+    return value.as_object();
+}
+
+json::object& as_object(json::value& value, const char* what) {
     last_strict_read = what;
     return value.as_object();
 }

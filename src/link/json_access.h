@@ -63,6 +63,7 @@ json::value parse_reply(std::string_view body);
 /// the call: the sentence of `broken_contract` reads it after a failure.
 const json::value& required_member(const json::object& object, const char* name);
 const json::object& required_object(const json::object& object, const char* name);
+json::object& required_object(json::object& object, const char* name);
 const json::array& required_array(const json::object& object, const char* name);
 bool required_bool(const json::object& object, const char* name);
 
@@ -72,6 +73,7 @@ bool optional_bool(const json::object& object, const char* name, bool otherwise)
 /// Reads a value that is the element of an array or the root of a document, named in words for
 /// `broken_contract`. Throws when it is of another kind.
 const json::object& as_object(const json::value& value, const char* what);
+json::object& as_object(json::value& value, const char* what);
 const json::array& as_array(const json::value& value, const char* what);
 bool as_bool(const json::value& value, const char* what);
 

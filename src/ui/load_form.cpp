@@ -24,11 +24,11 @@ const json::object& required_group(const char* name) {
 
 void keep_document(const std::string& body) {
     json::value document = parse_reply(body);
-    const json::object& root = as_object(document, "the state document");
-    const json::object& settings = required_object(root, "settings");
-    const json::object& status = required_object(root, "status");
-    settings_object = settings;
-    status_object = status;
+    json::object& root = as_object(document, "the state document");
+    json::object& settings = required_object(root, "settings");
+    json::object& status = required_object(root, "status");
+    replace_object(settings_object, std::move(settings));
+    replace_object(status_object, std::move(status));
 }
 
 void show_field(const FieldBinding& field) {
@@ -91,8 +91,7 @@ void show_title() {
 
 void load_form() {
     const ReadingStep step{"loading the settings"};
-    const ServiceReply reply =
-        service_request(HttpMethod::get, "/api/state", "", load_time_limit_s);
+    ServiceReply reply = service_request(HttpMethod::get, "/api/state", "", load_time_limit_s);
     if (reply.status != 200)
         return;
     keep_document(reply.body);
@@ -113,5 +112,7 @@ void load_form() {
     mark_clean();
 
     show_linger();
+    shown_document.clear();
     render_state();
+    shown_document = std::move(reply.body);
 }

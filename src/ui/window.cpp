@@ -39,6 +39,12 @@ void on_save_clicked(GtkButton*, gpointer) {
     save_settings();
 }
 
+gboolean measure_pages_alike(gpointer) {
+    if (widgets.window)
+        gtk_stack_set_homogeneous(GTK_STACK(widgets.stack), TRUE);
+    return G_SOURCE_REMOVE;
+}
+
 GtkWidget* make_header_texts() {
     GtkWidget* texts = make_box(GTK_ORIENTATION_VERTICAL, 3);
     pack(texts, make_label("TARNWAVE", "brand"));
@@ -81,6 +87,8 @@ GtkWidget* make_body() {
     gtk_widget_set_size_request(sidebar, sidebar_width, -1);
     widgets.stack = gtk_stack_new();
     gtk_stack_set_transition_type(GTK_STACK(widgets.stack), GTK_STACK_TRANSITION_TYPE_CROSSFADE);
+    // The first frame shows one page: the others are measured when there is time.
+    gtk_stack_set_homogeneous(GTK_STACK(widgets.stack), FALSE);
     build_pages();
     gtk_stack_sidebar_set_stack(GTK_STACK_SIDEBAR(sidebar), GTK_STACK(widgets.stack));
     pack(body, sidebar);
@@ -122,6 +130,11 @@ void build_window() {
     update_relay_visibility();
     // Last, so that the first frame shows the window as it is.
     gtk_widget_show(widgets.window);
+}
+
+void finish_window_when_idle() {
+    g_idle_add_full(G_PRIORITY_LOW, measure_pages_alike, nullptr, nullptr);
+    make_accessible_relations_when_idle();
 }
 
 bool confirm_close() {

@@ -6,6 +6,10 @@
 /// contact with the service.
 void build_window();
 
+/// Finishes what the first frame had no need of, once the program has nothing else to do: the
+/// pages are measured alike, so that the window keeps its least size from page to page.
+void finish_window_when_idle();
+
 /// Asks about unsaved changes and saves them when the user wants that. Returns whether the window
 /// stays open.
 bool confirm_close();
