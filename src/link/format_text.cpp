@@ -21,8 +21,5 @@ std::string format_text(const char* format, ...) {
 }
 
 std::string escaped_markup(std::string_view text) {
-    const std::string_view shown = text.substr(0, text.find('\0'));
-    const GlibText escaped{g_markup_escape_text(shown.data(), static_cast<gssize>(shown.size())),
-                           g_free};
-    return escaped.get();
+    return GlibText{g_markup_escape_text(std::string{text}.c_str(), -1), g_free}.get();
 }

@@ -19,6 +19,7 @@ TEST(FormatText, WritesADotForAUserWithADecimalComma) {
 
 TEST(EscapedMarkup, KeepsPlainText) {
     EXPECT_EQ(escaped_markup(""), "");
+    EXPECT_EQ(escaped_markup(std::string_view{}), "");
     EXPECT_EQ(escaped_markup("Hilltop SDR – 40 m"), "Hilltop SDR – 40 m");
 }
 
