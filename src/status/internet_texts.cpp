@@ -108,14 +108,12 @@ StatusLine listing_line(const StationState& state) {
         return {"Cannot reach " + host + ": " + state.directory_error, StatusClass::warning};
     if (state.reachable && state.checked_in)
         return {"✓ Listed at " + host + "/websdr.html.", StatusClass::good};
-    if (state.reachable)
+    if (!state.checked_in)
         return {"Checking in…", StatusClass::warning};
-    if (state.checked_in && state.relay_wanted)
+    if (state.relay_wanted)
         return {"Checked in. Listed as soon as the relay connection is up.", StatusClass::warning};
-    if (state.checked_in)
-        return {"Checked in. Listed as soon as " + host + " can reach the station.",
-                StatusClass::warning};
-    return {"Checking in…", StatusClass::warning};
+    return {"Checked in. Listed as soon as " + host + " can reach the station.",
+            StatusClass::warning};
 }
 
 std::string expiry_date(std::int64_t seconds_since_epoch) {

@@ -47,13 +47,11 @@ StatusLine header_line(const StationState& state, bool broker_running) {
         return {on_air + " · cannot reach " + host, StatusClass::warning};
     if (state.reachable && state.checked_in)
         return {on_air + " · listed on " + host, StatusClass::good};
-    if (state.reachable)
+    if (!state.checked_in)
         return {on_air, StatusClass::good};
-    if (state.checked_in && state.relay_wanted)
+    if (state.relay_wanted)
         return {on_air + " · not connected to the " + host + " relay", StatusClass::warning};
-    if (state.checked_in)
-        return {on_air + " · not reachable from the internet", StatusClass::warning};
-    return {on_air, StatusClass::good};
+    return {on_air + " · not reachable from the internet", StatusClass::warning};
 }
 
 std::array<ChecklistItem, 4> checklist_items(const StationState& state,
