@@ -47,7 +47,7 @@ constexpr std::string_view whole_document = R"({
     "network": {"port": 8073},
     "directory": {
       "listed": true,
-      "url": "https://list.tarnwave.example/",
+      "url": "https://stations.example/",
       "id": "4711",
       "email": "ann@hilltop.example"
     }
