@@ -20,6 +20,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <cstring>
 #include <utility>
 
@@ -33,6 +34,8 @@ using Protocol = net::local::stream_protocol;
 using Stream = beast::basic_stream<Protocol>;
 using Clock = std::chrono::steady_clock;
 
+// The room for a path in sockaddr_un (unix(7)), its zero byte left out.
+constexpr std::size_t longest_path = 107;
 constexpr std::size_t largest_body = std::size_t{8} * 1024 * 1024; // bytes. Ours.
 constexpr std::chrono::minutes stalled_connection_ends_after{5};
 constexpr std::chrono::milliseconds time_passes_every{50};
@@ -161,26 +164,35 @@ std::string remove_stale_socket(net::io_context& context, const std::string& pat
     return unlink(path.c_str()) == 0 ? "" : path_fault(path);
 }
 
+/// Puts the socket in its place only when somebody listens on it already, so that whoever waits
+/// for it to appear can connect at once.
 std::string open_acceptor(Protocol::acceptor& acceptor, const std::string& path) {
+    const bool has_room = path.size() < longest_path;
+    const std::string unfinished = has_room ? path + "~" : path;
+    if (has_room)
+        unlink(unfinished.c_str());
     boost::system::error_code error;
     acceptor.open(Protocol{}, error);
     if (!error) {
         // The socket never exists with a wider mode than 0600.
         const mode_t former = umask(0177);
-        acceptor.bind(Protocol::endpoint{path}, error);
+        acceptor.bind(Protocol::endpoint{unfinished}, error);
         umask(former);
     }
     if (!error)
         acceptor.listen(net::socket_base::max_listen_connections, error);
-    return error ? path + ": " + error.message() + "." : "";
+    if (error)
+        return path + ": " + error.message() + ".";
+    if (has_room && std::rename(unfinished.c_str(), path.c_str()) != 0)
+        return path_fault(path);
+    return "";
 }
 
 } // namespace
 
 std::string serve(const std::string& path, std::chrono::milliseconds delay,
                   const ServerTasks& tasks) {
-    // The room for a path in sockaddr_un (unix(7)), its zero byte left out.
-    if (path.size() > 107)
+    if (path.size() > longest_path)
         return "The socket's path is longer than 107 bytes.";
     net::io_context context;
     // Before the socket is there: whoever sees it may send a signal at once.

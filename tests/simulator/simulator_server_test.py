@@ -55,12 +55,34 @@ class Socket(unittest.TestCase):
                              f"Somebody else listens on {simulator.path} already.\n")
             self.assertEqual(simulator.request("GET", "/api/state").status, 200)
 
+    def test_takes_connections_as_soon_as_it_is_there(self):
+        for _ in range(10):
+            with tempfile.TemporaryDirectory(prefix="simulator-") as folder:
+                simulator = Simulator(PROGRAM, folder=folder)
+                try:
+                    simulator.wait_until(lambda: os.path.exists(simulator.path))
+                    simulator.connect().close()
+                finally:
+                    simulator.__exit__()
+
     def test_leaves_alone_what_is_no_socket(self):
         with tempfile.NamedTemporaryFile() as file:
             result = run("--socket", file.name)
             self.assertEqual(result.returncode, 1)
             self.assertEqual(result.stderr, f"{file.name} is there already and is no socket.\n")
             self.assertTrue(os.path.exists(file.name))
+
+    def test_can_have_the_longest_path_there_is(self):
+        with tempfile.TemporaryDirectory(prefix="simulator-") as folder:
+            for length in (106, 107):
+                inner = os.path.join(folder, str(length))
+                # The simulator's socket is called "socket".
+                inner += "x" * (length - len(inner) - len("/socket"))
+                os.mkdir(inner)
+                with Simulator(PROGRAM, folder=inner) as simulator:
+                    self.assertEqual(len(simulator.path), length)
+                    self.assertEqual(simulator.request("GET", "/api/state").status, 200)
+                    self.assertEqual(sorted(os.listdir(inner)), ["log", "socket"])
 
     def test_needs_a_path_that_fits(self):
         result = run("--socket", "/tmp/" + "x" * 103)
