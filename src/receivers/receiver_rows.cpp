@@ -11,6 +11,9 @@ namespace {
 
 constexpr double hertz_per_megahertz = 1e6;
 
+/// Least width of the band menu, in characters.
+constexpr int band_menu_chars = 9;
+
 /// Space above and below the words that stand for an empty list, in pixels.
 constexpr int empty_list_margin = 14;
 
@@ -48,6 +51,11 @@ GtkWidget* make_band_menu() {
     for (const BandPreset& preset : band_presets())
         gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(menu), preset.id, preset.text);
     gtk_combo_box_set_active(GTK_COMBO_BOX(menu), 0);
+    // The longest band must not decide how narrow the window can be.
+    GList* cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(menu));
+    g_object_set(cells->data, "ellipsize", PANGO_ELLIPSIZE_END, "width-chars", band_menu_chars,
+                 nullptr);
+    g_list_free(cells);
     set_accessible_name(menu, "Band");
     return menu;
 }

@@ -88,6 +88,14 @@ void draw_now() {
 }
 
 gint run_dialog(GtkWidget* dialog) {
+    // A long word from outside must not make the dialog wider than the screen.
+    GList* texts = gtk_container_get_children(
+        GTK_CONTAINER(gtk_message_dialog_get_message_area(GTK_MESSAGE_DIALOG(dialog))));
+    for (GList* text = texts; text; text = text->next)
+        if (GTK_IS_LABEL(text->data))
+            gtk_label_set_line_wrap_mode(GTK_LABEL(text->data), PANGO_WRAP_WORD_CHAR);
+    g_list_free(texts);
+
     const gint response = gtk_dialog_run(GTK_DIALOG(dialog));
     gtk_widget_destroy(dialog);
     run_pending_events();

@@ -18,8 +18,8 @@ void wait_until_window_is_drawn();
 /// quarter of a second (a window that is covered or minimised draws no frames).
 void draw_now();
 
-/// Runs a dialog until it is answered, destroys it and takes it off the screen, since a blocking
-/// call may follow. Returns the response.
+/// Runs a message dialog until it is answered, destroys it and takes it off the screen, since a
+/// blocking call may follow. Returns the response.
 gint run_dialog(GtkWidget* dialog);
 
 /// While one lives, the pointer over the window is the busy one and `button` (null: none) is

@@ -80,7 +80,11 @@ stacksidebar row:focus {
 }
 button.primary:focus { outline-color: #E9F1F9; }
 stacksidebar list { border: none; }
-.textbox.focused { box-shadow: inset 0 0 0 1px #3B9BE0; }
+headerbar, .titlebar { background: #101E2C; border-color: #22384D; box-shadow: none; }
+.solid-csd decoration { background: #22384D; box-shadow: none; }
+.keycap { background: #17293B; border-color: #22384D; box-shadow: none; color: #E9F1F9; }
+textview:focus { box-shadow: 0 0 0 1px #3B9BE0; }
+treeview.view:focus { outline: 1px solid #63B6EE; outline-offset: -2px; }
 .details:disabled { opacity: 0.45; }
 )";
 

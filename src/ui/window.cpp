@@ -81,10 +81,40 @@ GtkWidget* make_header() {
     return header;
 }
 
-GtkWidget* make_body() {
-    GtkWidget* body = make_box(GTK_ORIENTATION_HORIZONTAL, 0);
+/// Tab enters the list of pages at the page shown and leaves it at once. GTK alone would walk
+/// through all rows, and turn a page with each.
+gboolean on_page_list_focus(GtkWidget* list, GtkDirectionType direction, gpointer) {
+    if (direction != GTK_DIR_TAB_FORWARD && direction != GTK_DIR_TAB_BACKWARD)
+        return FALSE;
+    g_signal_stop_emission_by_name(list, "focus");
+    if (gtk_container_get_focus_child(GTK_CONTAINER(list)))
+        return FALSE;
+    GtkListBoxRow* row = gtk_list_box_get_selected_row(GTK_LIST_BOX(list));
+    if (!row)
+        return FALSE;
+    gtk_widget_grab_focus(GTK_WIDGET(row));
+    return TRUE;
+}
+
+void find_list_box(GtkWidget* widget, gpointer found) {
+    if (GTK_IS_LIST_BOX(widget))
+        *static_cast<GtkWidget**>(found) = widget;
+    else if (GTK_IS_CONTAINER(widget))
+        gtk_container_forall(GTK_CONTAINER(widget), find_list_box, found);
+}
+
+GtkWidget* make_sidebar() {
     GtkWidget* sidebar = gtk_stack_sidebar_new();
     gtk_widget_set_size_request(sidebar, sidebar_width, -1);
+    GtkWidget* list = nullptr;
+    find_list_box(sidebar, &list);
+    g_signal_connect(list, "focus", G_CALLBACK(on_page_list_focus), nullptr);
+    return sidebar;
+}
+
+GtkWidget* make_body() {
+    GtkWidget* body = make_box(GTK_ORIENTATION_HORIZONTAL, 0);
+    GtkWidget* sidebar = make_sidebar();
     widgets.stack = gtk_stack_new();
     gtk_stack_set_transition_type(GTK_STACK(widgets.stack), GTK_STACK_TRANSITION_TYPE_CROSSFADE);
     // The first frame shows one page: the others are measured when there is time.
