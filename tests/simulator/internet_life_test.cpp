@@ -81,9 +81,9 @@ TEST(DirectoryLife, ListingTheStationAgainChecksIn) {
     }
 }
 
-TEST(RelayLife, ConnectsAndCarriesListeners) {
+TEST(RelayLife, CarriesListeners) {
     Station station = station_in("relay");
-    EXPECT_EQ(states(station, "relay", 20), (States{"connecting", "connected"}));
+    EXPECT_EQ(states(station, "relay", 20), States{"connected"});
     const json::object relay = status_of(station).at("relay").as_object();
     EXPECT_EQ(relay.at("listeners"), 20);
     EXPECT_TRUE(relay.at("url").as_string().ends_with("/r/1042/"));
@@ -143,12 +143,18 @@ TEST(RelayLife, WaitsForTheRegistration) {
 
 TEST(CertificateLife, FailsAndBecomesActive) {
     Station station = station_in("certificate");
-    EXPECT_EQ(states(station, "https", 120), (States{"none", "requesting", "failed", "requesting",
-                                                     "failed", "requesting", "active"}));
+    EXPECT_EQ(states(station, "https", 120),
+              (States{"failed", "requesting", "failed", "requesting", "active"}));
     const json::object https = status_of(station).at("https").as_object();
     EXPECT_EQ(https.at("expires"), birth + 90 * 86400);
     EXPECT_TRUE(https.at("name").as_string().starts_with("1042.stations."));
     EXPECT_EQ(https.at("error"), "");
+}
+
+TEST(CertificateLife, IsRequestedOnceThePortIsReached) {
+    Station station = station_in("check-in-failed");
+    EXPECT_EQ(states(station, "https", 120), (States{"none", "requesting", "active"}));
+    EXPECT_EQ(status_of(station).at("directory").at("reachable"), true);
 }
 
 TEST(CertificateLife, SaysWhyItFailed) {
