@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+// A reply's body, through loading the form, a poll and the window's own drawing. Needs a display.
+//
+// What the toolkit warns about counts as a fault. No command is run meanwhile.
+#include "app/state_poll.h"
+#include "fed_link.h"
+#include "status/render_state.h"
+#include "ui/load_form.h"
+#include "ui/widget_record.h"
+#include "ui/window.h"
+
+#include <gtk/gtk.h>
+
+#include <clocale>
+#include <cstdint>
+#include <cstdlib>
+#include <exception>
+
+namespace {
+
+void turn_loop() {
+    // Bounded: a window that keeps asking for frames must not hold the fuzzer.
+    for (int turn = 0; turn < 50 && gtk_events_pending(); ++turn)
+        gtk_main_iteration();
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
+    setenv("NO_AT_BRIDGE", "1", 1);
+    setenv("PATH", "/nonexistent", 1); // no command is run
+    g_log_set_always_fatal(
+        static_cast<GLogLevelFlags>(G_LOG_FATAL_MASK | G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_WARNING));
+    gtk_init(argc, argv);
+    std::setlocale(LC_NUMERIC, "C");
+    build_window();
+    turn_loop();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    feed_reply(reply_with_body({reinterpret_cast<const char*>(data), size}));
+    shown_document.clear();
+    try {
+        load_form();
+    } catch (const std::exception&) {
+        widgets.loading = false; // in the program the error ends everything
+    }
+    shown_document.clear();
+    try {
+        poll_state(nullptr);
+    } catch (const std::exception&) {
+    }
+    turn_loop();
+    return 0;
+}
