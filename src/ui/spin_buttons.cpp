@@ -4,8 +4,9 @@
 #include "ui/field_rules.h"
 #include "ui/form_widgets.h"
 
-#include <cmath>
-#include <optional>
+#include <cstring>
+#include <string>
+#include <string_view>
 
 namespace {
 
@@ -25,10 +26,8 @@ gint on_spin_input(GtkSpinButton* spin, gdouble* value, gpointer) {
         *value = held;
         return TRUE;
     }
-    const std::optional<double> typed = typed_number(text, decimals);
-    if (!typed)
-        return GTK_INPUT_ERROR;
-    *value = *typed;
+    // Not GTK_INPUT_ERROR for what is no number: GTK then goes on with a value that nobody set.
+    *value = typed_number(text, decimals).value_or(held);
     return TRUE;
 }
 
@@ -38,6 +37,17 @@ gboolean on_spin_output(GtkSpinButton* spin, gpointer) {
     if (text != gtk_entry_get_text(GTK_ENTRY(spin)))
         gtk_entry_set_text(GTK_ENTRY(spin), text.c_str());
     return TRUE;
+}
+
+/// Keeps out what no number has in it, like GTK's own filter for numbers, which this one stands in
+/// for: that one drops the comma (or the dot) and makes 73 of a typed "7,3".
+void on_spin_insert_text(GtkEditable* spin, const char* text, gint length, gpointer, gpointer) {
+    const std::string_view typed{text,
+                                 length < 0 ? std::strlen(text) : static_cast<std::size_t>(length)};
+    if (typed.find_first_not_of("0123456789.,+- ") != std::string_view::npos) {
+        g_signal_stop_emission_by_name(spin, "insert-text");
+        gtk_widget_error_bell(GTK_WIDGET(spin));
+    }
 }
 
 bool holds_focus(GtkWidget* widget) {
@@ -53,6 +63,8 @@ gboolean on_scroll(GtkWidget* widget, GdkEvent*, gpointer) {
 }
 
 GtkWidget* wired(GtkWidget* spin) {
+    gtk_spin_button_set_numeric(GTK_SPIN_BUTTON(spin), FALSE);
+    g_signal_connect(spin, "insert-text", G_CALLBACK(on_spin_insert_text), nullptr);
     g_signal_connect(spin, "input", G_CALLBACK(on_spin_input), nullptr);
     g_signal_connect(spin, "output", G_CALLBACK(on_spin_output), nullptr);
     let_wheel_pass(spin);

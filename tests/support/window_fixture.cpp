@@ -58,22 +58,36 @@ struct Spot {
     double root_y = 0;
 };
 
+/// The largest window below `window` that brings its events to the widget; null when none does.
+GdkWindow* event_window_below(GdkWindow* window, GtkWidget* widget) {
+    GdkWindow* largest = nullptr;
+    for (GList* item = gdk_window_peek_children(window); item; item = item->next) {
+        GdkWindow* child = GDK_WINDOW(item->data);
+        gpointer owner = nullptr;
+        gdk_window_get_user_data(child, &owner);
+        if (owner == widget && gdk_window_is_visible(child) &&
+            (!largest || gdk_window_get_width(child) > gdk_window_get_width(largest)))
+            largest = child;
+    }
+    return largest;
+}
+
 Spot middle_of(GtkWidget* widget) {
     Spot spot;
-    spot.window = GTK_IS_BUTTON(widget) ? gtk_button_get_event_window(GTK_BUTTON(widget))
-                                        : gtk_widget_get_window(widget);
-    EXPECT_NE(spot.window, nullptr) << "the widget is not on the screen";
-    if (!spot.window)
+    GdkWindow* window = gtk_widget_get_window(widget);
+    GdkWindow* own = GTK_IS_BUTTON(widget) ? gtk_button_get_event_window(GTK_BUTTON(widget))
+                     : gtk_widget_get_has_window(widget) ? window
+                     : window                            ? event_window_below(window, widget)
+                                                         : nullptr;
+    EXPECT_NE(own, nullptr) << "the widget is not on the screen, or takes no events";
+    if (!own)
         return spot;
-    GtkAllocation place;
-    gtk_widget_get_allocation(widget, &place);
-    const bool own_window = GTK_IS_BUTTON(widget) || gtk_widget_get_has_window(widget);
-    spot.x = place.width / 2.0 + (own_window ? 0 : place.x);
-    spot.y = place.height / 2.0 + (own_window ? 0 : place.y);
+    spot.window = own;
+    spot.x = gdk_window_get_width(own) / 2;
+    spot.y = gdk_window_get_height(own) / 2;
     int x = 0;
     int y = 0;
-    gdk_window_get_root_coords(spot.window, static_cast<int>(spot.x), static_cast<int>(spot.y), &x,
-                               &y);
+    gdk_window_get_root_coords(own, static_cast<int>(spot.x), static_cast<int>(spot.y), &x, &y);
     spot.root_x = x;
     spot.root_y = y;
     return spot;
@@ -408,6 +422,19 @@ void WindowTest::handle(GtkDialog* dialog) {
     const std::function<void(GtkDialog*)> handler = std::move(handlers_.front());
     handlers_.pop_front();
     handler(dialog);
+}
+
+UntouchedWindowTest::UntouchedWindowTest() : record_before_{widgets} {
+    static WidgetRecord untouched;
+    widgets = untouched;
+    if (!widgets.window) {
+        start_up_as_the_program_does();
+        untouched = widgets;
+    }
+}
+
+UntouchedWindowTest::~UntouchedWindowTest() {
+    widgets = record_before_;
 }
 
 FreshWindowTest::FreshWindowTest() : record_before_{widgets} {

@@ -122,6 +122,17 @@ private:
     std::string socket_path_before_{};
 };
 
+/// A test that looks at a window that was built and never loaded, and leaves it as it is. The
+/// other window is there again afterwards.
+class UntouchedWindowTest : public WindowTest {
+protected:
+    UntouchedWindowTest();
+    ~UntouchedWindowTest() override;
+
+private:
+    WidgetRecord record_before_{};
+};
+
 /// A test with a window of its own that was just built and never loaded. The other window is
 /// there again afterwards.
 class FreshWindowTest : public WindowTest {

@@ -259,3 +259,60 @@ TEST(Words, AreFoundInALongText) {
     EXPECT_EQ(words.front(), "2001:db8::0");
     EXPECT_EQ(words.back(), "2001:db8::9999");
 }
+
+TEST(TypedNumber, TakesADotOrACommaForTheDecimalPoint) {
+    const struct {
+        const char* text;
+        double number;
+    } cases[] = {
+        {"7", 7},      {"7.3", 7.3},      {"7,3", 7.3},    {" 7.3 ", 7.3},    {"\t7,3\n", 7.3},
+        {"+7.3", 7.3}, {"-7.3", -7.3},    {".5", 0.5},     {",5", 0.5},       {"5.", 5},
+        {"007", 7},    {"7.30000", 7.3},  {"0", 0},        {"-0.25", -0.25},  {"6000", 6000},
+        {"0.0004", 0}, {"0.0006", 0.001}, {"7.3004", 7.3}, {"7.3006", 7.301},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        const std::optional<double> number = typed_number(c.text, 3);
+        ASSERT_TRUE(number);
+        EXPECT_DOUBLE_EQ(*number, c.number);
+    }
+}
+
+TEST(TypedNumber, RoundsHalvesAwayFromZero) {
+    EXPECT_EQ(typed_number("12.5", 0), 13);
+    EXPECT_EQ(typed_number("12.4999", 0), 12);
+    EXPECT_EQ(typed_number("-12.5", 0), -13);
+    EXPECT_EQ(typed_number("0.25", 1), 0.3);
+}
+
+TEST(TypedNumber, IsNothingForAnyOtherText) {
+    for (const char* text : {"", " ", "nonsense", "7.3 MHz", "7 3", "7.3.1", "7,3,1", "1,000.5",
+                             "1e3", "0x10", "inf", "nan", "-", "+", ".", ",", "--7", "7-", "٧"}) {
+        EXPECT_EQ(typed_number(text, 3), std::nullopt) << text;
+    }
+}
+
+TEST(TypedNumber, TakesNumbersOfAnyLengthAsFarAsTheyAreFinite) {
+    EXPECT_EQ(typed_number(std::string(300, '9'), 3), 1e300);
+    EXPECT_EQ(typed_number(std::string(400, '9'), 3), std::nullopt);
+    EXPECT_EQ(typed_number("0." + std::string(10'000, '0') + "1", 3), 0);
+}
+
+TEST(TypedNumber, MeansTheSameInEveryLocale) {
+    for (const char* name : {"C.UTF-8", "de_DE.UTF-8", "ar_EG.UTF-8"}) {
+        const UserLocale locale{name};
+        EXPECT_EQ(typed_number("7,3", 3), 7.3) << name;
+        EXPECT_EQ(typed_number("7.3", 3), 7.3) << name;
+    }
+}
+
+TEST(DecimalText, HasThatManyDecimalsAndADot) {
+    for (const char* name : {"C.UTF-8", "de_DE.UTF-8", "ar_EG.UTF-8"}) {
+        const UserLocale locale{name};
+        EXPECT_EQ(decimal_text(7.3, 3), "7.300") << name;
+        EXPECT_EQ(decimal_text(7.3, 0), "7") << name;
+        EXPECT_EQ(decimal_text(14.0005, 2), "14.00") << name;
+        EXPECT_EQ(decimal_text(-1, 1), "-1.0") << name;
+        EXPECT_EQ(decimal_text(6000, 3), "6000.000") << name;
+    }
+}
