@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Entry point of the tests that need a display. They run in a session of their own (see
 // scripts/under-xvfb); a warning of the toolkit fails them.
+#include "support/stub_browser.h"
+
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
@@ -12,6 +14,7 @@ int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     if (GTEST_FLAG_GET(list_tests))
         return RUN_ALL_TESTS();
+    set_up_stub_browser();
     // Before the toolkit reads it: no accessibility bus, which these tests do not look at.
     setenv("NO_AT_BRIDGE", "1", 1);
     g_log_set_always_fatal(

@@ -3,13 +3,14 @@
 #include "ui/pages.h"
 
 #include "link/build_constants.h"
+#include "link/json_access.h"
 #include "support/widget_outline.h"
 #include "support/window_fixture.h"
-#include "ui/form_widgets.h"
 
 namespace {
 
-using Pages = FreshWindowTest;
+using Pages = UntouchedWindowTest;
+using PageFields = WindowTest;
 
 /// `text` with the station list's host, which the build chooses, in the place of "HOST".
 std::string with_host(std::string text) {
@@ -416,7 +417,7 @@ TEST_F(Pages, NumbersStartAtTheirMinimum) {
     }
 }
 
-TEST_F(Pages, NumbersRefuseWhatIsOutOfRange) {
+TEST_F(PageFields, NumbersRefuseWhatIsOutOfRange) {
     const struct {
         const char* key;
         const char* typed;
@@ -442,7 +443,8 @@ TEST_F(Pages, NumbersRefuseWhatIsOutOfRange) {
     }
 }
 
-TEST_F(Pages, TheGridSquareTakesSixCharactersAndNoSeventh) {
+TEST_F(PageFields, TheGridSquareTakesSixCharactersAndNoSeventh) {
+    type_into("station.grid", "");
     gint position = 0;
     for (const char* letter : {"E", "M", "9", "5", "a", "b"})
         gtk_editable_insert_text(GTK_EDITABLE(widgets.grid_entry), letter, -1, &position);
@@ -518,10 +520,10 @@ TEST_F(Pages, TheListenersTableHasANumberAndThreeTexts) {
     EXPECT_EQ(gtk_tree_view_get_model(GTK_TREE_VIEW(widgets.listeners_view)), model);
 }
 
-TEST_F(Pages, TheListenersButtonsFollowTheSelection) {
+TEST_F(PageFields, TheListenersButtonsFollowTheSelection) {
+    load(state_document());
     GtkTreeIter row;
-    gtk_list_store_insert_with_values(widgets.listeners_store, &row, -1, 0, 17, 1, "198.51.100.4",
-                                      -1);
+    ASSERT_TRUE(gtk_tree_model_get_iter_first(GTK_TREE_MODEL(widgets.listeners_store), &row));
     GtkTreeSelection* selection =
         gtk_tree_view_get_selection(GTK_TREE_VIEW(widgets.listeners_view));
     const auto expect_sensitive = [](bool sensitive) {
@@ -535,7 +537,7 @@ TEST_F(Pages, TheListenersButtonsFollowTheSelection) {
     gtk_tree_selection_unselect_all(selection);
     expect_sensitive(false);
     gtk_tree_selection_select_iter(selection, &row);
-    gtk_list_store_clear(widgets.listeners_store);
+    poll(with(state_document(), "status.listeners", json::array{}));
     expect_sensitive(false);
 }
 
@@ -545,9 +547,7 @@ TEST_F(Pages, AdvancedIsClosedAtFirst) {
     EXPECT_FALSE(gtk_expander_get_expanded(GTK_EXPANDER(expander)));
 }
 
-TEST_F(Pages, EveryControlIsNamedByItsLabelOrInItself) {
-    make_accessible_relations_when_idle();
-    drain_events();
+TEST_F(PageFields, EveryControlIsNamedByItsLabelOrInItself) {
     for (GtkWidget* widget : tree_of(widgets.stack)) {
         const bool is_control = GTK_IS_ENTRY(widget) || GTK_IS_SWITCH(widget) ||
                                 GTK_IS_TEXT_VIEW(widget) || GTK_IS_TREE_VIEW(widget);

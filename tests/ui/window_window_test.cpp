@@ -7,7 +7,7 @@
 
 namespace {
 
-using BuildWindow = FreshWindowTest;
+using BuildWindow = UntouchedWindowTest;
 
 std::vector<GtkWidget*> parts() {
     return children_of(gtk_bin_get_child(GTK_BIN(widgets.window)));
@@ -78,7 +78,9 @@ TEST_F(BuildWindow, StartsClean) {
     EXPECT_EQ(status_class_of(widgets.header_dot), "");
 }
 
-TEST_F(BuildWindow, SpeaksToNobody) {
+using BuildAnotherWindow = FreshWindowTest;
+
+TEST_F(BuildAnotherWindow, SpeaksToNobody) {
     EXPECT_TRUE(service.requests().empty());
     EXPECT_TRUE(commands.calls().empty());
 }

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+// A web browser for tests: the desktop's handler of http addresses while the test program runs.
+#pragma once
+
+#include <string>
+
+/// Sets the browser up for the whole process, in the folders of a home of its own. Called once,
+/// before GLib is asked for anything.
+void set_up_stub_browser();
+
+class StubBrowser {
+public:
+    StubBrowser() { forget(); }
+    /// The last address that was opened; "" when there was none.
+    std::string opened() const;
+    void forget();
+};
