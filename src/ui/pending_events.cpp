@@ -45,8 +45,10 @@ void wait_for_frame(guint limit_ms) {
     const gulong handler =
         g_signal_connect(clock, "after-paint", G_CALLBACK(on_frame_painted), &painted);
     gdk_frame_clock_request_phase(clock, GDK_FRAME_CLOCK_PHASE_PAINT);
-    turn_loop_until(limit_ms, [&painted] { return painted; });
-    g_signal_handler_disconnect(clock, handler);
+    turn_loop_until(limit_ms, [&painted] { return painted || !widgets.window; });
+    // The clock of a window that was closed meanwhile has let go of its handlers.
+    if (g_signal_handler_is_connected(clock, handler))
+        g_signal_handler_disconnect(clock, handler);
     g_object_unref(clock);
     gdk_display_flush(gdk_display_get_default());
 }
