@@ -1,0 +1,401 @@
+// SPDX-License-Identifier: MIT
+#include "status/listeners_table.h"
+
+#include "link/build_constants.h"
+#include "link/json_access.h"
+#include "support/row_parts.h"
+#include "support/window_fixture.h"
+
+namespace {
+
+const std::string host{directory_host};
+
+using ListenersTable = WindowTest;
+
+struct TableRow {
+    int number = 0;
+    std::string address{};
+    std::string tuned_to{};
+    std::string time{};
+
+    bool operator==(const TableRow&) const = default;
+
+    friend std::ostream& operator<<(std::ostream& stream, const TableRow& row) {
+        return stream << row.number << " | " << row.address << " | " << row.tuned_to << " | "
+                      << row.time;
+    }
+};
+
+GtkTreeModel* model() {
+    return GTK_TREE_MODEL(widgets.listeners_store);
+}
+
+GtkTreeView* view() {
+    return GTK_TREE_VIEW(widgets.listeners_view);
+}
+
+GtkTreeSelection* selection() {
+    return gtk_tree_view_get_selection(view());
+}
+
+std::string cell(GtkTreeIter* iter, int column) {
+    char* text = nullptr;
+    gtk_tree_model_get(model(), iter, column, &text, -1);
+    const std::string copy{text ? text : "(null)"};
+    g_free(text);
+    return copy;
+}
+
+std::vector<TableRow> rows() {
+    std::vector<TableRow> all;
+    GtkTreeIter iter;
+    for (gboolean valid = gtk_tree_model_get_iter_first(model(), &iter); valid;
+         valid = gtk_tree_model_iter_next(model(), &iter)) {
+        int number = 0;
+        gtk_tree_model_get(model(), &iter, 0, &number, -1);
+        all.push_back({number, cell(&iter, 1), cell(&iter, 2), cell(&iter, 3)});
+    }
+    return all;
+}
+
+void select_row(int index) {
+    GtkTreePath* path = gtk_tree_path_new_from_indices(index, -1);
+    gtk_tree_selection_select_path(selection(), path);
+    gtk_tree_path_free(path);
+}
+
+/// The place of the selected row, -1 when there is none.
+int selected_index() {
+    GtkTreeIter iter;
+    if (!gtk_tree_selection_get_selected(selection(), nullptr, &iter))
+        return -1;
+    GtkTreePath* path = gtk_tree_model_get_path(model(), &iter);
+    const int index = gtk_tree_path_get_indices(path)[0];
+    gtk_tree_path_free(path);
+    return index;
+}
+
+/// The place of the row under the cursor, -1 when there is none.
+int cursor_index() {
+    GtkTreePath* path = nullptr;
+    gtk_tree_view_get_cursor(view(), &path, nullptr);
+    if (!path)
+        return -1;
+    const int index = gtk_tree_path_get_indices(path)[0];
+    gtk_tree_path_free(path);
+    return index;
+}
+
+json::object listener(int number, int seconds = 0) {
+    return {{"number", number},
+            {"address", "198.51.100." + std::to_string(number)},
+            {"seconds", seconds}};
+}
+
+json::value listeners(std::initializer_list<int> numbers, int seconds = 0) {
+    json::array records;
+    for (const int number : numbers)
+        records.push_back(listener(number, seconds));
+    return with(state_document(), "status.listeners", std::move(records));
+}
+
+std::vector<int> numbers_shown() {
+    std::vector<int> numbers;
+    for (const TableRow& row : rows())
+        numbers.push_back(row.number);
+    return numbers;
+}
+
+TEST_F(ListenersTable, HasFourColumnsOfWhichTunedToExpands) {
+    const struct {
+        const char* title;
+        bool expands;
+        GType type;
+    } columns[] = {{"#", false, G_TYPE_INT},
+                   {"Address", false, G_TYPE_STRING},
+                   {"Tuned to", true, G_TYPE_STRING},
+                   {"Time", false, G_TYPE_STRING}};
+    ASSERT_EQ(gtk_tree_view_get_n_columns(view()), std::size(columns));
+    ASSERT_EQ(gtk_tree_model_get_n_columns(model()), static_cast<int>(std::size(columns)));
+    for (int i = 0; i < static_cast<int>(std::size(columns)); ++i) {
+        const auto& expected = columns[i];
+        SCOPED_TRACE(expected.title);
+        GtkTreeViewColumn* column = gtk_tree_view_get_column(view(), i);
+        EXPECT_STREQ(gtk_tree_view_column_get_title(column), expected.title);
+        EXPECT_EQ(gtk_tree_view_column_get_expand(column), expected.expands);
+        EXPECT_EQ(gtk_tree_model_get_column_type(model(), i), expected.type);
+    }
+    int height = 0;
+    gtk_widget_get_size_request(widgets.listeners_scroll, nullptr, &height);
+    EXPECT_EQ(height, 150);
+    EXPECT_EQ(gtk_widget_get_parent(widgets.listeners_view), widgets.listeners_scroll);
+}
+
+TEST_F(ListenersTable, ShowsEachListenerInTheOrderOfTheDocument) {
+    const std::string relay = "via " + host + " · ";
+    const json::object tuned = {{"number", 1},     {"address", "a"}, {"seconds", 75},
+                                {"f", 7074000},    {"mode", "USB"},  {"listening", true},
+                                {"relayed", false}};
+    const auto like_it = [&tuned](const json::object& changes) {
+        json::object record = tuned;
+        for (const json::key_value_pair& change : changes)
+            record[change.key()] = change.value();
+        return record;
+    };
+    json::object without_mark = tuned;
+    without_mark.erase("relayed");
+    const struct {
+        const char* when;
+        json::object record;
+        TableRow row;
+    } cases[] = {
+        {"tuned", tuned, {1, "a", "7.074 MHz USB", "1:15"}},
+        {"nothing about the relay", without_mark, {1, "a", "7.074 MHz USB", "1:15"}},
+        {"watching",
+         like_it({{"listening", false}}),
+         {1, "a", "7.074 MHz USB (waterfall only)", "1:15"}},
+        {"through the relay",
+         like_it({{"relayed", true}}),
+         {1, "a", relay + "7.074 MHz USB", "1:15"}},
+        {"not tuned", listener(3, 59), {3, "198.51.100.3", "", "0:59"}},
+        {"not tuned, through the relay",
+         {{"number", 4}, {"address", "b"}, {"seconds", 60}, {"relayed", true}},
+         {4, "b", relay, "1:00"}},
+        {"a word as frequency and a number as mode",
+         like_it({{"f", "high"}, {"mode", 5}}),
+         {1, "a", "0 MHz ", "1:15"}},
+        {"ten gigahertz", like_it({{"f", 10489750000}}), {1, "a", "10489.8 MHz USB", "1:15"}},
+        {"an hour and two minutes",
+         like_it({{"seconds", 3725}}),
+         {1, "a", "7.074 MHz USB", "62:05"}},
+        {"a second and a bit", like_it({{"seconds", 1.9}}), {1, "a", "7.074 MHz USB", "0:01"}},
+        {"words for numbers",
+         like_it({{"seconds", "long"}, {"number", "one"}}),
+         {0, "a", "7.074 MHz USB", "0:00"}},
+        {"numbers out of range",
+         like_it({{"number", 4e9}}),
+         {2147483647, "a", "7.074 MHz USB", "1:15"}},
+        {"an address that is a number",
+         like_it({{"address", 9}}),
+         {1, "", "7.074 MHz USB", "1:15"}},
+        {"markup in the address",
+         like_it({{"address", "<b>&amp;"}}),
+         {1, "<b>&amp;", "7.074 MHz USB", "1:15"}},
+        {"U+0000 in the address",
+         like_it({{"address", json::string{std::string_view{"a\0b", 3}}}}),
+         {1, "a\uFFFDb", "7.074 MHz USB", "1:15"}},
+    };
+    load(state_document());
+    json::array all;
+    std::vector<TableRow> expected;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.when);
+        poll(with(state_document(), "status.listeners", json::array{c.record}));
+        EXPECT_EQ(rows(), (std::vector<TableRow>{c.row}));
+        all.push_back(c.record);
+        expected.push_back(c.row);
+    }
+    poll(with(state_document(), "status.listeners", all));
+    EXPECT_EQ(rows(), expected);
+}
+
+TEST_F(ListenersTable, GivesWayToAWordWhenNobodyListens) {
+    load(state_document());
+    EXPECT_EQ(text_of(widgets.listeners_title), "Listening now · 2 of 8");
+    EXPECT_TRUE(gtk_widget_get_visible(widgets.listeners_scroll));
+    EXPECT_FALSE(gtk_widget_get_visible(widgets.listeners_empty));
+    poll(listeners({}));
+    EXPECT_EQ(text_of(widgets.listeners_title), "Listening now · 0 of 8");
+    EXPECT_FALSE(gtk_widget_get_visible(widgets.listeners_scroll));
+    EXPECT_TRUE(gtk_widget_get_visible(widgets.listeners_empty));
+    EXPECT_EQ(text_of(widgets.listeners_empty), "Nobody is listening right now.");
+    EXPECT_EQ(own_classes_of(widgets.listeners_empty), "muted");
+    EXPECT_EQ(own_classes_of(widgets.listeners_title), "card-title");
+    poll(listeners({4}));
+    EXPECT_TRUE(gtk_widget_get_visible(widgets.listeners_scroll));
+    EXPECT_FALSE(gtk_widget_get_visible(widgets.listeners_empty));
+}
+
+TEST_F(ListenersTable, FollowsListenersAsTheyComeGoAndChangePlaces) {
+    load(listeners({1, 2, 3}));
+    const std::vector<std::vector<int>> lists = {
+        {1, 2, 3, 4}, {2, 3, 4}, {2, 4}, {9, 2, 4}, {4, 2, 9}, {4, 5, 2, 6, 9}, {9, 6, 2, 5, 4},
+        {},           {7},       {7, 7}, {7, 7, 7}, {7, 8, 7}, {8, 7},          {0, -1, 0, -1},
+        {1, 2, 3}};
+    int seconds = 0;
+    for (const std::vector<int>& list : lists) {
+        SCOPED_TRACE(testing::PrintToString(list));
+        json::array records;
+        std::vector<TableRow> expected;
+        ++seconds;
+        for (const int number : list) {
+            records.push_back(listener(number, seconds));
+            expected.push_back(
+                {number, "198.51.100." + std::to_string(number), "",
+                 seconds < 10 ? "0:0" + std::to_string(seconds) : "0:" + std::to_string(seconds)});
+        }
+        poll(with(state_document(), "status.listeners", records));
+        EXPECT_EQ(rows(), expected);
+    }
+}
+
+TEST_F(ListenersTable, KeepsTheSelectionWithItsListener) {
+    const struct {
+        const char* when;
+        std::initializer_list<int> list;
+        int selected;
+    } cases[] = {
+        {"all stay", {1, 2, 3}, 1},
+        {"another comes", {1, 2, 3, 4}, 1},
+        {"one before leaves", {2, 3}, 0},
+        {"one before comes", {9, 1, 2, 3}, 2},
+        {"it moves to the end", {1, 3, 2}, 2},
+        {"it moves to the front", {2, 1, 3}, 0},
+        {"all but it leave", {2}, 0},
+        {"all others are new", {7, 8, 2}, 2},
+        {"it leaves", {1, 3}, -1},
+        {"all leave", {}, -1},
+        {"it is there twice", {1, 2, 2, 3}, 2},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.when);
+        load(listeners({1, 2, 3}));
+        select_row(1);
+        poll(listeners(c.list, 5));
+        EXPECT_EQ(selected_index(), c.selected);
+        const bool any = c.selected >= 0;
+        EXPECT_EQ(gtk_widget_get_sensitive(widgets.end_session_button), any);
+        EXPECT_EQ(gtk_widget_get_sensitive(widgets.block_button), any);
+    }
+}
+
+TEST_F(ListenersTable, SelectsNobodyByItself) {
+    load(listeners({}));
+    poll(listeners({1, 2, 3}));
+    EXPECT_EQ(selected_index(), -1);
+    EXPECT_FALSE(gtk_widget_get_sensitive(widgets.end_session_button));
+    EXPECT_FALSE(gtk_widget_get_sensitive(widgets.block_button));
+}
+
+TEST_F(ListenersTable, TellsOfNoSelectionThatStaysTheSame) {
+    load(listeners({1, 2, 3}));
+    select_row(1);
+    int changes = 0;
+    const auto count = +[](GtkTreeSelection*, int* seen) { ++*seen; };
+    const gulong handler = g_signal_connect(selection(), "changed", G_CALLBACK(count), &changes);
+    poll(listeners({1, 2, 3}, 8));
+    poll(listeners({1, 2, 3, 4}, 8));
+    g_signal_handler_disconnect(selection(), handler);
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(ListenersTable, KeepsTheCursorAndItsPlaceOverAPoll) {
+    json::array many;
+    for (int i = 1; i <= 60; ++i)
+        many.push_back(listener(i));
+    json::value document = with(state_document(), "status.listeners", many);
+    load(document);
+    ASSERT_TRUE(wait_for_frame_on(widgets.window));
+    GtkTreePath* path = gtk_tree_path_new_from_indices(30, -1);
+    gtk_tree_view_set_cursor(view(), path, nullptr, FALSE);
+    gtk_tree_path_free(path);
+    ASSERT_TRUE(wait_for_frame_on(widgets.window));
+    GtkAdjustment* place =
+        gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(widgets.listeners_scroll));
+    const double before = gtk_adjustment_get_value(place);
+    ASSERT_GT(before, 0);
+    for (int i = 0; i < 60; ++i)
+        document = with(document, "status.listeners." + std::to_string(i) + ".seconds", 100 + i);
+    document = with(document, "status.listeners.60", listener(61));
+    poll(document);
+    ASSERT_TRUE(wait_for_frame_on(widgets.window));
+    EXPECT_EQ(gtk_adjustment_get_value(place), before);
+    EXPECT_EQ(cursor_index(), 30);
+    EXPECT_EQ(selected_index(), 30);
+    EXPECT_EQ(rows()[30].time, "2:10");
+    // One above leaves: the cursor goes with its listener.
+    poll(without(document, "status.listeners.2"));
+    EXPECT_EQ(cursor_index(), 29);
+    EXPECT_EQ(rows()[29].number, 31);
+}
+
+TEST_F(ListenersTable, LosesNoClickThatAPollCameInto) {
+    load(listeners({1, 2, 3}));
+    select_row(1);
+    ASSERT_TRUE(wait_for_frame_on(widgets.window));
+    service.will_answer("POST", "/api/kick", 200, "{}");
+    press_mouse(widgets.end_session_button);
+    poll(listeners({5, 3, 2}, 7));
+    release_mouse(widgets.end_session_button);
+    drain_events();
+    const std::vector<RecordedRequest> kicks = service.requests("POST", "/api/kick");
+    ASSERT_EQ(kicks.size(), 1U);
+    EXPECT_EQ(json::parse(kicks[0].body), (json::value{{"number", 2}}));
+}
+
+TEST_F(ListenersTable, StopsAtABrokenRecordAndLeavesWhatWasDrawn) {
+    const json::value whole = listeners({11, 12, 13}, 5);
+    const std::string at = "status.listeners.1";
+    const json::value tuned = with(whole, at,
+                                   {{"number", 12},
+                                    {"address", "x"},
+                                    {"seconds", 5},
+                                    {"f", 7e6},
+                                    {"mode", "AM"},
+                                    {"listening", true}});
+    const TableRow first{11, "198.51.100.11", "", "0:05"};
+    const struct {
+        const char* what;
+        json::value document;
+        std::vector<TableRow> rows;
+    } cases[] = {
+        {"no object", with(whole, at, "listener"), {first}},
+        {"null", with(whole, at, nullptr), {first}},
+        {"no number", without(whole, at + ".number"), {first}},
+        {"no seconds", without(whole, at + ".seconds"), {first}},
+        {"no address", without(whole, at + ".address"), {first, {12, "", "", "0:05"}}},
+        {"tuned without a mode", without(tuned, at + ".mode"), {first}},
+        {"tuned without a word on listening", without(tuned, at + ".listening"), {first}},
+        {"listening is a number", with(tuned, at + ".listening", 1), {first}},
+        {"relayed is null", with(whole, at + ".relayed", nullptr), {first}},
+        {"relayed is a word", with(tuned, at + ".relayed", "no"), {first}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        load(listeners({1, 2}));
+        EXPECT_THROW(poll(c.document), std::exception);
+        EXPECT_EQ(rows(), c.rows);
+        EXPECT_EQ(text_of(widgets.listeners_title), "Listening now · 3 of 8");
+        // And the next whole document is drawn as if nothing had been.
+        poll(listeners({12, 2}, 6));
+        EXPECT_EQ(rows(), (std::vector<TableRow>{{12, "198.51.100.12", "", "0:06"},
+                                                 {2, "198.51.100.2", "", "0:06"}}));
+    }
+}
+
+TEST_F(ListenersTable, KeepsTheSelectionOfARowDrawnBeforeABrokenOne) {
+    load(listeners({1, 2, 3}));
+    select_row(0);
+    EXPECT_THROW(poll(with(listeners({1, 2, 3}, 9), "status.listeners.1", 0)), std::exception);
+    EXPECT_EQ(numbers_shown(), (std::vector<int>{1}));
+    EXPECT_EQ(selected_index(), 0);
+}
+
+TEST_F(ListenersTable, DoesNotHideItselfWhenABrokenRecordStopsThePass) {
+    load(listeners({}));
+    EXPECT_THROW(poll(with(listeners({1}), "status.listeners.0", 0)), std::exception);
+    EXPECT_FALSE(gtk_widget_get_visible(widgets.listeners_scroll));
+    EXPECT_TRUE(gtk_widget_get_visible(widgets.listeners_empty));
+}
+
+TEST_F(ListenersTable, HoldsAThousandListeners) {
+    json::array many;
+    for (int i = 0; i < 1000; ++i)
+        many.push_back(listener(i));
+    load(with(state_document(), "status.listeners", many));
+    EXPECT_EQ(rows().size(), 1000U);
+    poll(listeners({999, 5}));
+    EXPECT_EQ(numbers_shown(), (std::vector<int>{999, 5}));
+}
+
+} // namespace
