@@ -17,6 +17,9 @@ constexpr int band_menu_chars = 9;
 /// Space above and below the words that stand for an empty list, in pixels.
 constexpr int empty_list_margin = 14;
 
+/// Key of the object data in which a band menu keeps its receiver's index.
+constexpr char index_key[] = "receiver";
+
 Receiver* receiver_at(gpointer index) {
     const std::size_t at = GPOINTER_TO_SIZE(index);
     return at < widgets.receiver_list.size() ? &widgets.receiver_list[at] : nullptr;
@@ -39,6 +42,27 @@ void on_band_changed(GtkComboBox* menu, gpointer index) {
     // What is typed and not yet a value must not win over the band.
     gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver->low_spin), range->low_mhz);
     gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver->high_spin), range->high_mhz);
+}
+
+void on_band_item_activated(GtkMenuItem*, gpointer menu) {
+    const gpointer index = g_object_get_data(G_OBJECT(menu), index_key);
+    on_band_changed(GTK_COMBO_BOX(menu), index);
+}
+
+/// A combo box is silent when its active item is chosen again, but the item is not: it asks for its
+/// band once more, after the range was edited. The items are there once the list was opened.
+void on_band_list_shown(GtkComboBox* menu, GParamSpec*, gpointer) {
+    for (GList* list = gtk_menu_get_for_attach_widget(GTK_WIDGET(menu)); list; list = list->next) {
+        GList* items = gtk_container_get_children(GTK_CONTAINER(list->data));
+        for (GList* item = items; item; item = item->next) {
+            // The list shows more than once.
+            g_signal_handlers_disconnect_by_func(
+                item->data, reinterpret_cast<gpointer>(on_band_item_activated), menu);
+            g_signal_connect_object(item->data, "activate", G_CALLBACK(on_band_item_activated),
+                                    menu, GConnectFlags{});
+        }
+        g_list_free(items);
+    }
 }
 
 void on_share_switch_toggled(GtkSwitch* share, GParamSpec*, gpointer index) {
@@ -117,7 +141,9 @@ void add_details(Receiver& receiver, std::size_t index) {
     check_receiver_range(index);
 
     const gpointer data = GSIZE_TO_POINTER(index);
+    g_object_set_data(G_OBJECT(menu), index_key, data);
     g_signal_connect(menu, "changed", G_CALLBACK(on_band_changed), data);
+    g_signal_connect(menu, "notify::popup-shown", G_CALLBACK(on_band_list_shown), nullptr);
     for (GtkWidget* spin : {receiver.low_spin, receiver.high_spin}) {
         g_signal_connect(spin, "value-changed", G_CALLBACK(on_range_changed), data);
         track_changes(spin);

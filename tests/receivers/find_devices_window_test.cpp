@@ -1,0 +1,294 @@
+// SPDX-License-Identifier: MIT
+#include "receivers/find_devices.h"
+
+#include "link/json_access.h"
+#include "receivers/receiver_rows.h"
+#include "support/window_fixture.h"
+#include "ui/form_widgets.h"
+
+#include <atomic>
+
+namespace {
+
+json::object device(const char* backend, const char* serial, const char* model, bool available) {
+    return {{"backend", backend}, {"serial", serial}, {"model", model}, {"available", available}};
+}
+
+const json::object rspdx = device("sdrplay", "2305012345", "RSPdx", true);
+const json::object dongle = device("rtl-sdr", "00000001", "RTL-SDR Blog V4", true);
+
+class FindDevices : public WindowTest {
+protected:
+    FindDevices() {
+        load(state_document());
+        show_page_at_once("receivers");
+        service.forget_requests();
+    }
+
+    ~FindDevices() override { drain_events(); }
+
+    void find(const json::array& devices) {
+        service.will_answer("GET", "/api/devices", 200, json::serialize(devices));
+        find_devices();
+    }
+
+    std::string status() const { return text_of(widgets.receivers_status); }
+
+    static Receiver& receiver(std::size_t index) { return widgets.receiver_list.at(index); }
+
+    static double shown(GtkWidget* spin) {
+        return gtk_spin_button_get_value(GTK_SPIN_BUTTON(spin));
+    }
+};
+
+TEST_F(FindDevices, AsksOnceWithAnEmptyBody) {
+    find({});
+    ASSERT_EQ(service.requests().size(), 1U);
+    EXPECT_EQ(service.requests()[0].line(), "GET /api/devices HTTP/1.1");
+    EXPECT_EQ(service.requests()[0].body, "");
+}
+
+TEST_F(FindDevices, SaysWhatItFound) {
+    const json::object third = device("rx888", "R1", "RX-888", true);
+    const struct {
+        const char* when;
+        json::array devices;
+        const char* text;
+        std::size_t known;
+    } cases[] = {
+        {"nothing",
+         {},
+         "No receivers found. Is the device plugged in, and for SDRplay, is SDRplay's API "
+         "installed?",
+         2},
+        {"one that is known", {rspdx}, "1 found.", 2},
+        {"two that are known", {rspdx, dongle}, "2 found.", 2},
+        {"one of three is new",
+         {rspdx, dongle, third},
+         "3 found, 1 new: switch on the ones to share.",
+         3},
+        {"the new one twice", {third, third}, "2 found, 1 new: switch on the ones to share.", 3},
+        {"a known one twice", {rspdx, rspdx}, "2 found.", 2},
+        {"the same serial with another backend",
+         {device("rtl-sdr", "2305012345", "X", true), device("sdrplay", "00000001", "Y", true)},
+         "2 found, 2 new: switch on the ones to share.",
+         4},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.when);
+        load(state_document());
+        find(c.devices);
+        EXPECT_EQ(status(), c.text);
+        EXPECT_EQ(widgets.receiver_list.size(), c.known);
+        EXPECT_EQ(children_of(widgets.receiver_rows_box).size(), c.known);
+        EXPECT_FALSE(widgets.dirty);
+    }
+}
+
+TEST_F(FindDevices, SaysWhenTheServiceDidNotAnswer) {
+    for (const int answer : {0, 204, 404, 500}) {
+        SCOPED_TRACE(answer);
+        const std::vector<GtkWidget*> rows = children_of(widgets.receiver_rows_box);
+        service.will_answer("GET", "/api/devices", answer, "[]");
+        if (answer == 0)
+            service.stop();
+        find_devices();
+        EXPECT_EQ(status(), "The Tarnwave service did not answer.");
+        EXPECT_EQ(children_of(widgets.receiver_rows_box), rows);
+        EXPECT_EQ(widgets.receiver_list.size(), 2U);
+        if (answer == 0)
+            service.start();
+    }
+}
+
+TEST_F(FindDevices, MakesTheRowsAnewEvenWhenItFoundNothing) {
+    const std::vector<GtkWidget*> rows = children_of(widgets.receiver_rows_box);
+    for (GtkWidget* row : rows)
+        g_object_ref(row);
+    find({});
+    for (GtkWidget* row : children_of(widgets.receiver_rows_box))
+        EXPECT_EQ(std::count(rows.begin(), rows.end(), row), 0);
+    for (GtkWidget* row : rows)
+        g_object_unref(row);
+}
+
+TEST_F(FindDevices, GivesNewReceiversTheRangeOfTheirKind) {
+    const struct {
+        const char* backend;
+        double lo;
+        double hi;
+    } cases[] = {
+        {"rtl-sdr", 144e6, 146e6}, {"rx888", 0, 30e6},      {"sdrplay", 7e6, 7.3e6},
+        {"", 7e6, 7.3e6},          {"RTL-SDR", 7e6, 7.3e6},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.backend);
+        load(with(state_document(), "settings.receivers", json::array{}));
+        find({device(c.backend, "S", "M", false)});
+        ASSERT_EQ(widgets.receiver_list.size(), 1U);
+        EXPECT_EQ(receiver(0).lo, c.lo);
+        EXPECT_EQ(receiver(0).hi, c.hi);
+        EXPECT_FALSE(receiver(0).enabled);
+        EXPECT_FALSE(receiver(0).available);
+        EXPECT_FALSE(gtk_switch_get_active(GTK_SWITCH(receiver(0).share_switch)));
+        EXPECT_FALSE(gtk_widget_get_sensitive(receiver(0).details_box));
+    }
+}
+
+TEST_F(FindDevices, RefreshesModelAndMarkAndNothingElse) {
+    find({device("sdrplay", "2305012345", "RSPdx-R2", false)});
+    EXPECT_EQ(receiver(0).model, "RSPdx-R2");
+    EXPECT_FALSE(receiver(0).available);
+    EXPECT_TRUE(receiver(0).enabled);
+    EXPECT_EQ(receiver(0).lo, 7e6);
+    EXPECT_EQ(receiver(0).hi, 7.3e6);
+    EXPECT_NE(find_label(widgets.receiver_rows_box, "RSPdx-R2"), nullptr);
+    EXPECT_NE(find_label(widgets.receiver_rows_box, "SDRplay receiver · serial 2305012345 · in use "
+                                                    "by another program"),
+              nullptr);
+    // What the next reply does not mention stays as it was.
+    find({dongle});
+    EXPECT_FALSE(receiver(0).available);
+    EXPECT_EQ(receiver(0).model, "RSPdx-R2");
+}
+
+TEST_F(FindDevices, KeepsEditsThatAreNotSaved) {
+    gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver(0).low_spin), 14);
+    // Typed, and not taken over yet.
+    type_into(receiver(0).high_spin, "14,35");
+    gtk_switch_set_active(GTK_SWITCH(receiver(1).share_switch), FALSE);
+    find({rspdx, dongle});
+    EXPECT_EQ(shown(receiver(0).low_spin), 14);
+    EXPECT_EQ(shown(receiver(0).high_spin), 14.35);
+    EXPECT_FALSE(gtk_switch_get_active(GTK_SWITCH(receiver(1).share_switch)));
+    EXPECT_EQ(receiver(0).lo, 14e6);
+    EXPECT_DOUBLE_EQ(receiver(0).hi, 14.35e6);
+    EXPECT_FALSE(receiver(1).enabled);
+    EXPECT_TRUE(widgets.dirty);
+}
+
+TEST_F(FindDevices, KeepsEditsMadeWhileItLooks) {
+    const auto edit = +[](gpointer) -> gboolean {
+        gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver(0).low_spin), 6.5);
+        gtk_switch_set_active(GTK_SWITCH(receiver(0).share_switch), FALSE);
+        type_into(receiver(1).high_spin, "145.5");
+        return G_SOURCE_REMOVE;
+    };
+    g_idle_add_full(G_PRIORITY_HIGH, edit, nullptr, nullptr);
+    find({rspdx, dongle});
+    EXPECT_EQ(receiver(0).lo, 6.5e6);
+    EXPECT_FALSE(receiver(0).enabled);
+    EXPECT_EQ(receiver(1).hi, 145.5e6);
+    EXPECT_EQ(shown(receiver(0).low_spin), 6.5);
+    EXPECT_EQ(shown(receiver(1).high_spin), 145.5);
+}
+
+TEST_F(FindDevices, MarksNothingAsEdited) {
+    find({device("rtl-sdr", "new", "Dongle", true)});
+    EXPECT_FALSE(widgets.dirty);
+    EXPECT_FALSE(gtk_widget_get_sensitive(widgets.save_button));
+    gtk_switch_set_active(GTK_SWITCH(receiver(2).share_switch), TRUE);
+    EXPECT_TRUE(widgets.dirty);
+}
+
+TEST_F(FindDevices, ShowsThatItLooksBeforeTheRequestIsSent) {
+    static std::atomic<bool> drawn;
+    drawn = false;
+    const auto on_drawn = +[](GtkWidget* label, cairo_t*, gpointer) -> gboolean {
+        if (text_of(label) == "Looking for receivers…")
+            drawn = true;
+        return GDK_EVENT_PROPAGATE;
+    };
+    const gulong handler =
+        g_signal_connect_after(widgets.receivers_status, "draw", G_CALLBACK(on_drawn), nullptr);
+    std::atomic<bool> drawn_before_request = false;
+    service.before_answering("GET", "/api/devices", [&] { drawn_before_request = drawn.load(); });
+    find({});
+    g_signal_handler_disconnect(widgets.receivers_status, handler);
+    EXPECT_TRUE(drawn_before_request);
+}
+
+TEST_F(FindDevices, BeginsOnlyOnceHoweverOftenItIsPressed) {
+    const auto press = +[](gpointer) -> gboolean {
+        find_devices();
+        return G_SOURCE_REMOVE;
+    };
+    g_idle_add_full(G_PRIORITY_HIGH, press, nullptr, nullptr);
+    g_idle_add_full(G_PRIORITY_HIGH, press, nullptr, nullptr);
+    find({rspdx});
+    EXPECT_EQ(service.requests("GET", "/api/devices").size(), 1U);
+    EXPECT_EQ(status(), "1 found.");
+    drain_events();
+    find_devices();
+    EXPECT_EQ(service.requests("GET", "/api/devices").size(), 2U);
+}
+
+TEST_F(FindDevices, GreysItsButtonMeanwhile) {
+    static bool sensitive;
+    sensitive = true;
+    const auto look = +[](gpointer) -> gboolean {
+        sensitive = gtk_widget_get_sensitive(widgets.find_devices_button);
+        return G_SOURCE_REMOVE;
+    };
+    g_idle_add_full(G_PRIORITY_HIGH, look, nullptr, nullptr);
+    service.will_answer("GET", "/api/devices", 200, "[]");
+    click(widgets.find_devices_button);
+    EXPECT_FALSE(sensitive);
+    drain_events();
+    EXPECT_TRUE(gtk_widget_get_sensitive(widgets.find_devices_button));
+}
+
+TEST_F(FindDevices, EndsWithTheLibrarysErrorAtAReplyThatBreaksTheContract) {
+    const char* const good = R"({"backend":"b","serial":"s","model":"m","available":true})";
+    const struct {
+        const char* what;
+        std::string body;
+        std::size_t known;
+    } cases[] = {
+        {"no text", "", 2},
+        {"no JSON", "<html>", 2},
+        {"an object", "{}", 2},
+        {"null", "null", 2},
+        {"a number in the list", "[1]", 2},
+        {"a list in the list", "[[]]", 2},
+        {"no backend", R"([{"serial":"s","model":"m","available":true}])", 2},
+        {"no serial", R"([{"backend":"b","model":"m","available":true}])", 2},
+        {"no model", R"([{"backend":"b","serial":"s","available":true}])", 2},
+        {"no word on being available", R"([{"backend":"b","serial":"s","model":"m"}])", 2},
+        {"available as a number", R"([{"backend":"b","serial":"s","model":"m","available":1}])", 2},
+        {"a good one before", "[" + std::string{good} + ",null]", 3},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        load(state_document());
+        service.will_answer("GET", "/api/devices", 200, c.body);
+        EXPECT_THROW(find_devices(), std::exception);
+        EXPECT_EQ(widgets.receiver_list.size(), c.known);
+        EXPECT_EQ(status(), "Looking for receivers…");
+    }
+}
+
+TEST_F(FindDevices, ReadsWordsOfAnotherKindAsEmpty) {
+    service.will_answer("GET", "/api/devices", 200,
+                        R"([{"backend":1,"serial":null,"model":[],"available":true}])");
+    find_devices();
+    ASSERT_EQ(widgets.receiver_list.size(), 3U);
+    EXPECT_EQ(receiver(2).backend, "");
+    EXPECT_EQ(receiver(2).serial, "");
+    EXPECT_EQ(receiver(2).model, "");
+}
+
+using FindDevicesInAWindowOfItsOwn = FreshWindowTest;
+
+TEST_F(FindDevicesInAWindowOfItsOwn, SendsNothingWhenTheWindowIsClosedWhileItDraws) {
+    const auto close = +[](gpointer) -> gboolean {
+        gtk_widget_destroy(widgets.window);
+        return G_SOURCE_REMOVE;
+    };
+    g_idle_add_full(G_PRIORITY_HIGH, close, nullptr, nullptr);
+    find_devices();
+    EXPECT_EQ(widgets.window, nullptr);
+    EXPECT_TRUE(service.requests().empty());
+}
+
+} // namespace
