@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: MIT
+#include "app/station_owner.h"
+
+#include "support/screen.h"
+#include "support/window_fixture.h"
+
+#include <sys/time.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+const std::string rest =
+    " Only the station owner may change Tarnwave's settings and share receivers through it. "
+    "Becoming the owner needs an administrator's password.";
+const std::string set_owner_call = "pkexec /usr/lib/tarnwave/set-owner";
+
+class StationOwner : public WindowTest {
+protected:
+    StationOwner() : path_before_{owner_file_path} {
+        owner_file_path = (commands.folder() / "owner").string();
+    }
+
+    ~StationOwner() override { owner_file_path = path_before_; }
+
+    void write_owner(std::string_view text) const {
+        std::ofstream{owner_file_path, std::ios::binary} << text;
+    }
+
+    std::size_t tries() const { return service.requests("GET", "/api/state").size(); }
+
+private:
+    std::string path_before_;
+};
+
+/// Interrupts the program every few milliseconds while it lives.
+class Interruptions {
+public:
+    Interruptions() {
+        struct sigaction action {};
+        action.sa_handler = [](int) {}; // no SA_RESTART: calls are cut short
+        sigaction(SIGALRM, &action, &action_before_);
+        const itimerval often{{0, 20'000}, {0, 20'000}};
+        setitimer(ITIMER_REAL, &often, nullptr);
+    }
+    ~Interruptions() {
+        const itimerval never{};
+        setitimer(ITIMER_REAL, &never, nullptr);
+        sigaction(SIGALRM, &action_before_, nullptr);
+    }
+    Interruptions(const Interruptions&) = delete;
+    Interruptions& operator=(const Interruptions&) = delete;
+
+private:
+    struct sigaction action_before_ {};
+};
+
+TEST_F(StationOwner, IsTheFirstLineOfTheFile) {
+    using namespace std::string_literals;
+    const struct {
+        const char* when;
+        std::string file;
+        std::string sentence;
+    } cases[] = {
+        {"a name", "alice\n", "The station owner is alice."},
+        {"a name without a line feed", "alice", "The station owner is alice."},
+        {"two lines", "alice\nbob\n", "The station owner is alice."},
+        {"blanks around it", " alice \n", "The station owner is  alice ."},
+        {"a carriage return", "alice\r\n", "The station owner is alice\r."},
+        {"a percent sign", "%s%n\n", "The station owner is %s%n."},
+        {"an empty file", "", "This station has no owner yet."},
+        {"an empty first line", "\nalice\n", "This station has no owner yet."},
+        {"no UTF-8", "al\xFFice\n", "The station owner is al\uFFFDice."},
+        {"U+0000", "al\0ice\n"s, "The station owner is al\uFFFDice."},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.when);
+        write_owner(c.file);
+        EXPECT_EQ(owner_sentence(), c.sentence);
+        answer_next_dialog(GTK_RESPONSE_CLOSE);
+        EXPECT_FALSE(check_owner());
+        EXPECT_EQ(dialogs.back().secondary, c.sentence + rest);
+    }
+}
+
+TEST_F(StationOwner, IsNobodyWhenTheFileCannotBeRead) {
+    EXPECT_EQ(owner_sentence(), "This station has no owner yet.");
+    std::filesystem::create_directory(owner_file_path);
+    EXPECT_EQ(owner_sentence(), "This station has no owner yet.");
+    owner_file_path += "/not/there";
+    EXPECT_EQ(owner_sentence(), "This station has no owner yet.");
+    owner_file_path = "";
+    EXPECT_EQ(owner_sentence(), "This station has no owner yet.");
+}
+
+TEST_F(StationOwner, IsOfferedInADialog) {
+    write_owner("alice\n");
+    handle_next_dialog([](GtkDialog* dialog) {
+        GtkWidget* accept = gtk_dialog_get_widget_for_response(dialog, GTK_RESPONSE_ACCEPT);
+        GtkWidget* close = gtk_dialog_get_widget_for_response(dialog, GTK_RESPONSE_CLOSE);
+        EXPECT_TRUE(has_class(accept, "primary"));
+        EXPECT_FALSE(has_class(close, "primary"));
+        gtk_dialog_response(dialog, GTK_RESPONSE_CLOSE);
+    });
+    EXPECT_FALSE(check_owner());
+    ASSERT_EQ(dialogs.size(), 1U);
+    EXPECT_EQ(dialogs[0].primary, std::string{"Make "} + g_get_user_name() + " the station owner?");
+    EXPECT_EQ(dialogs[0].secondary, "The station owner is alice." + rest);
+    EXPECT_EQ(dialogs[0].buttons, (std::vector<std::string>{"Close", "Make me the owner"}));
+    EXPECT_EQ(dialogs[0].responses, (std::vector<int>{GTK_RESPONSE_CLOSE, GTK_RESPONSE_ACCEPT}));
+    EXPECT_EQ(dialogs[0].type, GTK_MESSAGE_QUESTION);
+    EXPECT_TRUE(dialogs[0].modal);
+    EXPECT_EQ(dialogs[0].parent, GTK_WINDOW(widgets.window));
+    EXPECT_EQ(dialogs[0].default_button, "Close");
+}
+
+TEST_F(StationOwner, StaysWhoItIsUnlessTheOfferIsAccepted) {
+    for (const int answer : {GTK_RESPONSE_CLOSE, GTK_RESPONSE_DELETE_EVENT, GTK_RESPONSE_NONE,
+                             GTK_RESPONSE_OK, GTK_RESPONSE_CANCEL}) {
+        SCOPED_TRACE(answer);
+        answer_next_dialog(answer);
+        EXPECT_FALSE(check_owner());
+    }
+    handle_next_dialog([](GtkDialog* dialog) { press_key(GTK_WIDGET(dialog), GDK_KEY_Escape); });
+    EXPECT_FALSE(check_owner());
+    handle_next_dialog([](GtkDialog* dialog) { press_key(GTK_WIDGET(dialog), GDK_KEY_Return); });
+    EXPECT_FALSE(check_owner());
+    EXPECT_TRUE(commands.calls().empty());
+    EXPECT_TRUE(service.requests().empty());
+}
+
+TEST_F(StationOwner, IsChangedByTheAdministratorsCommand) {
+    service.will_answer_state(boost::json::serialize(state_document()));
+    answer_next_dialog(GTK_RESPONSE_ACCEPT);
+    EXPECT_TRUE(check_owner());
+    EXPECT_EQ(commands.calls(), (std::vector<std::string>{set_owner_call}));
+    ASSERT_EQ(service.requests().size(), 1U);
+    EXPECT_EQ(service.requests()[0].line(), "GET /api/state HTTP/1.1");
+    EXPECT_EQ(service.requests()[0].body, "");
+}
+
+TEST_F(StationOwner, StaysWhoItIsWhenTheCommandFails) {
+    service.will_answer_state(boost::json::serialize(state_document()));
+    for (const char* lines :
+         {"exit 1", "exit 126", "exit 127", "kill -KILL $$", "echo done; exit 2"}) {
+        SCOPED_TRACE(lines);
+        commands.forget_calls();
+        commands.will_run("pkexec", lines);
+        answer_next_dialog(GTK_RESPONSE_ACCEPT);
+        EXPECT_FALSE(check_owner());
+        EXPECT_EQ(commands.calls(), (std::vector<std::string>{set_owner_call}));
+    }
+    commands.remove("pkexec");
+    answer_next_dialog(GTK_RESPONSE_ACCEPT);
+    EXPECT_FALSE(check_owner());
+    EXPECT_TRUE(service.requests().empty());
+}
+
+TEST_F(StationOwner, GivesTheServiceTimeToTakeTheNewOwner) {
+    service.will_answer_once("GET", "/api/state", 403, "{}");
+    service.will_answer_once("GET", "/api/state", 500, "{}");
+    service.will_answer_state("not even JSON");
+    answer_next_dialog(GTK_RESPONSE_ACCEPT);
+    EXPECT_TRUE(check_owner());
+    EXPECT_EQ(tries(), 3U);
+}
+
+TEST_F(StationOwner, GivesUpAfterFiftyTries) {
+    service.will_answer("GET", "/api/state", 403, "{}");
+    answer_next_dialog(GTK_RESPONSE_ACCEPT);
+    EXPECT_FALSE(check_owner());
+    EXPECT_EQ(tries(), 50U);
+}
+
+TEST_F(StationOwner, LosesNoPatienceWhenSignalsCutThePausesShort) {
+    // Cut short, the pauses would make some thirty tries of this.
+    service.will_answer("GET", "/api/state", 403, "{}");
+    const auto ready = std::chrono::steady_clock::now() + 700ms;
+    service.before_answering("GET", "/api/state", [this, ready] {
+        if (std::chrono::steady_clock::now() >= ready)
+            service.will_answer_state("{}");
+    });
+    answer_next_dialog(GTK_RESPONSE_ACCEPT);
+    bool accepted = false;
+    {
+        const Interruptions interruptions;
+        accepted = check_owner();
+    }
+    EXPECT_TRUE(accepted);
+    EXPECT_LE(tries(), 6U);
+}
+
+TEST_F(StationOwner, TakesTheQuestionOffTheScreenBeforeTheCommandRuns) {
+    service.will_answer_state("{}");
+    commands.will_run("pkexec", "while [ ! -e \"$folder/looked\" ]; do /bin/sleep 0.01; done");
+    unsigned long question = 0;
+    handle_next_dialog([&question](GtkDialog* dialog) {
+        question = screen_id_of(GTK_WIDGET(dialog));
+        EXPECT_TRUE(wait_until([question] { return is_on_screen(question); }));
+        gtk_dialog_response(dialog, GTK_RESPONSE_ACCEPT);
+    });
+    bool still_there = true;
+    std::jthread onlooker{[&](std::stop_token stopping) {
+        const auto deadline = std::chrono::steady_clock::now() + 10s;
+        while (!stopping.stop_requested() && commands.calls().empty() &&
+               std::chrono::steady_clock::now() < deadline)
+            std::this_thread::sleep_for(1ms);
+        still_there = is_on_screen(question);
+        std::ofstream{commands.folder() / "looked"};
+    }};
+    EXPECT_TRUE(check_owner());
+    onlooker.join();
+    EXPECT_FALSE(still_there);
+}
+
+} // namespace
