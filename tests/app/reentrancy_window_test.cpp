@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: MIT
+// What happens when one action begins in the middle of another. Drawing a progress text and asking
+// a question both turn the main loop, and with it comes whatever the user or a timer does.
+#include "app/state_poll.h"
+#include "link/json_access.h"
+#include "receivers/find_devices.h"
+#include "receivers/linger.h"
+#include "status/listener_actions.h"
+#include "status/registration.h"
+#include "support/window_fixture.h"
+#include "ui/load_form.h"
+#include "ui/pending_events.h"
+#include "ui/save_settings.h"
+#include "ui/window.h"
+
+#include <algorithm>
+#include <map>
+
+namespace {
+
+/// Requests by method and target, and how often each has to come.
+using Requests = std::map<std::string, int>;
+
+/// An action of the window and what it sends when nothing comes into it.
+struct Action {
+    const char* name = nullptr;
+    std::function<void()> run{};
+    Requests sends{};
+    bool asks = false;         ///< answers a question first, else draws first or does neither
+    bool run_on_edits = false; ///< makes the form edited before it turns the main loop
+};
+
+void block_listener() {
+    listener_action(true);
+}
+
+void end_session() {
+    listener_action(false);
+}
+
+void press_linger_switch() {
+    gtk_widget_activate(widgets.linger_switch);
+    set_linger();
+}
+
+class Reentrancy : public WindowTest {
+protected:
+    Reentrancy() {
+        service.will_answer("GET", "/api/devices", 200, R"([
+            {"backend":"rtl-sdr","serial":"new","model":"Dongle","available":true}])");
+        service.will_answer("POST", "/api/register", 200, "{}");
+        service.will_answer("POST", "/api/kick", 200, "{}");
+        service.will_answer("POST", "/api/ban", 200, "{}");
+        service.will_answer("PUT", "/api/settings", 200, R"({"restart":false})");
+    }
+
+    ~Reentrancy() override { drain_events(); }
+
+    void begin() {
+        load(state_document());
+        type_into(widgets.register_email, "ann@hilltop.example");
+        gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(widgets.understand_check), TRUE);
+        GtkTreePath* first = gtk_tree_path_new_first();
+        gtk_tree_selection_select_path(
+            gtk_tree_view_get_selection(GTK_TREE_VIEW(widgets.listeners_view)), first);
+        gtk_tree_path_free(first);
+        drain_events();
+        service.forget_requests();
+    }
+
+    /// All but the reloads and polls, of which there may be any number.
+    Requests sent() const {
+        Requests counts;
+        for (const RecordedRequest& request : service.requests())
+            if (request.target != "/api/state")
+                ++counts[request.method + " " + request.target];
+        return counts;
+    }
+
+    void expect_a_window_at_rest() const {
+        EXPECT_TRUE(gtk_widget_get_sensitive(widgets.find_devices_button));
+        EXPECT_TRUE(gtk_widget_get_sensitive(widgets.register_button));
+        EXPECT_EQ(gtk_widget_get_sensitive(widgets.save_button), widgets.dirty);
+        EXPECT_FALSE(widgets.loading);
+        EXPECT_FALSE(widgets.linger_guard);
+        EXPECT_NE(text_of(widgets.receivers_status), "Looking for receivers…");
+        EXPECT_NE(text_of(widgets.footer_status), "Registering…");
+        EXPECT_EQ(status_class_of(widgets.header_dot), "good");
+        for (const Receiver& receiver : widgets.receiver_list)
+            EXPECT_TRUE(GTK_IS_SWITCH(receiver.share_switch));
+    }
+};
+
+TEST_F(Reentrancy, EveryActionMayBeginInTheMiddleOfEveryOther) {
+    const Action find{"find devices", find_devices, {{"GET /api/devices", 1}}};
+    const Action enrol{"register", register_station, {{"POST /api/register", 1}}};
+    const Action block{
+        "block", block_listener, {{"POST /api/ban", 1}, {"POST /api/kick", 1}}, true};
+    const Action end{"end session", end_session, {{"POST /api/kick", 1}}};
+    const Action save{"save", [] { save_settings(); }, {{"PUT /api/settings", 1}}};
+    const Action close{"close and cancel",
+                       [] {
+                           type_into("station.name", "Edited");
+                           EXPECT_TRUE(confirm_close());
+                           load_form();
+                       },
+                       {},
+                       true,
+                       true};
+    const Action reload{"load", load_form, {}};
+    const Action poll_once{"poll", [] { poll_state(nullptr); }, {}};
+    const Action linger{"linger", press_linger_switch, {}};
+    const Action turn_page{"turn the page", [] { show_page_at_once("internet"); }, {}};
+
+    // Those that turn the main loop; any action may come into them.
+    const Action outer_actions[] = {find, enrol, block, close};
+    const Action inner_actions[] = {find,   enrol,     block,  end,      save,
+                                    reload, poll_once, linger, turn_page};
+    for (const Action& outer : outer_actions) {
+        for (const Action& inner : inner_actions) {
+            SCOPED_TRACE(testing::Message() << inner.name << " in the middle of " << outer.name);
+            begin();
+            struct Intruder {
+                std::function<void()> run{};
+                bool ran = false;
+            } intruder{[this, &inner] {
+                if (inner.asks)
+                    answer_next_dialog(GTK_RESPONSE_OK);
+                inner.run();
+            }};
+            if (outer.asks) {
+                const bool blocks = std::string_view{outer.name} == "block";
+                answer_next_dialog(blocks ? GTK_RESPONSE_OK : GTK_RESPONSE_CANCEL, [&intruder] {
+                    intruder.ran = true;
+                    intruder.run();
+                });
+            } else {
+                const auto intrude = +[](gpointer data) -> gboolean {
+                    Intruder* self = static_cast<Intruder*>(data);
+                    self->ran = true;
+                    self->run();
+                    return G_SOURCE_REMOVE;
+                };
+                g_idle_add_full(G_PRIORITY_HIGH, intrude, &intruder, nullptr);
+            }
+            outer.run();
+            EXPECT_TRUE(intruder.ran);
+            drain_events();
+
+            Requests expected = outer.sends;
+            // What draws a progress text begins once; a question may stand twice.
+            if (std::string_view{inner.name} != outer.name || outer.asks)
+                for (const auto& [request, count] : inner.sends)
+                    expected[request] += count;
+            // The question is about edits, and a registration saves them first.
+            if (outer.run_on_edits && std::string_view{inner.name} == enrol.name)
+                ++expected["PUT /api/settings"];
+            EXPECT_EQ(sent(), expected);
+            expect_a_window_at_rest();
+        }
+    }
+}
+
+TEST_F(Reentrancy, ASaveInTheMiddleOfADiscoveryKeepsBoth) {
+    begin();
+    type_into("station.name", "Edited");
+    const auto save = +[](gpointer) -> gboolean {
+        save_settings();
+        return G_SOURCE_REMOVE;
+    };
+    g_idle_add_full(G_PRIORITY_HIGH, save, nullptr, nullptr);
+    find_devices();
+    ASSERT_EQ(service.requests("PUT", "/api/settings").size(), 1U);
+    EXPECT_EQ(
+        json::parse(service.requests("PUT", "/api/settings")[0].body).at("station").at("name"),
+        json::value("Edited"));
+    EXPECT_EQ(widgets.receiver_list.size(), 3U);
+    EXPECT_EQ(text_of(widgets.receivers_status), "1 found, 1 new: switch on the ones to share.");
+    EXPECT_EQ(text_of(widgets.footer_status), "Saved.");
+}
+
+TEST_F(Reentrancy, ALoadInTheMiddleOfADiscoveryLeavesNoRowOfTheOldList) {
+    begin();
+    service.will_answer_state(
+        json::serialize(with(state_document(), "settings.receivers", json::array{})));
+    const auto reload = +[](gpointer) -> gboolean {
+        load_form();
+        return G_SOURCE_REMOVE;
+    };
+    g_idle_add_full(G_PRIORITY_HIGH, reload, nullptr, nullptr);
+    find_devices();
+    ASSERT_EQ(widgets.receiver_list.size(), 1U);
+    EXPECT_EQ(widgets.receiver_list[0].serial, "new");
+    EXPECT_EQ(children_of(widgets.receiver_rows_box).size(), 1U);
+}
+
+TEST_F(Reentrancy, APollInTheMiddleOfTheQuestionLeavesTheQuestion) {
+    begin();
+    answer_next_dialog(GTK_RESPONSE_CANCEL, [this] {
+        poll(with(state_document(), "status.listeners", json::array{}));
+        EXPECT_EQ(text_of(widgets.listeners_title), "Listening now · 0 of 8");
+    });
+    listener_action(true);
+    EXPECT_EQ(dialogs.size(), 1U);
+    EXPECT_TRUE(sent().empty());
+    drain_events();
+    EXPECT_FALSE(gtk_widget_get_sensitive(widgets.block_button));
+}
+
+} // namespace
