@@ -234,4 +234,16 @@ TEST_F(ListenerActions, LoseNoPressOnTheOtherButtonMeanwhile) {
     EXPECT_TRUE(gtk_widget_get_sensitive(widgets.end_session_button));
 }
 
+using ListenerActionsInAWindowOfItsOwn = FreshWindowTest;
+
+TEST_F(ListenerActionsInAWindowOfItsOwn, SendNothingWhenTheWindowIsClosedDuringTheQuestion) {
+    gtk_list_store_insert_with_values(widgets.listeners_store, nullptr, -1, 0, 5, 1, "192.0.2.5",
+                                      -1);
+    select_listener(0);
+    answer_next_dialog(GTK_RESPONSE_OK, [] { gtk_widget_destroy(widgets.window); });
+    listener_action(true);
+    EXPECT_EQ(widgets.window, nullptr);
+    EXPECT_TRUE(service.requests().empty());
+}
+
 } // namespace
