@@ -1,0 +1,422 @@
+// SPDX-License-Identifier: MIT
+// Documents that a broken or hostile service sends, one for every member of every document: the
+// member missing, of every other kind, and with every content that a text or a number can have.
+//
+// Where the program is to end, the library's error has to leave the handler; everywhere else the
+// window shows what it would with the member's default. A warning of the toolkit fails the test.
+#include "app/state_poll.h"
+#include "link/json_access.h"
+#include "receivers/find_devices.h"
+#include "status/registration.h"
+#include "status/render_state.h"
+#include "support/document_members.h"
+#include "support/window_fixture.h"
+#include "ui/change_tracking.h"
+#include "ui/form_widgets.h"
+#include "ui/load_form.h"
+#include "ui/save_settings.h"
+
+#include <algorithm>
+#include <sstream>
+
+namespace {
+
+/// Stands for a text in a document until the raw bytes take its place.
+constexpr const char* placeholder = "raw-bytes-go-here";
+
+std::string replaced(std::string text, std::string_view what, std::string_view by) {
+    const std::size_t at = text.find(what);
+    EXPECT_NE(at, std::string::npos) << what << " is not in " << text;
+    return at == std::string::npos ? text : text.replace(at, what.size(), by);
+}
+
+/// What a widget shows, in one line; "" for what shows nothing itself.
+std::string content_of(GtkWidget* widget) {
+    std::string content;
+    if (GTK_IS_LABEL(widget))
+        content = text_of(widget);
+    else if (GTK_IS_SPIN_BUTTON(widget))
+        content = std::to_string(gtk_spin_button_get_value(GTK_SPIN_BUTTON(widget)));
+    else if (GTK_IS_ENTRY(widget))
+        content = gtk_entry_get_text(GTK_ENTRY(widget));
+    else if (GTK_IS_SWITCH(widget))
+        content = gtk_switch_get_active(GTK_SWITCH(widget)) ? "on" : "off";
+    else if (GTK_IS_TOGGLE_BUTTON(widget))
+        content = gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(widget)) ? "down" : "up";
+    else if (GTK_IS_TEXT_VIEW(widget)) {
+        GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(widget));
+        GtkTextIter start;
+        GtkTextIter end;
+        gtk_text_buffer_get_bounds(buffer, &start, &end);
+        char* text = gtk_text_buffer_get_text(buffer, &start, &end, TRUE);
+        content = text;
+        g_free(text);
+    } else if (GTK_IS_TREE_VIEW(widget)) {
+        GtkTreeModel* model = gtk_tree_view_get_model(GTK_TREE_VIEW(widget));
+        GtkTreeIter iter;
+        for (gboolean more = gtk_tree_model_get_iter_first(model, &iter); more;
+             more = gtk_tree_model_iter_next(model, &iter)) {
+            for (int column = 0; column < gtk_tree_model_get_n_columns(model); ++column) {
+                if (gtk_tree_model_get_column_type(model, column) == G_TYPE_INT) {
+                    gint number = 0;
+                    gtk_tree_model_get(model, &iter, column, &number, -1);
+                    content.append(std::to_string(number)).append("|");
+                } else {
+                    char* text = nullptr;
+                    gtk_tree_model_get(model, &iter, column, &text, -1);
+                    content.append(text ? text : "").append("|");
+                    g_free(text);
+                }
+            }
+        }
+    } else {
+        return "";
+    }
+    return content + (gtk_widget_get_visible(widget) ? "" : " (hidden)") + " " +
+           status_class_of(widget);
+}
+
+std::string contents_below(GtkWidget* root) {
+    std::string contents;
+    for (GtkWidget* widget : tree_of(root))
+        if (const std::string content = content_of(widget); !content.empty())
+            contents.append(content).append("\n");
+    return contents;
+}
+
+std::string contents_of_window() {
+    return contents_below(widgets.window);
+}
+
+/// What a pass over the station's state writes. Whether a status line is hidden is not its doing:
+/// that follows the form's switch.
+std::string contents_of_status() {
+    std::string contents =
+        contents_below(gtk_stack_get_child_by_name(GTK_STACK(widgets.stack), "overview"));
+    for (GtkWidget* label :
+         {widgets.header_status, widgets.header_dot, widgets.reachability_label,
+          widgets.port_status_label, widgets.port_hint_label, widgets.listing_status_label})
+        contents.append(text_of(label) + " " + status_class_of(label) + "\n");
+    return contents;
+}
+
+GtkWidget* widget_bound_to(const DocumentMember& member) {
+    constexpr std::string_view beginning = "settings.";
+    for (const FieldBinding& binding : widgets.field_registry)
+        if (member.document == "state" && member.path == std::string{beginning} + binding.key)
+            return binding.widget;
+    return nullptr;
+}
+
+class BrokenDocuments : public WindowTest {
+protected:
+    BrokenDocuments() {
+        commands.remove("loginctl"); // every load would run it
+        load(state_document());
+        sound_contents_ = contents_of_window();
+    }
+
+    /// Lets the service send this in place of the member's document, and the program read it.
+    /// True when the library's error left the handler.
+    bool ends_at(const DocumentMember& member, const std::string& text) {
+        try {
+            read(member.document, text);
+        } catch (const std::exception&) {
+            widgets.loading = false;
+            return true;
+        }
+        return false;
+    }
+
+    bool ends_at(const DocumentMember& member, const json::value& document) {
+        return ends_at(member, json::serialize(document));
+    }
+
+    /// What the window shows after reading a sound document and then this one.
+    std::string contents_after(const DocumentMember& member, const json::value& document,
+                               bool status_only = false) {
+        show_sound(member);
+        EXPECT_FALSE(ends_at(member, document));
+        return status_only ? contents_of_status() : contents_of_window();
+    }
+
+    /// The window is alive: it shows a sound document as it always did.
+    void expect_recovery() {
+        shown_document.clear();
+        load(state_document());
+        clear_what_actions_left();
+        EXPECT_EQ(contents_of_window(), sound_contents_);
+    }
+
+    void show_sound(const DocumentMember& member) {
+        service.will_answer_state(
+            json::serialize(member.document == "state" ? document_with(member) : state_document()));
+        shown_document.clear();
+        load_form();
+    }
+
+    /// Those members of the table that a test is about.
+    template <class Condition>
+    static std::vector<DocumentMember> members_that(Condition condition) {
+        std::vector<DocumentMember> chosen;
+        std::copy_if(document_members().begin(), document_members().end(),
+                     std::back_inserter(chosen), condition);
+        EXPECT_FALSE(chosen.empty());
+        return chosen;
+    }
+
+private:
+    void read(const std::string& document, const std::string& text) {
+        shown_document.clear();
+        if (document == "state") {
+            service.will_answer_state(text);
+            load_form();
+        } else if (document == "devices") {
+            service.will_answer("GET", "/api/devices", 200, text);
+            find_devices();
+        } else if (document == "saved") {
+            service.will_answer("PUT", "/api/settings", 200, text);
+            save_settings();
+        } else if (document == "save refusal") {
+            service.will_answer("PUT", "/api/settings", 409, text);
+            save_settings();
+        } else if (document == "registration refusal") {
+            service.will_answer("POST", "/api/register", 409, text);
+            gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(widgets.understand_check), TRUE);
+            gtk_entry_set_text(GTK_ENTRY(widgets.register_email), "ann@hilltop.example");
+            mark_clean();
+            register_station();
+        } else {
+            FAIL() << "no such document: " << document;
+        }
+    }
+
+    static void clear_what_actions_left() {
+        show_footer({});
+        gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(widgets.understand_check), FALSE);
+        gtk_entry_set_text(GTK_ENTRY(widgets.register_email), "");
+    }
+
+    std::string sound_contents_{};
+};
+
+TEST_F(BrokenDocuments, AMissingMemberIsItsDefaultOrTheEnd) {
+    for (const DocumentMember& member :
+         members_that([](const DocumentMember& m) { return !m.path.empty(); })) {
+        SCOPED_TRACE(testing::Message() << member);
+        const json::value document = document_with(member);
+        const json::value lacking = without(document, member.path);
+        show_sound(member);
+        GtkWidget* bound = widget_bound_to(member);
+        const std::string before = bound ? content_of(bound) : "";
+        EXPECT_EQ(ends_at(member, lacking), member.missing.ends);
+        if (bound) {
+            // A key that the service does not send leaves its widget as it is.
+            EXPECT_EQ(content_of(bound), before);
+        }
+        if (member.missing.like) {
+            const bool status_only = bound != nullptr;
+            EXPECT_EQ(contents_after(member, lacking, status_only),
+                      contents_after(member, with(document, member.path, *member.missing.like),
+                                     status_only));
+        }
+        if (member.missing.ends)
+            expect_recovery();
+    }
+    expect_recovery();
+}
+
+TEST_F(BrokenDocuments, AMemberOfAnotherKindIsItsDefaultOrTheEnd) {
+    for (const DocumentMember& member : document_members()) {
+        SCOPED_TRACE(testing::Message() << member);
+        const json::value document = document_with(member);
+        std::string expected;
+        if (member.wrong.like)
+            expected = contents_after(member, with(document, member.path, *member.wrong.like));
+        for (const json::value& value : values_of_other_kinds(member)) {
+            SCOPED_TRACE(json::serialize(value));
+            const json::value bent =
+                member.path.empty() ? value : with(document, member.path, value);
+            if (member.document != "state")
+                show_sound(member); // these documents add to what is there
+            EXPECT_EQ(ends_at(member, bent), member.wrong.ends);
+            if (!member.wrong.ends) {
+                EXPECT_EQ(contents_of_window(), expected);
+            }
+        }
+    }
+    expect_recovery();
+}
+
+TEST_F(BrokenDocuments, APollEndsWhereALoadEndsForWhatTheStatusSays) {
+    for (const DocumentMember& member : members_that([](const DocumentMember& m) {
+             return m.document == "state" && m.path.starts_with("status");
+         })) {
+        SCOPED_TRACE(testing::Message() << member);
+        load(document_with(member));
+        service.will_answer_state(json::serialize(without(document_with(member), member.path)));
+        if (member.missing.ends)
+            EXPECT_THROW(poll_state(nullptr), std::exception);
+        else
+            EXPECT_NO_THROW(poll_state(nullptr));
+        for (const json::value& value : values_of_other_kinds(member)) {
+            SCOPED_TRACE(json::serialize(value));
+            load(document_with(member));
+            service.will_answer_state(
+                json::serialize(with(document_with(member), member.path, value)));
+            if (member.wrong.ends)
+                EXPECT_THROW(poll_state(nullptr), std::exception);
+            else
+                EXPECT_NO_THROW(poll_state(nullptr));
+        }
+    }
+    expect_recovery();
+}
+
+TEST_F(BrokenDocuments, MarkupInATextIsShownAsItIs) {
+    const std::string text = "<b>not-bold</b> & <span foreground='red'>&lt;not-red";
+    for (const DocumentMember& member :
+         members_that([](const DocumentMember& m) { return m.kind == json::kind::string; })) {
+        SCOPED_TRACE(testing::Message() << member);
+        std::istringstream contents{
+            contents_after(member, with(document_with(member), member.path, json::value(text)))};
+        bool shown = false;
+        for (std::string line; std::getline(contents, line);) {
+            if (line.find("not-bold") == std::string::npos)
+                continue;
+            shown = true;
+            EXPECT_NE(line.find(text), std::string::npos) << line;
+        }
+        EXPECT_EQ(shown, member.shown);
+    }
+    expect_recovery();
+}
+
+TEST_F(BrokenDocuments, AnyCharactersAndAnyLengthOfATextLeaveTheWindowAlive) {
+    const struct {
+        const char* what;
+        std::string escaped; ///< between quotation marks, in the document
+    } cases[] = {
+        {"control characters", R"(\u0001\b\t\n\u000b\f\r\u001b[31m\u007f\u0085\u009b)"},
+        {"a zero byte", R"(before\u0000after)"},
+        {"bidirectional overrides", R"(\u202egnp.exe\u202c\u2066\u2067\u2069\u200f\u061c)"},
+        {"what is no character", R"(\ufffe\uffff\ufdd0\ud83f\udfff\ufeff)"},
+    };
+    for (const DocumentMember& member :
+         members_that([](const DocumentMember& m) { return m.kind == json::kind::string; })) {
+        SCOPED_TRACE(testing::Message() << member);
+        const std::string document =
+            json::serialize(with(document_with(member), member.path, placeholder));
+        for (const auto& c : cases) {
+            SCOPED_TRACE(c.what);
+            EXPECT_FALSE(ends_at(member, replaced(document, placeholder, c.escaped)));
+        }
+    }
+    expect_recovery();
+}
+
+TEST_F(BrokenDocuments, ATextOfAMegabyteLeavesTheWindowAlive) {
+    const std::string text(1 << 20, 'm');
+    for (const DocumentMember& member :
+         members_that([](const DocumentMember& m) { return m.kind == json::kind::string; })) {
+        SCOPED_TRACE(testing::Message() << member);
+        EXPECT_FALSE(ends_at(member, with(document_with(member), member.path, json::value(text))));
+    }
+    expect_recovery();
+}
+
+TEST_F(BrokenDocuments, TextThatIsNoUnicodeIsTheEnd) {
+    const struct {
+        const char* what;
+        std::string bytes;
+    } cases[] = {
+        {"a first half of a surrogate pair alone", R"(\ud800)"},
+        {"a first half before a letter", R"(\ud800a)"},
+        {"a second half alone", R"(\udc00)"},
+        {"two first halves", R"(\ud800\ud800)"},
+        {"a byte that begins nothing", "\xff"},
+        {"a continuation alone", "\x80"},
+        {"a character cut off", "\xe2\x82"},
+        {"an overlong slash", "\xc0\xaf"},
+        {"a surrogate in UTF-8", "\xed\xa0\x80"},
+        {"beyond the last character", "\xf4\x90\x80\x80"},
+        {"a raw control character", "\x01"},
+    };
+    for (const DocumentMember& member :
+         members_that([](const DocumentMember& m) { return m.kind == json::kind::string; })) {
+        SCOPED_TRACE(testing::Message() << member);
+        const std::string document =
+            json::serialize(with(document_with(member), member.path, placeholder));
+        for (const auto& c : cases) {
+            SCOPED_TRACE(c.what);
+            EXPECT_TRUE(ends_at(member, replaced(document, placeholder, c.bytes)));
+        }
+    }
+    expect_recovery();
+}
+
+TEST_F(BrokenDocuments, AnyNumberLeavesTheWindowAliveAndAWholeOneStopsAtItsEnds) {
+    // In the order: as the service writes it, what 32 bits make of it, what 64 bits make of it.
+    const struct {
+        const char* written;
+        std::int64_t in_32_bits;
+        std::int64_t in_64_bits;
+    } cases[] = {
+        {"0", 0, 0},
+        {"-1", -1, -1},
+        {"-0.9", 0, 0},
+        {"2.9", 2, 2},
+        {"2147483647", 2147483647, 2147483647},
+        {"2147483648", 2147483647, 2147483648},
+        {"-2147483649", -2147483648, -2147483649},
+        {"9223372036854775808", 2147483647, 9223372036854775807},
+        {"18446744073709551615", 2147483647, 9223372036854775807},
+        {"-1e300", -2147483648, INT64_MIN},
+        {"1e999", 2147483647, 9223372036854775807},
+        {"-1e999", -2147483648, INT64_MIN},
+    };
+    for (const DocumentMember& member :
+         members_that([](const DocumentMember& m) { return m.kind == json::kind::double_; })) {
+        SCOPED_TRACE(testing::Message() << member);
+        const json::value document = document_with(member);
+        const std::string with_placeholder =
+            json::serialize(with(document, member.path, placeholder));
+        const std::string quoted = '"' + std::string{placeholder} + '"';
+        for (const auto& c : cases) {
+            SCOPED_TRACE(c.written);
+            EXPECT_FALSE(ends_at(member, replaced(with_placeholder, quoted, c.written)));
+            if (member.whole == 0)
+                continue;
+            const std::string status = contents_of_status();
+            const std::int64_t whole = member.whole == 32 ? c.in_32_bits : c.in_64_bits;
+            EXPECT_FALSE(ends_at(member, with(document, member.path, whole)));
+            EXPECT_EQ(status, contents_of_status());
+        }
+    }
+    expect_recovery();
+}
+
+TEST_F(BrokenDocuments, AListenerThatHasNotTunedNeedsNoModeAndShowsNone) {
+    json::value document = state_document();
+    for (const char* name : {"f", "mode", "listening"})
+        document = without(document, std::string{"status.listeners.0."} + name);
+    load(document);
+    const std::string tuned_out = contents_of_status();
+    load(without(state_document(), "status.listeners.0.f"));
+    EXPECT_EQ(contents_of_status(), tuned_out);
+}
+
+TEST_F(BrokenDocuments, ACertificateWithoutANameMakesNoAddressAndOneWithoutAnEndNoDate) {
+    load(without(state_document(), "status.https.name"));
+    EXPECT_STREQ(gtk_button_get_label(GTK_BUTTON(widgets.station_link)), "http://192.0.2.7:8073/");
+    EXPECT_EQ(text_of(widgets.port_hint_label),
+              "✓ Secure address:  (certificate renews itself; good until 1 January 2027).");
+    load(without(state_document(), "status.https.expires"));
+    EXPECT_EQ(text_of(widgets.port_hint_label),
+              "✓ Secure address: https://k1abc.example:8073/ (certificate renews itself; good "
+              "until ).");
+    load(with(without(state_document(), "status.https.name"), "status.https.state", "requesting"));
+    EXPECT_EQ(text_of(widgets.port_hint_label), "Getting a certificate for the station…");
+}
+
+} // namespace
