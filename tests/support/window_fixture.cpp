@@ -360,6 +360,8 @@ WindowTest::WindowTest() : socket_path_before_{settings_socket_path} {
     gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(widgets.understand_check), FALSE);
     gtk_entry_set_text(GTK_ENTRY(widgets.register_email), "");
     gtk_window_set_focus(GTK_WINDOW(widgets.window), nullptr);
+    gtk_tree_selection_unselect_all(
+        gtk_tree_view_get_selection(GTK_TREE_VIEW(widgets.listeners_view)));
     mark_clean();
     show_page_at_once("overview");
     watch_ = g_timeout_add(look_interval_ms, look_for_dialog, this);
