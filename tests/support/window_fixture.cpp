@@ -5,6 +5,7 @@
 #include "app/state_poll.h"
 #include "link/json_access.h"
 #include "link/service_link.h"
+#include "status/render_state.h"
 #include "ui/change_tracking.h"
 #include "ui/form_widgets.h"
 #include "ui/load_form.h"
@@ -179,7 +180,7 @@ class TheWindow : public testing::Environment {
 public:
     void SetUp() override {
         start_up_as_the_program_does();
-        make_accessible_relations_when_idle();
+        finish_window_when_idle();
         drain_events();
     }
     void TearDown() override {
@@ -315,6 +316,16 @@ void press_mouse(GtkWidget* widget) {
 
 void release_mouse(GtkWidget* widget) {
     send_button(widget, GDK_BUTTON_RELEASE);
+    const Spot spot = middle_of(widget);
+    if (!spot.window)
+        return;
+    const Event event{gdk_event_new(GDK_LEAVE_NOTIFY)};
+    event->crossing.window = GDK_WINDOW(g_object_ref(spot.window));
+    event->crossing.time = GDK_CURRENT_TIME;
+    event->crossing.mode = GDK_CROSSING_NORMAL;
+    event->crossing.detail = GDK_NOTIFY_NONLINEAR;
+    gdk_event_set_device(event.get(), pointer());
+    gtk_main_do_event(event.get());
 }
 
 void turn_wheel(GtkWidget* widget, GdkScrollDirection direction) {
@@ -355,6 +366,7 @@ WindowTest::WindowTest() : socket_path_before_{settings_socket_path} {
     settings_socket_path = service.socket_path();
     settings_object = {};
     status_object = {};
+    shown_document.clear();
     set_label_text(widgets.footer_status, "");
     set_status_class(widgets.footer_status, StatusClass::none);
     gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(widgets.understand_check), FALSE);

@@ -80,7 +80,8 @@ void type_into(GtkWidget* entry, const std::string& text);
 
 /// Clicks a button that has to be sensitive and on a visible page or in a dialog.
 void click(GtkWidget* button);
-/// The two halves of a mouse click with the first button in the middle of a widget.
+/// The two halves of a mouse click with the first button in the middle of a widget. The pointer
+/// leaves the widget afterwards.
 void press_mouse(GtkWidget* widget);
 void release_mouse(GtkWidget* widget);
 /// Turns the mouse wheel by one notch over the middle of a widget, through all that lies below.

@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: MIT
+#include "ui/pending_events.h"
+
+#include "support/window_fixture.h"
+#include "ui/form_widgets.h"
+
+namespace {
+
+using PendingEvents = WindowTest;
+
+/// Counts the frames that are drawn while it lives.
+class FrameCount {
+public:
+    explicit FrameCount(GtkWidget* widget) : clock_{gtk_widget_get_frame_clock(widget)} {
+        const auto on_painted = +[](GdkFrameClock*, int* count) { ++*count; };
+        handler_ = g_signal_connect(clock_, "after-paint", G_CALLBACK(on_painted), &count_);
+    }
+    ~FrameCount() { g_signal_handler_disconnect(clock_, handler_); }
+    FrameCount(const FrameCount&) = delete;
+    FrameCount& operator=(const FrameCount&) = delete;
+    int count() const { return count_; }
+
+private:
+    GdkFrameClock* clock_;
+    gulong handler_ = 0;
+    int count_ = 0;
+};
+
+TEST_F(PendingEvents, DrawNowDrawsWhatWasJustWritten) {
+    int draws = 0;
+    const auto on_draw = +[](GtkWidget*, cairo_t*, int* count) -> gboolean {
+        ++*count;
+        return GDK_EVENT_PROPAGATE;
+    };
+    const gulong handler =
+        g_signal_connect(widgets.footer_status, "draw", G_CALLBACK(on_draw), &draws);
+    for (const char* text : {"Working…", "Still working…"}) {
+        draws = 0;
+        show_footer({text, StatusClass::none});
+        draw_now();
+        EXPECT_GT(draws, 0) << text;
+    }
+    g_signal_handler_disconnect(widgets.footer_status, handler);
+}
+
+TEST_F(PendingEvents, DrawNowWaitsForNoWindowThatIsNotThere) {
+    const WidgetRecord before = widgets;
+    widgets.window = nullptr;
+    draw_now();
+    widgets = before;
+    FrameCount frames{widgets.window};
+    draw_now();
+    EXPECT_GT(frames.count(), 0);
+}
+
+TEST_F(PendingEvents, RunPendingEventsRunsThemAllAndWaitsForNone) {
+    int runs = 0;
+    const auto on_idle = +[](gpointer count) -> gboolean {
+        return ++*static_cast<int*>(count) < 3 ? G_SOURCE_CONTINUE : G_SOURCE_REMOVE;
+    };
+    g_idle_add(on_idle, &runs);
+    run_pending_events();
+    EXPECT_EQ(runs, 3);
+    run_pending_events();
+    EXPECT_EQ(runs, 3);
+}
+
+using NewWindow = FreshWindowTest;
+
+TEST_F(NewWindow, IsMappedAndDrawn) {
+    EXPECT_TRUE(gtk_widget_get_mapped(widgets.window));
+    EXPECT_TRUE(gdk_window_is_visible(gtk_widget_get_window(widgets.window)));
+}
+
+TEST_F(NewWindow, MayBeGoneBeforeItIsDrawn) {
+    gtk_widget_hide(widgets.window);
+    const auto destroy = +[](gpointer) -> gboolean {
+        gtk_widget_destroy(widgets.window);
+        return G_SOURCE_REMOVE;
+    };
+    g_idle_add_full(G_PRIORITY_HIGH, destroy, nullptr, nullptr);
+    wait_until_window_is_drawn();
+    EXPECT_EQ(widgets.window, nullptr);
+}
+
+class Busy : public WindowTest {
+protected:
+    Busy() {
+        load(state_document());
+        show_page_at_once("receivers");
+    }
+    static bool sensitive() { return gtk_widget_get_sensitive(widgets.find_devices_button); }
+    static GdkCursor* pointer() {
+        return gdk_window_get_cursor(gtk_widget_get_window(widgets.window));
+    }
+};
+
+bool never() {
+    return false;
+}
+
+TEST_F(Busy, GreysItsButtonAndShowsTheBusyPointer) {
+    {
+        const BusyWith busy{widgets.find_devices_button};
+        EXPECT_FALSE(sensitive());
+        EXPECT_NE(pointer(), nullptr);
+    }
+    EXPECT_EQ(pointer(), nullptr);
+    EXPECT_FALSE(sensitive()) << "presses that wait must find it grey";
+    drain_events();
+    EXPECT_TRUE(sensitive());
+}
+
+TEST_F(Busy, LosesThePressesThatWaited) {
+    int presses = 0;
+    const auto on_clicked = +[](GtkButton*, int* count) { ++*count; };
+    GtkWidget* button = widgets.copy_link_button;
+    show_page_at_once("overview");
+    const gulong handler = g_signal_connect(button, "clicked", G_CALLBACK(on_clicked), &presses);
+    { const BusyWith busy{button}; }
+    press_mouse(button);
+    release_mouse(button);
+    EXPECT_EQ(presses, 0);
+    drain_events();
+    press_mouse(button);
+    release_mouse(button);
+    EXPECT_EQ(presses, 1);
+    g_signal_handler_disconnect(button, handler);
+}
+
+TEST_F(Busy, LeavesTheButtonGreyWhereItsStateSaysSo) {
+    { const BusyWith busy{widgets.find_devices_button, never}; }
+    drain_events();
+    EXPECT_FALSE(sensitive());
+    gtk_widget_set_sensitive(widgets.find_devices_button, TRUE);
+}
+
+TEST_F(Busy, GivesTheFocusBackUnlessItMovedOn) {
+    gtk_widget_grab_focus(widgets.find_devices_button);
+    { const BusyWith busy{widgets.find_devices_button}; }
+    drain_events();
+    EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(widgets.window)), widgets.find_devices_button);
+    {
+        const BusyWith busy{widgets.find_devices_button};
+        gtk_widget_grab_focus(field("attach"));
+    }
+    drain_events();
+    EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(widgets.window)), field("attach"));
+}
+
+TEST_F(Busy, NeedsNoButton) {
+    {
+        const BusyWith busy{nullptr};
+        EXPECT_NE(pointer(), nullptr);
+    }
+    EXPECT_EQ(pointer(), nullptr);
+}
+
+TEST(OnlyOnceTest, LetsTheFirstInUntilItIsOver) {
+    bool running = false;
+    {
+        const OnlyOnce first{running};
+        EXPECT_TRUE(first.is_first());
+        {
+            const OnlyOnce second{running};
+            EXPECT_FALSE(second.is_first());
+        }
+        EXPECT_TRUE(running);
+    }
+    EXPECT_FALSE(running);
+}
+
+} // namespace
