@@ -13,6 +13,7 @@
 #include "ui/pending_events.h"
 #include "ui/window.h"
 
+#include <boost/json/value.hpp>
 #include <unistd.h>
 
 #include <clocale>

@@ -7,6 +7,8 @@
 #include "status/overview_page.h"
 #include "status/render_state.h"
 
+#include <boost/json/value.hpp>
+
 namespace {
 
 /// Time limit of the request, in seconds. Shorter than elsewhere: the window stands still

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "link/json_access.h"
 
+#include <boost/json/monotonic_resource.hpp>
+#include <boost/json/parse.hpp>
+#include <boost/json/value.hpp>
+
 #include <cmath>
 #include <limits>
 #include <memory>

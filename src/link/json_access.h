@@ -7,7 +7,7 @@
 // in words which member was at fault.
 #pragma once
 
-#include <boost/json.hpp>
+#include <boost/json/fwd.hpp>
 
 #include <cstdint>
 #include <string>

@@ -7,6 +7,8 @@
 #include "ui/form_widgets.h"
 #include "ui/pending_events.h"
 
+#include <boost/json/value.hpp>
+
 namespace {
 
 /// Time limit of the request, in seconds: drivers take their time to look.

@@ -3,6 +3,8 @@
 
 #include "link/json_access.h"
 
+#include <boost/json/value.hpp>
+
 #include <algorithm>
 #include <cmath>
 

@@ -5,7 +5,7 @@
 // are its backend and serial number together, byte for byte.
 #pragma once
 
-#include <boost/json.hpp>
+#include <boost/json/fwd.hpp>
 
 #include <cstddef>
 #include <string>

@@ -6,6 +6,8 @@
 #include "status/lan_address.h"
 #include "ui/form_widgets.h"
 
+#include <boost/json/value.hpp>
+
 void draw_internet_status(const StationState& state) {
     draw_port_instructions();
     show_status_line(widgets.port_status_label, reach_line(state));

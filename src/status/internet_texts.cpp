@@ -4,6 +4,8 @@
 #include "link/build_constants.h"
 #include "link/json_access.h"
 
+#include <boost/json/value.hpp>
+
 #include <ctime>
 #include <iterator>
 #include <type_traits>

@@ -5,7 +5,7 @@
 #include "status/station_state.h"
 #include "status/status_line.h"
 
-#include <boost/json.hpp>
+#include <boost/json/fwd.hpp>
 
 #include <cstdint>
 #include <optional>

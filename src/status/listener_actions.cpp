@@ -10,6 +10,9 @@
 #include "ui/load_form.h"
 #include "ui/pending_events.h"
 
+#include <boost/json/serialize.hpp>
+#include <boost/json/value.hpp>
+
 namespace {
 
 /// Time limit of each request, in seconds.

@@ -5,6 +5,8 @@
 #include "status/overview_texts.h"
 #include "ui/form_widgets.h"
 
+#include <boost/json/value.hpp>
+
 #include <algorithm>
 #include <array>
 #include <unordered_set>

@@ -6,6 +6,8 @@
 #include "status/overview_texts.h"
 #include "ui/form_widgets.h"
 
+#include <boost/json/value.hpp>
+
 #include <cstring>
 #include <string>
 

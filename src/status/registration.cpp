@@ -11,6 +11,9 @@
 #include "ui/pending_events.h"
 #include "ui/save_settings.h"
 
+#include <boost/json/serialize.hpp>
+#include <boost/json/value.hpp>
+
 namespace {
 
 /// Time limit of the request, in seconds: the service asks the station list meanwhile.

@@ -3,6 +3,8 @@
 
 #include "link/json_access.h"
 
+#include <boost/json/value.hpp>
+
 namespace {
 
 const json::object& object_or_empty(const json::object& parent, std::string_view name) {

@@ -5,7 +5,7 @@
 // drawn, so that a broken one stops the pass at its own place.
 #pragma once
 
-#include <boost/json.hpp>
+#include <boost/json/fwd.hpp>
 
 #include <cstddef>
 #include <cstdint>

@@ -11,6 +11,8 @@
 #include "ui/field_rules.h"
 #include "ui/form_widgets.h"
 
+#include <boost/json/value.hpp>
+
 #include <algorithm>
 
 namespace {

@@ -10,6 +10,9 @@
 #include "ui/pending_events.h"
 #include "ui/settings_body.h"
 
+#include <boost/json/serialize.hpp>
+#include <boost/json/value.hpp>
+
 namespace {
 
 /// Time limit of the request, in seconds.

@@ -4,6 +4,7 @@
 #include "link/json_access.h"
 #include "ui/field_rules.h"
 
+#include <boost/json/value.hpp>
 #include <glib.h>
 
 #include <algorithm>

@@ -7,7 +7,7 @@
 
 #include "receivers/receiver_list.h"
 
-#include <boost/json.hpp>
+#include <boost/json/fwd.hpp>
 
 #include <string>
 #include <variant>
