@@ -339,8 +339,8 @@ void build_advanced_expander(GtkWidget* page) {
 }
 
 void build_internet_page() {
-    const std::string subtitle = std::string{"Let people reach your station, and list it on "} +
-                                 directory_host + " so they can find it.";
+    const std::string subtitle = format_text(
+        "Let people reach your station, and list it on %s so they can find it.", directory_host);
     GtkWidget* page = add_page("internet", "Internet", subtitle.c_str());
     build_way_in_card(page);
     build_list_card(page);
