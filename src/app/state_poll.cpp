@@ -19,8 +19,7 @@ constexpr int poll_time_limit_s = 2;
 
 gboolean poll_state(gpointer) {
     const ReadingStep step{"following the station's state"};
-    const ServiceReply reply =
-        service_request(HttpMethod::get, "/api/state", "", poll_time_limit_s);
+    ServiceReply reply = service_request(HttpMethod::get, "/api/state", "", poll_time_limit_s);
     if (reply.status != 200) {
         shown_document.clear();
         show_header_line({"The Tarnwave service is not answering", StatusClass::error});
