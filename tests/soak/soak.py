@@ -1,0 +1,230 @@
+#!/usr/bin/python3
+# SPDX-License-Identifier: MIT
+"""Runs the real program through thousands of polls and holds that what it uses stays flat.
+
+soak.py PROGRAM LIBRARY POLLS [--faults]: the library is the preloaded hurry.cpp. The service is in
+here: each state document differs in its listeners, receivers, relay and certificate, except while
+the quiet file is there. With --faults a third of its answers are none, each of the nine kinds of
+request meets each kind of fault, and the program has to live on. Needs a display (scripts/soak
+brings one).
+"""
+import copy
+import json
+import os
+import random
+import re
+import signal
+import socketserver
+import statistics
+import subprocess
+import sys
+import tempfile
+import threading
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+
+# What may change from the first third of the figures to the last one.
+MOST_HEAP_PER_POLL = 16       # bytes
+MOST_HEAP_AT_ALL = 384 << 10  # bytes; what the texts and rows of the moment make up
+MOST_MORE_DESCRIPTORS = 0
+MOST_MORE_WIDGETS = 0
+MOST_MORE_SOURCES = 2         # the toolkit's own come and go
+
+
+def whole_document():
+    with open(os.path.join(HERE, "..", "support", "state_document.cpp"), encoding="utf-8") as file:
+        return json.loads(re.search(r'R"\((\{.*?\n\})\)"', file.read(), re.S).group(1))
+
+
+class Station:
+    def __init__(self, socket_path, quiet_file, faulty):
+        self.socket_path = socket_path
+        self.quiet_file = quiet_file
+        self.faulty = faulty
+        self.answers = 0
+        self.faults_met = {}
+        self.document = whole_document()
+        self.quiet_settings = copy.deepcopy(self.document["settings"])
+        self.chance = random.Random(1)
+        self.newest = 100
+        self.requests = {}
+
+    def state(self):
+        if os.path.exists(self.quiet_file):
+            return {"settings": self.quiet_settings, "status": self.document["status"]}
+        document = copy.deepcopy(self.document)
+        status, chance = document["status"], self.chance
+        self.newest += chance.randrange(3)
+        status["listeners"] = [
+            {"number": self.newest - place, "address": f"203.0.113.{chance.randrange(256)}",
+             "seconds": chance.randrange(9999), "f": chance.randrange(30_000_000),
+             "mode": chance.choice(["USB", "LSB", "CW"]), "listening": chance.random() < 0.8,
+             "relayed": chance.random() < 0.3} for place in range(chance.randrange(25))]
+        status["receivers"] = [
+            {"device": f"Receiver {chance.randrange(9)}", "attached": chance.random() < 0.5,
+             "lo": 7_000_000, "hi": 7_300_000} for _ in range(chance.randrange(4))]
+        status["started"] = [
+            {"running": chance.random() < 0.5, "serial": str(chance.randrange(9)),
+             "log": "USB error " * chance.randrange(9)} for _ in range(chance.randrange(3))]
+        status["broker"] = chance.random() < 0.9
+        document["settings"]["relay"]["enabled"] = chance.random() < 0.5
+        status["relay"] = {
+            "state": chance.choice(["off", "no key", "connecting", "connected", "refused",
+                                    "unreachable"]),
+            "url": "https://relay.example/k1abc/", "listeners": chance.randrange(50),
+            "error": "No route." * chance.randrange(3)}
+        status["https"] = {"state": chance.choice(["active", "requesting", "failed", ""]),
+                           "name": "k1abc.example", "expires": chance.randrange(2**31),
+                           "error": "Port 80 is closed."}
+        status["directory"]["state"] = chance.choice(["checked in", "check-in failed",
+                                                      "not registered", "registered"])
+        return document
+
+    def next_fault(self, method, target):
+        """The fault that takes the place of an answer, or None. Each kind of request meets them in
+        turn; the silence, which takes as long as the time limit, only a poll and only twice."""
+        self.answers += 1
+        if not self.faulty or self.answers <= 2 or os.path.exists(self.quiet_file):
+            return None
+        key = f"{method} {target}"
+        if self.chance.random() > (0.3 if key == "GET /api/state" else 0.6):
+            return None
+        while True:
+            seen = self.faults_met.setdefault(key, [])
+            fault = list(FAULTS)[len(seen) % len(FAULTS)]
+            seen.append(fault)
+            if fault != "stays silent" or (key == "GET /api/state" and seen.count(fault) <= 2):
+                return fault
+
+    def go_away(self):
+        """The socket file is gone at the next request, and there again after it."""
+        os.rename(self.socket_path, self.socket_path + ".away")
+        threading.Timer(0.02, os.rename,
+                        (self.socket_path + ".away", self.socket_path)).start()
+
+    def answer(self, method, target, body):
+        key = f"{method} {target}"
+        self.requests[key] = self.requests.get(key, 0) + 1
+        if key == "GET /api/state":
+            return self.state()
+        if key == "PUT /api/settings":
+            self.document["settings"] = json.loads(body)
+            self.document["settings"]["receivers"] = self.quiet_settings["receivers"]
+            return {"restart": self.chance.random() < 0.5}
+        if key == "GET /api/devices":
+            return [{"backend": "rtl-sdr", "serial": str(self.chance.randrange(4)), "model": "V4",
+                     "available": self.chance.random() < 0.5} for _ in range(3)]
+        return {}
+
+
+OK = b"HTTP/1.1 200 OK\r\n"
+
+# What a service may do instead of answering. Each ends without a whole reply or with another status
+# than 200 and a reason; what would end the program by its contract is not among them.
+FAULTS = {
+    "hangs up": b"",
+    "ends in the status line": b"HTTP/1.1 20",
+    "ends in the header": OK + b"Content-Le",
+    "ends in the body": OK + b'Content-Length: 20\r\n\r\n{"settings":',
+    "ends in a chunk": OK + b'Transfer-Encoding: chunked\r\n\r\n40\r\n{"settings":',
+    "a negative length": OK + b"Content-Length: -2\r\n\r\n{}",
+    "two lengths": OK + b"Content-Length: 2\r\nContent-Length: 3\r\n\r\n{} ",
+    "a huge length": OK + b"Content-Length: 99999999999999999999\r\n\r\n{}",
+    "a body above the limit": OK + b"Content-Length: 8388609\r\n\r\n" + b" " * 65536,
+    "a header above the limit": OK + b"X: " + b"x" * 8200 + b"\r\n\r\n",
+    "bare line feeds": b"HTTP/1.1 200 OK\nContent-Length: 2\n\n{}",
+    "another HTTP": b"HTTP/2.0 200 OK\r\nContent-Length: 2\r\n\r\n{}",
+    "status 1000": b"HTTP/1.1 1000 OK\r\nContent-Length: 2\r\n\r\n{}",
+    "not HTTP": b"\x00\x01\x02\xff" * 20,
+    **{f"status {status}": b"HTTP/1.1 " + status.encode() + b" \r\nContent-Length: 15\r\n\r\n"
+       b'{"error":"no."}' for status in ("099", "404", "500", "599", "999")},
+    "goes away": None,
+    "stays silent": None,
+}
+
+
+class Handler(socketserver.StreamRequestHandler):
+    def handle(self):
+        method, target, _ = self.rfile.readline().decode().split()
+        length = 0
+        while (line := self.rfile.readline().strip()):
+            name, value = line.split(b":", 1)
+            if name.lower() == b"content-length":
+                length = int(value)
+        station = self.server.station
+        reply = json.dumps(station.answer(method, target, self.rfile.read(length))).encode()
+        fault = station.next_fault(method, target)
+        if fault is None:
+            self.wfile.write(OK + b"Content-Length: %d\r\n\r\n" % len(reply) + reply)
+        elif fault == "stays silent":
+            self.rfile.read()  # until the program hangs up
+        elif fault == "goes away":
+            station.go_away()
+        else:
+            self.wfile.write(FAULTS[fault])
+
+
+def main():
+    program, library, polls = sys.argv[1:4]
+    faulty = sys.argv[4:] == ["--faults"]
+    with tempfile.TemporaryDirectory() as folder:
+        socket_path = os.path.join(folder, "socket")
+        quiet_file = os.path.join(folder, "quiet")
+        server = socketserver.ThreadingUnixStreamServer(socket_path, Handler)
+        server.daemon_threads = True
+        server.station = Station(socket_path, quiet_file, faulty)
+        threading.Thread(target=server.serve_forever, daemon=True).start()
+        # No command of the system is run: none is on this search path.
+        environment = dict(os.environ, TARNWAVE_SETTINGS_SOCKET=socket_path, LD_PRELOAD=library,
+                           TARNWAVE_SOAK_POLLS=polls, TARNWAVE_SOAK_QUIET_FILE=quiet_file,
+                           NO_AT_BRIDGE="1", G_DEBUG="fatal-warnings", PATH=folder,
+                           LC_ALL="C.UTF-8")
+        program_run = subprocess.Popen([program], env=environment, stdout=subprocess.PIPE,
+                                       text=True)
+        signal.signal(signal.SIGTERM, lambda *_: (program_run.kill(), sys.exit(1)))
+        figures = []
+        for line in program_run.stdout:
+            print(line, end="", flush=True)
+            words = line.split()
+            figures.append({name: int(value) for name, value in zip(words[::2], words[1::2])})
+        status = program_run.wait(timeout=60)
+        server.shutdown()
+        print("requests:", ", ".join(f"{count} {key}" for key, count in
+                                     sorted(server.station.requests.items())))
+        if status != 0:
+            sys.exit(f"the program ended with {status}")
+    # The rest is warming up: caches of the toolkit, fonts, the widest texts.
+    figures = figures[len(figures) // 5:]
+    if len(figures) < 6:
+        sys.exit("too few polls to say anything: at least 800")
+    third = len(figures) // 3
+
+    def rise(name):
+        # Rows come and go with the last load: what is left behind raises the least of them.
+        typical = min if name in ("widgets", "sources", "descriptors") else statistics.median
+        return (typical(each[name] for each in figures[-third:])
+                - typical(each[name] for each in figures[:third]))
+
+    distance = rise("polls")
+    slopes = {name: rise(name) / distance for name in ("heap", "resident")}
+    print(f"heap {slopes['heap']:+.2f} bytes a poll, resident {slopes['resident']:+.2f} bytes a "
+          f"poll; descriptors {rise('descriptors'):+.0f}, sources {rise('sources'):+.0f}, widgets "
+          f"{rise('widgets'):+.0f}")
+    faults = []
+    if rise("heap") > MOST_HEAP_PER_POLL * distance + MOST_HEAP_AT_ALL:
+        faults.append("the heap grows")
+    for name, most in (("descriptors", MOST_MORE_DESCRIPTORS), ("sources", MOST_MORE_SOURCES),
+                       ("widgets", MOST_MORE_WIDGETS)):
+        if rise(name) > most:
+            faults.append(f"the {name} grow")
+    for key in ("PUT /api/settings", "GET /api/devices", "POST /api/kick", "POST /api/ban",
+                "POST /api/register"):
+        if key not in server.station.requests:
+            faults.append(f"nobody ever asked {key}")
+    for key, met in server.station.faults_met.items():
+        print(f"faults met by {key}: {len(met)} of {len(set(met))} kinds")
+    sys.exit("; ".join(faults) or None)
+
+
+if __name__ == "__main__":
+    main()
