@@ -144,6 +144,8 @@ int start_up(int argc, char** argv) {
     const std::optional<std::string> state_document = probe_service();
     if (!state_document)
         return EXIT_FAILURE;
+    if (!widgets.window)
+        return EXIT_SUCCESS;
     start_broker_if_down(*state_document);
     load_form();
     if (argc > 1)

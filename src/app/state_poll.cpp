@@ -6,6 +6,7 @@
 #include "status/internet_page.h"
 #include "status/overview_page.h"
 #include "status/render_state.h"
+#include "ui/widget_record.h"
 
 #include <boost/json/value.hpp>
 
@@ -18,6 +19,9 @@ constexpr int poll_time_limit_s = 2;
 } // namespace
 
 gboolean poll_state(gpointer) {
+    // A timer that was due when the window was closed still fires once.
+    if (!widgets.window)
+        return G_SOURCE_CONTINUE;
     const ReadingStep step{"following the station's state"};
     ServiceReply reply = service_request(HttpMethod::get, "/api/state", "", poll_time_limit_s);
     if (reply.status != 200) {

@@ -69,5 +69,6 @@ std::string owner_sentence() {
 }
 
 bool check_owner() {
-    return user_wants_to_be_owner() && set_owner() && service_accepts_owner();
+    // The window may be closed in the moment after the answer: then nobody is left to be the owner.
+    return user_wants_to_be_owner() && widgets.window && set_owner() && service_accepts_owner();
 }

@@ -173,9 +173,11 @@ ReadingStep::~ReadingStep() {
 }
 
 std::string broken_contract(const char* library_message) {
-    std::string sentence = "the Tarnwave service sent a reply that this program cannot use";
-    if (current_step)
-        sentence.append(", while ").append(current_step);
+    // Without a document at hand the fault is not the service's.
+    if (!current_step)
+        return std::string{"stopped by an unexpected error ("} + library_message + ").";
+    std::string sentence = "the Tarnwave service sent a reply that this program cannot use, while ";
+    sentence.append(current_step);
     if (last_strict_read)
         sentence.append(": cannot read ").append(last_strict_read);
     return sentence.append(" (").append(library_message).append(").");

@@ -91,5 +91,6 @@ private:
 };
 
 /// One sentence for a person: at which step the service's reply broke the contract, and which
-/// member did. Meant for the moment in which an error of the strict accessors ends the program.
+/// member did; outside every step, that it was another error. Meant for the moment in which an
+/// error of the strict accessors ends the program.
 std::string broken_contract(const char* library_message);

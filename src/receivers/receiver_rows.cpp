@@ -7,6 +7,10 @@
 #include "ui/form_widgets.h"
 #include "ui/spin_buttons.h"
 
+#include <array>
+#include <optional>
+#include <string>
+
 namespace {
 
 constexpr double hertz_per_megahertz = 1e6;
@@ -66,7 +70,8 @@ void on_band_list_shown(GtkComboBox* menu, GParamSpec*, gpointer) {
 }
 
 void on_share_switch_toggled(GtkSwitch* share, GParamSpec*, gpointer index) {
-    if (const Receiver* receiver = receiver_at(index))
+    const Receiver* receiver = receiver_at(index);
+    if (receiver && receiver->details_box)
         gtk_widget_set_sensitive(receiver->details_box, gtk_switch_get_active(share));
 }
 
@@ -170,6 +175,53 @@ void add_receiver_card(std::size_t index) {
     gtk_widget_set_sensitive(receiver.details_box, receiver.enabled);
 }
 
+/// The controls of a receiver's card in reading order; null where it has no such control.
+std::array<GtkWidget*, 4> controls_of(const Receiver& receiver) {
+    GtkWidget* menu = nullptr;
+    if (receiver.low_spin) {
+        GList* row =
+            gtk_container_get_children(GTK_CONTAINER(gtk_widget_get_parent(receiver.low_spin)));
+        for (GList* child = row; child; child = child->next)
+            if (GTK_IS_COMBO_BOX(child->data))
+                menu = GTK_WIDGET(child->data);
+        g_list_free(row);
+    }
+    return {receiver.share_switch, receiver.low_spin, receiver.high_spin, menu};
+}
+
+/// Where the focus is among the receivers' cards.
+struct FocusedControl {
+    std::string backend{};
+    std::string serial{};
+    std::size_t place = 0; ///< in `controls_of`
+};
+
+std::optional<FocusedControl> focused_control() {
+    GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(widgets.window));
+    if (!focus)
+        return std::nullopt;
+    for (const Receiver& receiver : widgets.receiver_list) {
+        const auto controls = controls_of(receiver);
+        for (std::size_t i = 0; i < controls.size(); ++i)
+            if (controls[i] && (focus == controls[i] || gtk_widget_is_ancestor(focus, controls[i])))
+                return FocusedControl{receiver.backend, receiver.serial, i};
+    }
+    return std::nullopt;
+}
+
+void give_focus_to(const FocusedControl& focused) {
+    for (const Receiver& receiver : widgets.receiver_list) {
+        if (receiver.backend != focused.backend || receiver.serial != focused.serial)
+            continue;
+        GtkWidget* widget = controls_of(receiver)[focused.place];
+        if (widget && GTK_IS_COMBO_BOX(widget))
+            gtk_widget_child_focus(widget, GTK_DIR_TAB_FORWARD);
+        else if (widget)
+            gtk_widget_grab_focus(widget);
+        return;
+    }
+}
+
 void forget_row(Receiver& receiver) {
     receiver.share_switch = nullptr;
     receiver.low_spin = nullptr;
@@ -182,13 +234,14 @@ void destroy_child(GtkWidget* child, gpointer) {
     gtk_widget_destroy(child);
 }
 
-} // namespace
-
-void rebuild_receiver_rows() {
+void destroy_rows() {
     // Destroying a spin button that is being typed in may still run handlers: they find no row.
     for (Receiver& receiver : widgets.receiver_list)
         forget_row(receiver);
     gtk_container_foreach(GTK_CONTAINER(widgets.receiver_rows_box), destroy_child, nullptr);
+}
+
+void add_rows() {
     if (widgets.receiver_list.empty()) {
         GtkWidget* card = add_card(widgets.receiver_rows_box, nullptr);
         GtkWidget* label = make_label(
@@ -199,6 +252,25 @@ void rebuild_receiver_rows() {
     for (std::size_t index = 0; index < widgets.receiver_list.size(); ++index)
         add_receiver_card(index);
     gtk_widget_show_all(widgets.receiver_rows_box);
+}
+
+} // namespace
+
+void rebuild_receiver_rows() {
+    const std::optional<FocusedControl> focused = focused_control();
+    destroy_rows();
+    add_rows();
+    if (focused)
+        give_focus_to(*focused);
+}
+
+void replace_receivers(std::vector<Receiver> list) {
+    const std::optional<FocusedControl> focused = focused_control();
+    destroy_rows();
+    widgets.receiver_list = std::move(list);
+    add_rows();
+    if (focused)
+        give_focus_to(*focused);
 }
 
 void capture_row_edits() {
@@ -215,7 +287,9 @@ void capture_row_edits() {
 }
 
 void check_receiver_range(std::size_t index) {
-    const Receiver& receiver = widgets.receiver_list.at(index);
+    if (index >= widgets.receiver_list.size())
+        return;
+    const Receiver& receiver = widgets.receiver_list[index];
     if (!receiver.coverage_label || !receiver.low_spin)
         return;
     show_status_line(receiver.coverage_label,

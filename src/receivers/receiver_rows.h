@@ -2,11 +2,17 @@
 // One card per receiver on the Receivers page.
 #pragma once
 
+#include "receivers/receiver_list.h"
+
 #include <cstddef>
+#include <vector>
 
 /// Makes the cards anew from the receiver list. Edits in the old cards are lost unless they were
-/// captured before.
+/// captured before. The focus stays on the same control of the same receiver.
 void rebuild_receiver_rows();
+
+/// Takes `list` for the receiver list and makes the cards anew.
+void replace_receivers(std::vector<Receiver> list);
 
 /// Copies what the cards' widgets hold back into the receiver list: the share switch, and the
 /// range of a receiver that tunes.

@@ -2,6 +2,7 @@
 #include "status/internet_texts.h"
 
 #include "link/build_constants.h"
+#include "link/format_text.h"
 #include "link/json_access.h"
 
 #include <boost/json/value.hpp>
@@ -127,5 +128,5 @@ std::string expiry_date(std::int64_t seconds_since_epoch) {
     const std::size_t length = std::strftime(text, std::size(text), "%e %B %Y", date);
     // "%e" pads the days 1 to 9 with a blank.
     const std::size_t start = length > 0 && text[0] == ' ' ? 1 : 0;
-    return {text + start, length - start};
+    return utf8_of_locale({text + start, length - start});
 }

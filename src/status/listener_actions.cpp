@@ -42,6 +42,11 @@ bool listener_is_selected() {
 } // namespace
 
 void listener_action(bool block) {
+    // The question and the drawing let every handler run, this one too.
+    static bool acting = false;
+    const OnlyOnce once{acting};
+    if (!once.is_first())
+        return;
     const std::optional<SelectedListener> listener = selected_listener();
     if (!listener)
         return;
@@ -52,6 +57,9 @@ void listener_action(bool block) {
 
     const BusyWith busy{block ? widgets.block_button : widgets.end_session_button,
                         listener_is_selected};
+    draw_now();
+    if (!widgets.window)
+        return;
     if (block)
         post("/api/ban", {{"address", listener->address}});
     post("/api/kick", {{"number", listener->number}});

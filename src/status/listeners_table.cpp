@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "status/listeners_table.h"
 
+#include "link/format_text.h"
 #include "link/json_access.h"
 #include "status/overview_texts.h"
 #include "ui/form_widgets.h"
@@ -24,7 +25,7 @@ constexpr int table_height = 150;
 
 /// Bounds of a column's width, in pixels. Ours: the least keeps the title readable, the most holds
 /// an IPv6 address of 39 characters; what is longer ends in an ellipsis.
-constexpr int least_column_width = 48;
+constexpr std::array<int, column_count> least_column_widths = {48, 96, 104, 64};
 constexpr int most_column_width = 380;
 
 /// Room on both sides of a cell's text, in pixels.
@@ -50,8 +51,7 @@ class ColumnWidths {
 public:
     void take_in(gint column, const std::string& text) {
         int& widest = widths_[static_cast<std::size_t>(column)];
-        const int width =
-            std::clamp(width_of(text) + cell_padding, least_column_width, most_column_width);
+        const int width = std::min(width_of(text) + cell_padding, most_column_width);
         if (width <= widest)
             return;
         widest = width;
@@ -90,7 +90,7 @@ private:
         return width;
     }
 
-    std::array<int, column_count> widths_{};
+    std::array<int, column_count> widths_{least_column_widths};
     std::array<int, 128> character_widths_{};
 };
 
@@ -152,12 +152,12 @@ public:
         written_.push_back(std::move(added));
     }
 
-    /// The last row written with this session number, or null.
-    const GtkTreeIter* find(std::int32_t number) const {
+    /// The last row written with this session number.
+    std::optional<GtkTreeIter> find(std::int32_t number) const {
         for (auto at = written_.rbegin(); at != written_.rend(); ++at)
             if (at->row.number == number)
-                return &at->iter;
-        return nullptr;
+                return at->iter;
+        return std::nullopt;
     }
 
 private:
@@ -222,6 +222,28 @@ void write_record(TableWriter& table, const json::value& record) {
     required_member(listener, "address");
 }
 
+/// Shows a row's address and tuning whole: their cells may end in an ellipsis.
+gboolean on_query_tooltip(GtkWidget* view, gint x, gint y, gboolean by_keyboard,
+                          GtkTooltip* tooltip, gpointer) {
+    GtkTreeModel* model = nullptr;
+    GtkTreePath* path = nullptr;
+    GtkTreeIter iter;
+    if (!gtk_tree_view_get_tooltip_context(GTK_TREE_VIEW(view), &x, &y, by_keyboard, &model, &path,
+                                           &iter))
+        return FALSE;
+    char* address = nullptr;
+    char* tuned_to = nullptr;
+    gtk_tree_model_get(model, &iter, address_column, &address, tuned_column, &tuned_to, -1);
+    const std::string text =
+        std::string{address ? address : ""} + "\n" + (tuned_to ? tuned_to : "");
+    gtk_tooltip_set_text(tooltip, shortened(text, longest_tooltip).c_str());
+    gtk_tree_view_set_tooltip_row(GTK_TREE_VIEW(view), tooltip, path);
+    gtk_tree_path_free(path);
+    g_free(address);
+    g_free(tuned_to);
+    return TRUE;
+}
+
 void on_selection_changed(GtkTreeSelection*, gpointer) {
     update_listener_buttons();
 }
@@ -237,8 +259,9 @@ void add_column(gint column) {
         column_titles[static_cast<std::size_t>(column)], cell, "text", column, nullptr);
     gtk_tree_view_column_set_expand(view_column, column == tuned_column);
     gtk_tree_view_column_set_sizing(view_column, GTK_TREE_VIEW_COLUMN_FIXED);
-    gtk_tree_view_column_set_min_width(view_column, least_column_width);
-    gtk_tree_view_column_set_fixed_width(view_column, least_column_width);
+    const int width = least_column_widths[static_cast<std::size_t>(column)];
+    gtk_tree_view_column_set_min_width(view_column, width);
+    gtk_tree_view_column_set_fixed_width(view_column, width);
     gtk_tree_view_append_column(GTK_TREE_VIEW(widgets.listeners_view), view_column);
 }
 
@@ -254,6 +277,9 @@ GtkWidget* make_listeners_table() {
     gtk_tree_view_set_fixed_height_mode(GTK_TREE_VIEW(widgets.listeners_view), TRUE);
     gtk_tree_view_set_search_column(GTK_TREE_VIEW(widgets.listeners_view), address_column);
     g_signal_connect(selection(), "changed", G_CALLBACK(on_selection_changed), nullptr);
+    gtk_widget_set_has_tooltip(widgets.listeners_view, TRUE);
+    g_signal_connect(widgets.listeners_view, "query-tooltip", G_CALLBACK(on_query_tooltip),
+                     nullptr);
 
     widgets.listeners_scroll = gtk_scrolled_window_new(nullptr, nullptr);
     gtk_widget_set_size_request(widgets.listeners_scroll, -1, table_height);
@@ -266,18 +292,19 @@ void draw_listeners(const StationState& state) {
 
     const std::optional<SelectedListener> selected = selected_listener();
     const std::int32_t remembered = selected ? selected->number : -1;
+    std::optional<GtkTreeIter> still_there;
     {
         const json::array& records = required_array(status_object, "listeners");
         TableWriter table{records};
         for (const json::value& record : records)
             write_record(table, record);
-        const GtkTreeIter* row = table.find(remembered);
-        if (row) {
-            GtkTreeIter iter = *row;
-            if (!gtk_tree_selection_iter_is_selected(selection(), &iter))
-                gtk_tree_selection_select_iter(selection(), &iter);
-        }
+        still_there = table.find(remembered);
     }
+    // Only now: when the row under the cursor goes, GTK selects the one that takes its place.
+    if (!still_there)
+        gtk_tree_selection_unselect_all(selection());
+    else if (!gtk_tree_selection_iter_is_selected(selection(), &*still_there))
+        gtk_tree_selection_select_iter(selection(), &*still_there);
     gtk_widget_set_visible(widgets.listeners_scroll, state.listener_count > 0);
     gtk_widget_set_visible(widgets.listeners_empty, state.listener_count == 0);
 }

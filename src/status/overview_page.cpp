@@ -35,6 +35,15 @@ struct ShownRow {
     RowContent content{};
 };
 
+/// Gives the focus to a widget without scrolling the page to it.
+void grab_focus_in_place(GtkWidget* widget) {
+    GtkWidget* scroll = gtk_widget_get_ancestor(widget, GTK_TYPE_SCROLLED_WINDOW);
+    GtkAdjustment* place = gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroll));
+    const double value = gtk_adjustment_get_value(place);
+    gtk_widget_grab_focus(widget);
+    gtk_adjustment_set_value(place, value);
+}
+
 void on_link_button_clicked(GtkButton*, gpointer page) {
     show_page(static_cast<const char*>(page));
 }
@@ -105,7 +114,7 @@ private:
             return;
         for (const ShownRow& shown : rows_) {
             if (shown.button && std::strcmp(shown.content.page, page_of_focus_) == 0) {
-                gtk_widget_grab_focus(shown.button);
+                grab_focus_in_place(shown.button);
                 return;
             }
         }

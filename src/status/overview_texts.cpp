@@ -89,8 +89,13 @@ const char* receiver_origin(bool attached) {
     return attached ? "shared from Dialhouse" : "started by Tarnwave";
 }
 
+/// Most of a log that is shown, in bytes: its end, which says why the receiver failed. Below the
+/// bound of every shown text, whose cut would take the end away.
+static constexpr std::size_t longest_log = longest_shown_text - 3;
+
 std::string failed_receiver_markup(std::string_view serial, std::string_view log) {
-    return "<b>" + escaped_markup(serial) + "</b> is not running. Its log: " + escaped_markup(log);
+    return "<b>" + escaped_markup(serial) +
+           "</b> is not running. Its log: " + escaped_markup(shortened_in_front(log, longest_log));
 }
 
 std::string listening_title(const StationState& state) {

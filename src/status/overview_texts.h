@@ -52,7 +52,7 @@ std::string receiver_markup(std::string_view device, double lo_hz, double hi_hz)
 /// Who runs a receiver on the air.
 const char* receiver_origin(bool attached);
 
-/// A receiver that was started and failed, with its log.
+/// A receiver that was started and failed, with its log: of a very long one the end.
 std::string failed_receiver_markup(std::string_view serial, std::string_view log);
 
 /// "Listening now · 3 of 20".

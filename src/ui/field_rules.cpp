@@ -120,7 +120,8 @@ std::optional<double> typed_number(std::string_view text, unsigned decimals) {
         return std::nullopt;
     const double scale = std::pow(10.0, decimals);
     const double rounded = std::round(number * scale) / scale;
-    return std::isfinite(rounded) ? rounded : number;
+    // Adding 0 makes a plain zero of a negative one.
+    return (std::isfinite(rounded) ? rounded : number) + 0.0;
 }
 
 std::string decimal_text(double number, unsigned decimals) {

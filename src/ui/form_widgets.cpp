@@ -27,8 +27,67 @@ constexpr struct {
 } status_class_names[] = {
     {StatusClass::good, "good"}, {StatusClass::warning, "warning"}, {StatusClass::error, "error"}};
 
-/// Longest tooltip, in characters. Ours: about a dozen lines.
-constexpr glong longest_tooltip = 1000;
+/// Length from which a label's layout is eased, in bytes, and that of the pieces it is cut into, in
+/// bytes. Ours: below the first nothing is to be felt; the second was the fastest of those tried.
+constexpr std::size_t long_text = 1500;
+constexpr std::size_t long_text_piece = 64;
+
+/// Least width of a label with a long text, in characters. Without one GTK breaks the text at every
+/// letter to find it.
+constexpr gint long_text_chars = 20;
+
+/// Whether a text has a word that may have to be broken. Ours: the narrowest label holds as many
+/// characters.
+bool has_long_word(const char* text) {
+    constexpr std::size_t long_word = 40;
+    for (;;) {
+        const std::size_t length = std::strcspn(text, " \t\n");
+        if (length > long_word)
+            return true;
+        if (!text[length])
+            return false;
+        text += length + 1;
+    }
+}
+
+/// Pango shapes all that is left of a run again for each line it breaks: a long text in one run
+/// takes time that grows with the square of its length. Two languages in turn cut the run into
+/// pieces without changing what is shown.
+void ease_layout(GtkWidget* label) {
+    const char* const text = gtk_label_get_text(GTK_LABEL(label));
+    const std::size_t length = std::strlen(text);
+    if (length < long_text && !has_long_word(text))
+        return;
+    PangoAttrList* pieces = pango_attr_list_new();
+    // A broken word gets no hyphen: in an address it would be read as a part of it.
+    pango_attr_list_insert(pieces, pango_attr_insert_hyphens_new(FALSE));
+    PangoLanguage* const languages[] = {pango_language_get_default(),
+                                        pango_language_from_string("und")};
+    bool second = false;
+    for (std::size_t start = 0; length >= long_text && start < length; second = !second) {
+        std::size_t end = std::min(start + long_text_piece, length);
+        while (end < length && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
+            ++end; // not inside a character
+        PangoAttribute* piece = pango_attr_language_new(languages[second ? 1 : 0]);
+        piece->start_index = static_cast<guint>(start);
+        piece->end_index = static_cast<guint>(end);
+        pango_attr_list_insert(pieces, piece);
+        start = end;
+    }
+    gtk_label_set_attributes(GTK_LABEL(label), pieces);
+    pango_attr_list_unref(pieces);
+    if (length >= long_text)
+        gtk_label_set_width_chars(GTK_LABEL(label), long_text_chars);
+}
+
+void show_in_label(GtkWidget* label, const char* text, void (*set)(GtkLabel*, const char*)) {
+    if (gtk_label_get_attributes(GTK_LABEL(label))) {
+        gtk_label_set_attributes(GTK_LABEL(label), nullptr);
+        gtk_label_set_width_chars(GTK_LABEL(label), -1);
+    }
+    set(GTK_LABEL(label), text);
+    ease_layout(label);
+}
 
 struct Relation {
     GtkWidget* from;
@@ -79,6 +138,7 @@ void on_label_changed(GtkLabel* label, GParamSpec*, gpointer) {
 GtkWidget* make_label(const char* text, const char* style_class, bool wrap) {
     GtkWidget* label = gtk_label_new(nullptr);
     gtk_label_set_markup(GTK_LABEL(label), text);
+    ease_layout(label);
     gtk_label_set_xalign(GTK_LABEL(label), 0);
     gtk_label_set_line_wrap(GTK_LABEL(label), wrap);
     // One long word must not widen the window: break it where it has to break.
@@ -236,14 +296,14 @@ void set_style_class(GtkWidget* widget, const char* style_class, bool wanted) {
 }
 
 void set_label_text(GtkWidget* label, const std::string& text) {
-    const std::string shown = showable(text);
+    const std::string shown = shortened(showable(text));
     if (gtk_label_get_label(GTK_LABEL(label)) != shown)
-        gtk_label_set_text(GTK_LABEL(label), shown.c_str());
+        show_in_label(label, shown.c_str(), gtk_label_set_text);
 }
 
 void set_label_markup(GtkWidget* label, const std::string& markup) {
     if (gtk_label_get_label(GTK_LABEL(label)) != markup)
-        gtk_label_set_markup(GTK_LABEL(label), markup.c_str());
+        show_in_label(label, markup.c_str(), gtk_label_set_markup);
 }
 
 void show_status_line(GtkWidget* label, const StatusLine& line) {
@@ -261,14 +321,8 @@ void limit_lines(GtkWidget* label, int lines) {
 }
 
 void set_whole_text_tooltip(GtkWidget* label) {
-    const char* text = gtk_label_get_text(GTK_LABEL(label));
-    const glong length = g_utf8_strlen(text, -1);
-    if (length <= longest_tooltip) {
-        gtk_widget_set_tooltip_text(label, text);
-        return;
-    }
-    const char* end = g_utf8_offset_to_pointer(text, longest_tooltip);
-    gtk_widget_set_tooltip_text(label, (std::string{text, end} + "…").c_str());
+    gtk_widget_set_tooltip_text(
+        label, shortened(gtk_label_get_text(GTK_LABEL(label)), longest_tooltip).c_str());
 }
 
 void show_footer(const StatusLine& line) {
@@ -290,8 +344,19 @@ std::string text_of_view(GtkWidget* text_view) {
 }
 
 void set_text_of_view(GtkWidget* text_view, const std::string& text) {
-    gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(text_view)),
-                             showable(text).c_str(), -1);
+    const std::string shown = showable(text);
+    if (text_of_view(text_view) == shown)
+        return;
+    // Whoever saves while typing goes on typing at the same place.
+    GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(text_view));
+    GtkTextIter cursor;
+    gtk_text_buffer_get_iter_at_mark(buffer, &cursor, gtk_text_buffer_get_insert(buffer));
+    const gint offset = gtk_text_iter_get_offset(&cursor);
+    gtk_text_buffer_set_text(buffer, shown.c_str(), -1);
+    if (!gtk_widget_is_focus(text_view))
+        return;
+    gtk_text_buffer_get_iter_at_offset(buffer, &cursor, offset);
+    gtk_text_buffer_place_cursor(buffer, &cursor);
 }
 
 void name_by_label(GtkWidget* widget, GtkWidget* label) {

@@ -74,6 +74,9 @@ void show_status_line(GtkWidget* label, const StatusLine& line);
 void ellipsise(GtkWidget* label);
 void limit_lines(GtkWidget* label, int lines);
 
+/// Longest tooltip, in bytes. Ours: about a dozen lines.
+inline constexpr std::size_t longest_tooltip = 2000;
+
 /// Shows a label's text as its tooltip, for labels that may end in an ellipsis. A text longer than
 /// a tooltip can be read is cut.
 void set_whole_text_tooltip(GtkWidget* label);

@@ -66,10 +66,10 @@ void show_blocked_addresses() {
 }
 
 void show_receivers() {
-    widgets.receiver_list.clear();
+    std::vector<Receiver> receivers;
     for (const json::value& element : required_array(settings_object, "receivers"))
-        widgets.receiver_list.push_back(receiver_from_settings(element));
-    rebuild_receiver_rows();
+        receivers.push_back(receiver_from_settings(element));
+    replace_receivers(std::move(receivers));
     // What the last discovery said is about rows that are gone.
     set_label_text(widgets.receivers_status, "");
 }

@@ -62,6 +62,8 @@ void show_pointer(const char* name) {
     gdk_window_set_cursor(window, cursor);
     if (cursor)
         g_object_unref(cursor);
+    // What follows blocks: nothing else would send it.
+    gdk_display_flush(display);
 }
 
 } // namespace
@@ -107,20 +109,27 @@ gint run_dialog(GtkWidget* dialog) {
 
 struct BusyWith::Restore {
     GtkWidget* button;
-    bool had_focus;
+    bool focus_was_there; ///< somewhere in the window
+    bool focus_was_here;  ///< on the button
     bool (*sensitive_again)();
+
+    void apply() const {
+        gtk_widget_set_sensitive(button, !sensitive_again || sensitive_again());
+        if (!focus_was_there || gtk_window_get_focus(GTK_WINDOW(widgets.window)))
+            return;
+        // The action may have hidden the button, or left nothing for it to do.
+        if (focus_was_here && gtk_widget_is_sensitive(button) && gtk_widget_get_mapped(button))
+            gtk_widget_grab_focus(button);
+        else
+            gtk_widget_child_focus(gtk_stack_get_visible_child(GTK_STACK(widgets.stack)),
+                                   GTK_DIR_TAB_FORWARD);
+    }
 
     static gboolean on_idle(gpointer data) {
         const Restore* restore = static_cast<Restore*>(data);
         // The window may be gone by now, and its record with it.
-        if (widgets.window) {
-            gtk_widget_set_sensitive(restore->button,
-                                     !restore->sensitive_again || restore->sensitive_again());
-            GtkWindow* window = GTK_WINDOW(widgets.window);
-            if (restore->had_focus && gtk_widget_is_sensitive(restore->button) &&
-                !gtk_window_get_focus(window))
-                gtk_widget_grab_focus(restore->button);
-        }
+        if (widgets.window)
+            restore->apply();
         g_object_unref(restore->button);
         delete restore;
         return G_SOURCE_REMOVE;
@@ -131,7 +140,9 @@ BusyWith::BusyWith(GtkWidget* button, bool (*sensitive_again)()) {
     show_pointer("wait");
     if (!button)
         return;
-    restore_ = new Restore{button, static_cast<bool>(gtk_widget_is_focus(button)), sensitive_again};
+    const bool focus_was_there = gtk_window_get_focus(GTK_WINDOW(widgets.window)) != nullptr;
+    restore_ = new Restore{button, focus_was_there, static_cast<bool>(gtk_widget_is_focus(button)),
+                           sensitive_again};
     g_object_ref(button);
     gtk_widget_set_sensitive(button, FALSE);
 }

@@ -47,7 +47,15 @@ bool form_is_edited() {
 
 bool save_settings() {
     const ReadingStep step{"saving the settings"};
+    // Drawing lets every handler run, this one too.
+    static bool saving = false;
+    const OnlyOnce once{saving};
+    if (!once.is_first())
+        return false;
     const BusyWith busy{widgets.save_button, form_is_edited};
+    draw_now();
+    if (!widgets.window)
+        return false;
     commit_typed_values();
     capture_row_edits();
     const json::object body = settings_body(settings_object, form_values(), widgets.receiver_list);

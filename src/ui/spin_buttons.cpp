@@ -44,7 +44,7 @@ gboolean on_spin_output(GtkSpinButton* spin, gpointer) {
 void on_spin_insert_text(GtkEditable* spin, const char* text, gint length, gpointer, gpointer) {
     const std::string_view typed{text,
                                  length < 0 ? std::strlen(text) : static_cast<std::size_t>(length)};
-    if (typed.find_first_not_of("0123456789.,+- ") != std::string_view::npos) {
+    if (typed.find_first_not_of("0123456789.,+- \t\r\n") != std::string_view::npos) {
         g_signal_stop_emission_by_name(spin, "insert-text");
         gtk_widget_error_bell(GTK_WIDGET(spin));
     }

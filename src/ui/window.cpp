@@ -170,6 +170,11 @@ void finish_window_when_idle() {
 bool confirm_close() {
     if (!widgets.dirty)
         return false;
+    // While the question is put, closing again must not put it again.
+    static bool asking = false;
+    const OnlyOnce once{asking};
+    if (!once.is_first())
+        return true;
     GtkWidget* dialog =
         gtk_message_dialog_new(GTK_WINDOW(widgets.window), GTK_DIALOG_MODAL, GTK_MESSAGE_QUESTION,
                                GTK_BUTTONS_NONE, "%s", "Save your changes?");
@@ -180,7 +185,10 @@ bool confirm_close() {
     gtk_dialog_add_button(GTK_DIALOG(dialog), "Save", CloseAnswer::save);
     // Enter alone must lose nothing.
     gtk_dialog_set_default_response(GTK_DIALOG(dialog), CloseAnswer::save);
-    switch (run_dialog(dialog)) {
+    const gint answer = run_dialog(dialog);
+    if (!widgets.window)
+        return false;
+    switch (answer) {
     case CloseAnswer::save:
         return !save_settings();
     case CloseAnswer::discard:

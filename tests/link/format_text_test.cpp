@@ -43,3 +43,24 @@ TEST(EscapedMarkup, ReadsNoFurtherThanItsText) {
     const std::string text = "name & rest";
     EXPECT_EQ(escaped_markup(std::string_view{text}.substr(0, 6)), "name &amp;");
 }
+
+TEST(EscapedMarkup, ShortensWhatNobodyCouldRead) {
+    const std::string whole(longest_shown_text, 'x');
+    EXPECT_EQ(escaped_markup(whole), whole);
+    EXPECT_EQ(escaped_markup(whole + "y"), whole + "…");
+}
+
+TEST(Shortened, CutsBetweenTwoCharacters) {
+    EXPECT_EQ(shortened("äöü", 6), "äöü");
+    EXPECT_EQ(shortened("äöü", 5), "äö…");
+    EXPECT_EQ(shortened("äöü", 4), "äö…");
+    EXPECT_EQ(shortened("äöü", 0), "…");
+    EXPECT_EQ(shortened("", 0), "");
+}
+
+TEST(Shortened, InFrontKeepsTheEnd) {
+    EXPECT_EQ(shortened_in_front("äöü", 6), "äöü");
+    EXPECT_EQ(shortened_in_front("äöü", 5), "…öü");
+    EXPECT_EQ(shortened_in_front("äöü", 4), "…öü");
+    EXPECT_EQ(shortened_in_front("äöü", 0), "…");
+}

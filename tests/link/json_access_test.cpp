@@ -312,8 +312,13 @@ TEST(BrokenContract, NamesTheInnermostStepThatIsAlive) {
 }
 
 TEST(BrokenContract, SaysWhenTheTextIsNoJson) {
+    const ReadingStep step{"loading the form"};
     EXPECT_THROW(parse_reply("<html>"), std::exception);
     EXPECT_EQ(broken_contract("syntax error"),
-              "the Tarnwave service sent a reply that this program cannot use: cannot read the "
-              "text as JSON (syntax error).");
+              "the Tarnwave service sent a reply that this program cannot use, while loading the "
+              "form: cannot read the text as JSON (syntax error).");
+}
+
+TEST(BrokenContract, DoesNotBlameTheServiceOutsideEveryStep) {
+    EXPECT_EQ(broken_contract("bad alloc"), "stopped by an unexpected error (bad alloc).");
 }

@@ -7,6 +7,8 @@
 #include "support/window_fixture.h"
 #include "ui/form_widgets.h"
 
+#include <functional>
+
 namespace {
 
 constexpr char top_below_bottom[] = "The top of the range must be aboove its bottom.";
@@ -492,6 +494,29 @@ TEST_F(ReceiverRows, WriteAndReadADotInGermanToo) {
     EXPECT_DOUBLE_EQ(receiver().lo, 18.1e6);
     EXPECT_DOUBLE_EQ(receiver().hi, 18.15e6);
     EXPECT_EQ(coverage(), "Covers 0.05 MHz of the 8 MHz this receiver can take at once.|");
+}
+
+TEST_F(ReceiverRows, KeepTheFocusOnTheSameControlOverALoad) {
+    load(state_document());
+    drain_events();
+    const auto menu_button = [](std::size_t index) {
+        for (GtkWidget* widget : tree_of(band_menu(index)))
+            if (GTK_IS_TOGGLE_BUTTON(widget))
+                return widget;
+        return static_cast<GtkWidget*>(nullptr);
+    };
+    const std::function<GtkWidget*()> controls[] = {
+        [] { return receiver().share_switch; },
+        [] { return receiver().low_spin; },
+        [] { return receiver().high_spin; },
+        [&menu_button] { return menu_button(0); },
+    };
+    for (const auto& control : controls) {
+        gtk_widget_grab_focus(control());
+        ASSERT_EQ(gtk_window_get_focus(GTK_WINDOW(widgets.window)), control());
+        load(state_document());
+        EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(widgets.window)), control());
+    }
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "status/overview_texts.h"
 
+#include "link/format_text.h"
+
 #include "link/build_constants.h"
 #include "support/user_locale.h"
 
@@ -63,6 +65,13 @@ StationState with_relay_wanted(StationState state) {
 StationState with_receivers(StationState state, std::size_t count) {
     state.receiver_count = count;
     return state;
+}
+
+TEST(FailedReceiver, ShowsTheEndOfALogThatIsTooLongToRead) {
+    const std::string whole(longest_shown_text - 3, 'x');
+    EXPECT_EQ(failed_receiver_markup("S", whole), "<b>S</b> is not running. Its log: " + whole);
+    EXPECT_EQ(failed_receiver_markup("S", "start" + whole),
+              "<b>S</b> is not running. Its log: …" + whole);
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/form_widgets.h"
 
+#include "link/format_text.h"
+
 #include "support/widget_outline.h"
 #include "support/window_fixture.h"
 
@@ -302,6 +304,38 @@ TEST_F(TextBoxes, LeaveHiddenCharactersOut) {
     gtk_text_buffer_get_end_iter(buffer, &end);
     gtk_text_buffer_apply_tag(buffer, tag, &start, &end);
     EXPECT_EQ(text_of_view(widgets.description_view), "seen");
+}
+
+TEST(LongTexts, AreLaidOutInTimeThatGrowsWithTheirLength) {
+    // One run of 64 kB takes minutes: the pieces it is cut into are what this holds.
+    GtkWidget* label = make_label(std::string(65'536, 'x').c_str(), nullptr);
+    g_object_ref_sink(label);
+    PangoAttrIterator* pieces =
+        pango_attr_list_get_iterator(gtk_label_get_attributes(GTK_LABEL(label)));
+    int longest = 0;
+    do {
+        gint start = 0;
+        gint end = 0;
+        pango_attr_iterator_range(pieces, &start, &end);
+        if (start < 65'536)
+            longest = std::max(longest, end - start);
+    } while (pango_attr_iterator_next(pieces));
+    pango_attr_iterator_destroy(pieces);
+    EXPECT_LE(longest, 64);
+    EXPECT_EQ(gtk_label_get_width_chars(GTK_LABEL(label)), 20);
+    set_label_text(label, "short");
+    EXPECT_EQ(gtk_label_get_attributes(GTK_LABEL(label)), nullptr);
+    EXPECT_EQ(gtk_label_get_width_chars(GTK_LABEL(label)), -1);
+    g_object_unref(label);
+}
+
+TEST(LongTexts, BreakLongWordsWithoutAHyphen) {
+    GtkWidget* label = make_label(std::string(41, 'x').c_str(), nullptr);
+    g_object_ref_sink(label);
+    EXPECT_NE(gtk_label_get_attributes(GTK_LABEL(label)), nullptr);
+    set_label_text(label, format_text("%0*d %0*d", 40, 1, 40, 2));
+    EXPECT_EQ(gtk_label_get_attributes(GTK_LABEL(label)), nullptr);
+    g_object_unref(label);
 }
 
 } // namespace

@@ -435,4 +435,24 @@ TEST_F(LoadForm, KeepsTheOldObjectsWhenADocumentLacksEither) {
     EXPECT_EQ(settings_object, settings);
 }
 
+TEST_F(LoadForm, LeavesTheCursorOfATextBoxWhereItWas) {
+    show_page_at_once("station");
+    gtk_widget_grab_focus(widgets.description_view);
+    GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(widgets.description_view));
+    const auto cursor = [buffer] {
+        GtkTextIter at;
+        gtk_text_buffer_get_iter_at_mark(buffer, &at, gtk_text_buffer_get_insert(buffer));
+        return gtk_text_iter_get_offset(&at);
+    };
+    for (const char* next : {"hello world", "hello brave world", "hi"}) {
+        SCOPED_TRACE(next);
+        load(with(state_document(), "settings.station.description", "hello world"));
+        GtkTextIter at;
+        gtk_text_buffer_get_iter_at_offset(buffer, &at, 5);
+        gtk_text_buffer_place_cursor(buffer, &at);
+        load(with(state_document(), "settings.station.description", next));
+        EXPECT_EQ(cursor(), std::min<int>(5, static_cast<int>(std::string{next}.size())));
+    }
+}
+
 } // namespace

@@ -227,6 +227,7 @@ TEST(SettingsBody, ThrowsWithoutTheMembersThatItWritesInPlace) {
         {"content", "modes"},
         {"access", "banned"},
     };
+    const ReadingStep step{"saving the settings"};
     for (const auto& [outer, inner] : places) {
         SCOPED_TRACE(std::string{outer} + "." + inner);
         json::object without_member = loaded();

@@ -69,7 +69,7 @@ TEST_F(SpinButtons, ReadWhatIsTypedCharacterByCharacterInEveryLocale) {
 TEST_F(SpinButtons, KeepLettersOut) {
     type_into(frequency(), "7");
     gint place = 1;
-    for (const char* letter : {"a", "MHz", "e", "٣", "\n"})
+    for (const char* letter : {"a", "MHz", "e", "٣"})
         gtk_editable_insert_text(GTK_EDITABLE(frequency()), letter, -1, &place);
     EXPECT_EQ(shown_in(frequency()), "7");
 }
@@ -78,13 +78,13 @@ TEST_F(SpinButtons, ReadWhatIsPastedInEveryLocale) {
     for (const char* locale : locales) {
         SCOPED_TRACE(locale);
         const UserLocale user{locale};
-        for (const char* pasted : {"7.3", "7,3"}) {
+        for (const char* pasted : {"7.3", "7,3", " 7.3\n"}) {
             SCOPED_TRACE(pasted);
             gtk_spin_button_set_value(GTK_SPIN_BUTTON(frequency()), 1);
             gtk_editable_select_region(GTK_EDITABLE(frequency()), 0, -1);
             gtk_clipboard_set_text(gtk_clipboard_get(GDK_SELECTION_CLIPBOARD), pasted, -1);
             gtk_editable_paste_clipboard(GTK_EDITABLE(frequency()));
-            ASSERT_TRUE(wait_until([&] { return shown_in(frequency()) == pasted; }));
+            ASSERT_TRUE(wait_until([&] { return shown_in(frequency()) != "1.000"; }));
             take_over(frequency());
             EXPECT_DOUBLE_EQ(value_of(frequency()), 7.3);
         }
