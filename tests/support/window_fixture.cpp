@@ -233,6 +233,10 @@ std::string markup_of(GtkWidget* label) {
     return gtk_label_get_label(GTK_LABEL(label));
 }
 
+std::string tooltip_of(GtkWidget* widget) {
+    return string_property(widget, "tooltip-text");
+}
+
 bool has_class(GtkWidget* widget, const char* style_class) {
     return gtk_style_context_has_class(gtk_widget_get_style_context(widget), style_class);
 }

@@ -55,6 +55,7 @@ bool wait_for_frame_on(GtkWidget* widget);
 std::string text_of(GtkWidget* label);
 /// The markup or text that was written into a label.
 std::string markup_of(GtkWidget* label);
+std::string tooltip_of(GtkWidget* widget);
 bool has_class(GtkWidget* widget, const char* style_class);
 /// The style classes of a widget in alphabetical order.
 std::vector<std::string> classes_of(GtkWidget* widget);

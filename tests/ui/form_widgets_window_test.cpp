@@ -214,7 +214,7 @@ TEST_F(Footer, ShowsAnErrorAsPlainText) {
 TEST_F(Footer, HasTheWholeTextInATooltip) {
     const std::string text(300, 'x');
     show_footer_error(text);
-    EXPECT_STREQ(gtk_widget_get_tooltip_text(widgets.footer_status), text.c_str());
+    EXPECT_EQ(tooltip_of(widgets.footer_status), text);
 }
 
 TEST_F(Footer, CutsATooltipThatNobodyCouldRead) {
@@ -222,9 +222,9 @@ TEST_F(Footer, CutsATooltipThatNobodyCouldRead) {
     for (int i = 0; i < 1000; ++i)
         text += "ä";
     show_footer_error(text);
-    EXPECT_EQ(std::string{gtk_widget_get_tooltip_text(widgets.footer_status)}, text);
+    EXPECT_EQ(tooltip_of(widgets.footer_status), text);
     show_footer_error(text + "b");
-    EXPECT_EQ(std::string{gtk_widget_get_tooltip_text(widgets.footer_status)}, text + "…");
+    EXPECT_EQ(tooltip_of(widgets.footer_status), text + "…");
 }
 
 TEST_F(Footer, NeverWidensTheWindow) {

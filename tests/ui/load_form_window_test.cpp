@@ -299,7 +299,7 @@ TEST_F(LoadForm, PutsTheStationsNameInTheHeader) {
         json::value document = with(state_document(), "settings.station.name", c.name);
         load(with(document, "settings.station.callsign", c.callsign));
         EXPECT_EQ(text_of(widgets.header_title), c.title);
-        EXPECT_STREQ(gtk_widget_get_tooltip_text(widgets.header_title), c.title);
+        EXPECT_EQ(tooltip_of(widgets.header_title), c.title);
     }
 }
 
