@@ -43,8 +43,6 @@ struct ShownListener {
     ListenerRow row{};
 };
 
-std::vector<ShownListener> shown_listeners;
-
 /// Sets the columns' widths from their content: rows of one fixed height are drawn without
 /// measuring them all, so GTK does not know how wide they are. Columns only grow.
 class ColumnWidths {
@@ -94,7 +92,25 @@ private:
     std::array<int, 128> character_widths_{};
 };
 
-ColumnWidths column_widths;
+/// What a table shows. It is remembered with the table's store, and gone with it.
+struct ShownTable {
+    std::vector<ShownListener> listeners{};
+    ColumnWidths column_widths{};
+};
+
+constexpr char shown_table_key[] = "shown-table";
+
+/// That of `widgets.listeners_store`, looked up once for each pass.
+ShownTable* shown_table = nullptr;
+
+void forget_table(gpointer table) {
+    delete static_cast<ShownTable*>(table);
+}
+
+void look_up_shown_table() {
+    shown_table = static_cast<ShownTable*>(
+        g_object_get_data(G_OBJECT(widgets.listeners_store), shown_table_key));
+}
 
 void store_row(const GtkTreeIter& iter, const ListenerRow& row) {
     GtkTreeIter at = iter;
@@ -106,14 +122,14 @@ void store_row(const GtkTreeIter& iter, const ListenerRow& row) {
 void store_text(const GtkTreeIter& iter, gint column, const std::string& text) {
     GtkTreeIter at = iter;
     gtk_list_store_set(widgets.listeners_store, &at, column, text.c_str(), -1);
-    column_widths.take_in(column, text);
+    shown_table->column_widths.take_in(column, text);
 }
 
 void take_in_widths(const ListenerRow& row) {
-    column_widths.take_in(number_column, std::to_string(row.number));
-    column_widths.take_in(address_column, row.address);
-    column_widths.take_in(tuned_column, row.tuned_to);
-    column_widths.take_in(time_column, row.time);
+    shown_table->column_widths.take_in(number_column, std::to_string(row.number));
+    shown_table->column_widths.take_in(address_column, row.address);
+    shown_table->column_widths.take_in(tuned_column, row.tuned_to);
+    shown_table->column_widths.take_in(time_column, row.time);
 }
 
 /// Brings the table in line with the rows given one after the other. Rows that were not given are
@@ -125,9 +141,9 @@ public:
     }
 
     ~TableWriter() {
-        for (; next_old_ < shown_listeners.size(); ++next_old_)
+        for (; next_old_ < shown_table->listeners.size(); ++next_old_)
             remove_old();
-        shown_listeners = std::move(written_);
+        shown_table->listeners = std::move(written_);
     }
 
     TableWriter(const TableWriter&) = delete;
@@ -161,9 +177,9 @@ public:
     }
 
 private:
-    bool old_is_left() const { return next_old_ < shown_listeners.size(); }
+    bool old_is_left() const { return next_old_ < shown_table->listeners.size(); }
 
-    ShownListener& old() { return shown_listeners[next_old_]; }
+    ShownListener& old() { return shown_table->listeners[next_old_]; }
 
     void remove_old() { gtk_list_store_remove(widgets.listeners_store, &old().iter); }
 
@@ -270,6 +286,8 @@ void add_column(gint column) {
 GtkWidget* make_listeners_table() {
     widgets.listeners_store =
         gtk_list_store_new(column_count, G_TYPE_INT, G_TYPE_STRING, G_TYPE_STRING, G_TYPE_STRING);
+    g_object_set_data_full(G_OBJECT(widgets.listeners_store), shown_table_key, new ShownTable,
+                           forget_table);
     widgets.listeners_view = gtk_tree_view_new_with_model(GTK_TREE_MODEL(widgets.listeners_store));
     g_object_unref(widgets.listeners_store); // the view holds it now
     for (gint column = 0; column < column_count; ++column)
@@ -288,6 +306,7 @@ GtkWidget* make_listeners_table() {
 }
 
 void draw_listeners(const StationState& state) {
+    look_up_shown_table();
     set_label_text(widgets.listeners_title, listening_title(state));
 
     const std::optional<SelectedListener> selected = selected_listener();

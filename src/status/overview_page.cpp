@@ -66,11 +66,27 @@ ShownRow make_row(const RowContent& content) {
     return shown;
 }
 
+constexpr char rows_key[] = "shown-rows";
+
+void forget_rows(gpointer rows) {
+    delete static_cast<std::vector<ShownRow>*>(rows);
+}
+
+/// The rows that a box shows. They are remembered with the box, and gone with it.
+std::vector<ShownRow>& rows_of(GtkWidget* box) {
+    gpointer rows = g_object_get_data(G_OBJECT(box), rows_key);
+    if (!rows) {
+        rows = new std::vector<ShownRow>;
+        g_object_set_data_full(G_OBJECT(box), rows_key, rows, forget_rows);
+    }
+    return *static_cast<std::vector<ShownRow>*>(rows);
+}
+
 /// Brings the rows of a box in line with the contents given one after the other. Rows beyond the
 /// last one go when the object goes, also when an error ends the pass in the middle.
 class RowWriter {
 public:
-    RowWriter(GtkWidget* box, std::vector<ShownRow>& rows) : box_{box}, rows_{rows} {}
+    explicit RowWriter(GtkWidget* box) : box_{box}, rows_{rows_of(box)} {}
 
     ~RowWriter() {
         while (rows_.size() > written_) {
@@ -126,9 +142,6 @@ private:
     const char* page_of_focus_ = nullptr;
 };
 
-std::vector<ShownRow> checklist_rows;
-std::vector<ShownRow> receiver_rows;
-
 } // namespace
 
 void show_page(const char* name) {
@@ -152,7 +165,7 @@ void draw_checklist(const StationState& state) {
                                    setting_string("station.callsign"),
                                    setting_string("station.grid")};
     {
-        RowWriter rows{widgets.getting_started_box, checklist_rows};
+        RowWriter rows{widgets.getting_started_box};
         for (const ChecklistItem& item : checklist_items(state, identity))
             rows.write({.mark_markup = item.done ? "✓" : "○",
                         .mark_class = item.done ? "good" : "muted",
@@ -177,7 +190,7 @@ void draw_station_link(const StationState& state) {
 }
 
 void draw_receivers_on_air(const StationState& state) {
-    RowWriter rows{widgets.on_air_box, receiver_rows};
+    RowWriter rows{widgets.on_air_box};
     for (const json::value& element : required_array(status_object, "receivers")) {
         const json::object& receiver = as_object(element, "an element of receivers");
         const std::string device = member_string(receiver, "device");
