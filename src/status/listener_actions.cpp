@@ -42,11 +42,6 @@ bool listener_is_selected() {
 } // namespace
 
 void listener_action(bool block) {
-    // The question and the drawing let every handler run, this one too.
-    static bool acting = false;
-    const OnlyOnce once{acting};
-    if (!once.is_first())
-        return;
     const std::optional<SelectedListener> listener = selected_listener();
     if (!listener)
         return;
