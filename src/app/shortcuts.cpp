@@ -2,6 +2,7 @@
 #include "app/shortcuts.h"
 
 #include "app/state_poll.h"
+#include "ui/form_widgets.h"
 #include "ui/save_settings.h"
 #include "ui/widget_record.h"
 
@@ -155,6 +156,14 @@ constexpr char overlay[] = R"(
 </interface>
 )";
 
+/// The overlay's search button shows a picture only, and GTK has not named it.
+void name_search_button(GtkWidget* widget, gpointer) {
+    if (GTK_IS_TOGGLE_BUTTON(widget))
+        set_accessible_name(widget, "Search");
+    else if (GTK_IS_CONTAINER(widget))
+        gtk_container_forall(GTK_CONTAINER(widget), name_search_button, nullptr);
+}
+
 } // namespace
 
 void add_shortcuts() {
@@ -172,10 +181,19 @@ void add_shortcuts() {
 }
 
 void show_shortcuts() {
-    GtkBuilder* builder = gtk_builder_new_from_string(overlay, -1);
-    GtkWidget* window = GTK_WIDGET(gtk_builder_get_object(builder, "overlay"));
-    gtk_window_set_transient_for(GTK_WINDOW(window), GTK_WINDOW(widgets.window));
-    gtk_window_set_destroy_with_parent(GTK_WINDOW(window), TRUE);
-    gtk_widget_show(window);
-    g_object_unref(builder); // the toolkit holds top-level windows itself
+    // Made once, and hidden when it is closed: GTK 3.24 complains about a window of this kind that
+    // is destroyed while a screen reader follows it.
+    static GtkWidget* window = nullptr;
+    if (!window) {
+        GtkBuilder* builder = gtk_builder_new_from_string(overlay, -1);
+        window = GTK_WIDGET(gtk_builder_get_object(builder, "overlay"));
+        gtk_window_set_transient_for(GTK_WINDOW(window), GTK_WINDOW(widgets.window));
+        gtk_window_set_destroy_with_parent(GTK_WINDOW(window), TRUE);
+        g_signal_connect(window, "delete-event", G_CALLBACK(gtk_widget_hide_on_delete), nullptr);
+        g_signal_connect(window, "destroy", G_CALLBACK(gtk_widget_destroyed), &window);
+        if (GtkWidget* bar = gtk_window_get_titlebar(GTK_WINDOW(window)))
+            name_search_button(bar, nullptr);
+        g_object_unref(builder); // the toolkit holds top-level windows itself
+    }
+    gtk_window_present(GTK_WINDOW(window));
 }
