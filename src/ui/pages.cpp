@@ -24,8 +24,17 @@ void on_end_session_clicked(GtkButton*, gpointer) {
     listener_action(false);
 }
 
+gboolean on_block_idle(gpointer) {
+    if (widgets.window)
+        listener_action(true);
+    return G_SOURCE_REMOVE;
+}
+
 void on_block_clicked(GtkButton*, gpointer) {
-    listener_action(true);
+    // Presses that come over the accessibility bus hold it until their handler has returned: asked
+    // in here, the question could not be read by the screen reader that caused it. So it waits for
+    // the main loop, but not behind the next event.
+    g_idle_add_full(G_PRIORITY_HIGH, on_block_idle, nullptr, nullptr);
 }
 
 void on_find_devices_clicked(GtkButton*, gpointer) {

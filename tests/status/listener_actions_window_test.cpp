@@ -106,6 +106,7 @@ TEST_F(ListenerActions, SendNothingWhenTheQuestionIsNotAnsweredWithOk) {
 TEST_F(ListenerActions, BanFirstAndEndTheSessionThen) {
     answer_next_dialog(GTK_RESPONSE_OK);
     click(widgets.block_button);
+    drain_events();
     EXPECT_EQ(lines(), (std::vector<std::string>{"POST /api/ban", "POST /api/kick",
                                                  "GET /api/state", "GET /api/state"}));
     EXPECT_EQ(json::parse(service.requests()[0].body), (json::value{{"address", "2001:db8::17"}}));
