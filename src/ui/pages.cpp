@@ -344,6 +344,10 @@ void build_advanced_expander(GtkWidget* page) {
     gtk_widget_set_margin_top(box, 8);
     add_entry_row(add_card(box, nullptr), "directory.url", "Station list address", nullptr, "");
     gtk_container_add(GTK_CONTAINER(expander), box);
+    // Tab reaches into an expander that is closed unless what it holds is hidden.
+    gtk_widget_show_all(box);
+    gtk_widget_set_no_show_all(box, TRUE);
+    g_object_bind_property(expander, "expanded", box, "visible", G_BINDING_SYNC_CREATE);
     pack(page, expander);
 }
 

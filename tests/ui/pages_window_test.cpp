@@ -254,7 +254,7 @@ TEST_F(Pages, InternetHoldsItsCardsInOrder) {
             label "Your receivers keep running after you log out and come back after a restart. An RX-888 still needs you logged in." .small
           switch centred at end
       expander "Advanced"
-        box vertical [0 0 8 0]
+        box vertical [0 0 8 0] hidden
           box vertical .card
             box horizontal 18 .row
               box vertical 2 centred expands
