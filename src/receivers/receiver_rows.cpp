@@ -121,6 +121,9 @@ GtkWidget* make_frequency_row(Receiver& receiver) {
     gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver.high_spin),
                               receiver.hi / hertz_per_megahertz);
     GtkWidget* frequencies = make_label("Frequencies", nullptr, false);
+    // On a small screen there is room for the numbers or for this word.
+    ellipsise(frequencies);
+    set_whole_text_tooltip(frequencies);
     pack(row, frequencies);
     pack(row, receiver.low_spin);
     pack(row, make_label("to", nullptr, false));
