@@ -142,11 +142,12 @@ void add_details(Receiver& receiver, std::size_t index) {
     pack_end(row, menu);
     pack(receiver.details_box, row);
     receiver.coverage_label = make_label("", "small");
-    announce_changes(receiver.coverage_label);
     pack(receiver.details_box, receiver.coverage_label);
     describe_by_label(receiver.low_spin, receiver.coverage_label);
     describe_by_label(receiver.high_spin, receiver.coverage_label);
     check_receiver_range(index);
+    // From now on: what a load or a search brings is read when its field is reached.
+    announce_changes(receiver.coverage_label);
 
     const gpointer data = GSIZE_TO_POINTER(index);
     g_object_set_data(G_OBJECT(menu), index_key, data);

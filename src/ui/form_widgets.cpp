@@ -126,11 +126,14 @@ gboolean make_waiting_relations(gpointer) {
     return G_SOURCE_REMOVE;
 }
 
-void on_label_changed(GtkLabel* label, GParamSpec*, gpointer) {
-    AtkObject* accessible = gtk_widget_get_accessible(GTK_WIDGET(label));
-    const char* text = gtk_label_get_text(label);
+void announce(GtkWidget* label) {
+    const char* text = gtk_label_get_text(GTK_LABEL(label));
     if (*text)
-        g_signal_emit_by_name(accessible, "announcement", text);
+        g_signal_emit_by_name(gtk_widget_get_accessible(label), "announcement", text);
+}
+
+void on_label_changed(GtkLabel* label, GParamSpec*, gpointer) {
+    announce(GTK_WIDGET(label));
 }
 
 } // namespace
@@ -326,7 +329,12 @@ void set_whole_text_tooltip(GtkWidget* label) {
 }
 
 void show_footer(const StatusLine& line) {
+    const bool same_words =
+        gtk_label_get_label(GTK_LABEL(widgets.footer_status)) == showable(line.text);
     show_status_line(widgets.footer_status, line);
+    // Said again after a second press, the words are no change, but an answer.
+    if (same_words)
+        announce(widgets.footer_status);
     set_whole_text_tooltip(widgets.footer_status);
 }
 
