@@ -75,7 +75,7 @@ void on_share_switch_toggled(GtkSwitch* share, GParamSpec*, gpointer index) {
         gtk_widget_set_sensitive(receiver->details_box, gtk_switch_get_active(share));
 }
 
-GtkWidget* make_band_menu() {
+GtkWidget* make_band_menu(const Receiver& receiver) {
     GtkWidget* menu = gtk_combo_box_text_new();
     for (const BandPreset& preset : band_presets())
         gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(menu), preset.id, preset.text);
@@ -85,7 +85,7 @@ GtkWidget* make_band_menu() {
     g_object_set(cells->data, "ellipsize", PANGO_ELLIPSIZE_END, "width-chars", band_menu_chars,
                  nullptr);
     g_list_free(cells);
-    set_accessible_name(menu, "Band");
+    set_accessible_name(menu, ("Band of " + showable(receiver.model)).c_str());
     return menu;
 }
 
@@ -114,8 +114,10 @@ GtkWidget* make_header(Receiver& receiver) {
 
 GtkWidget* make_frequency_row(Receiver& receiver) {
     GtkWidget* row = make_box(GTK_ORIENTATION_HORIZONTAL, 8);
-    receiver.low_spin = make_frequency_spin("Lowest frequency in MHz");
-    receiver.high_spin = make_frequency_spin("Highest frequency in MHz");
+    // Several receivers stand on the page: whoever does not see it hears which one is meant.
+    const std::string of_model = " of " + showable(receiver.model);
+    receiver.low_spin = make_frequency_spin(("Lowest frequency" + of_model + " in MHz").c_str());
+    receiver.high_spin = make_frequency_spin(("Highest frequency" + of_model + " in MHz").c_str());
     gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver.low_spin),
                               receiver.lo / hertz_per_megahertz);
     gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver.high_spin),
@@ -138,7 +140,7 @@ void add_details(Receiver& receiver, std::size_t index) {
         return;
     }
     GtkWidget* row = make_frequency_row(receiver);
-    GtkWidget* menu = make_band_menu();
+    GtkWidget* menu = make_band_menu(receiver);
     pack_end(row, menu);
     pack(receiver.details_box, row);
     receiver.coverage_label = make_label("", "small");

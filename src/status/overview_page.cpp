@@ -52,11 +52,13 @@ ShownRow make_row(const RowContent& content) {
     ShownRow shown{make_box(GTK_ORIENTATION_HORIZONTAL, 10, "row"), nullptr, content};
     if (!content.mark_markup.empty())
         pack(shown.row, make_label(content.mark_markup.c_str(), content.mark_class, false));
-    pack(shown.row, make_label(content.markup.c_str(), nullptr), true);
+    GtkWidget* text = make_label(content.markup.c_str(), nullptr);
+    pack(shown.row, text, true);
     if (!content.origin.empty())
         pack(shown.row, make_label(escaped_markup(content.origin).c_str(), "small", false));
     if (content.button) {
         shown.button = make_button(content.button, "link");
+        describe_by_label(shown.button, text);
         // The names are literals of the rules: they outlive the button.
         g_signal_connect(shown.button, "clicked", G_CALLBACK(on_link_button_clicked),
                          const_cast<char*>(content.page));

@@ -200,7 +200,8 @@ GtkWidget* add_page(const char* name, const char* title, const char* subtitle) {
     gtk_widget_set_margin_start(page, 26);
     gtk_widget_set_margin_end(page, 26);
     set_vertical_margins(page, 20, 26);
-    pack(page, make_label(escaped_markup(title).c_str(), "page-title"));
+    GtkWidget* heading = make_label(escaped_markup(title).c_str(), "page-title");
+    pack(page, heading);
     if (subtitle)
         pack(page, make_label(escaped_markup(subtitle).c_str(), "muted"));
 
@@ -208,6 +209,7 @@ GtkWidget* add_page(const char* name, const char* title, const char* subtitle) {
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scroll), GTK_POLICY_NEVER,
                                    GTK_POLICY_AUTOMATIC);
     gtk_container_add(GTK_CONTAINER(scroll), page);
+    name_by_label(scroll, heading);
     gtk_stack_add_titled(GTK_STACK(widgets.stack), scroll, name, title);
     return page;
 }

@@ -110,6 +110,7 @@ void build_listeners_card(GtkWidget* page) {
     pack(card, widgets.listeners_title);
     pack(card, make_listeners_table());
     name_by_label(widgets.listeners_view, widgets.listeners_title);
+    name_by_label(widgets.listeners_scroll, widgets.listeners_title);
     widgets.listeners_empty = make_label("Nobody is listening right now.", "muted");
     set_vertical_margins(widgets.listeners_empty, 6, 6);
     pack(card, widgets.listeners_empty);

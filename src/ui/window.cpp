@@ -97,31 +97,40 @@ gboolean on_page_list_focus(GtkWidget* list, GtkDirectionType direction, gpointe
 }
 
 void find_list_box(GtkWidget* widget, gpointer found) {
+    // What the list scrolls in is no stop for the keyboard.
+    if (GTK_IS_SCROLLED_WINDOW(widget))
+        gtk_widget_set_can_focus(widget, FALSE);
     if (GTK_IS_LIST_BOX(widget))
         *static_cast<GtkWidget**>(found) = widget;
     else if (GTK_IS_CONTAINER(widget))
         gtk_container_forall(GTK_CONTAINER(widget), find_list_box, found);
 }
 
+/// GTK gives the rows of the list their words, but no name.
+void name_row(GtkWidget* row, gpointer) {
+    name_by_label(row, gtk_bin_get_child(GTK_BIN(row)));
+}
+
+/// The list of the pages that the stack holds.
 GtkWidget* make_sidebar() {
     GtkWidget* sidebar = gtk_stack_sidebar_new();
     gtk_widget_set_size_request(sidebar, sidebar_width, -1);
     GtkWidget* list = nullptr;
     find_list_box(sidebar, &list);
     g_signal_connect(list, "focus", G_CALLBACK(on_page_list_focus), nullptr);
+    gtk_stack_sidebar_set_stack(GTK_STACK_SIDEBAR(sidebar), GTK_STACK(widgets.stack));
+    gtk_container_foreach(GTK_CONTAINER(list), name_row, nullptr);
     return sidebar;
 }
 
 GtkWidget* make_body() {
     GtkWidget* body = make_box(GTK_ORIENTATION_HORIZONTAL, 0);
-    GtkWidget* sidebar = make_sidebar();
     widgets.stack = gtk_stack_new();
     gtk_stack_set_transition_type(GTK_STACK(widgets.stack), GTK_STACK_TRANSITION_TYPE_CROSSFADE);
     // The first frame shows one page: the others are measured when there is time.
     gtk_stack_set_homogeneous(GTK_STACK(widgets.stack), FALSE);
     build_pages();
-    gtk_stack_sidebar_set_stack(GTK_STACK_SIDEBAR(sidebar), GTK_STACK(widgets.stack));
-    pack(body, sidebar);
+    pack(body, make_sidebar());
     pack(body, widgets.stack, true);
     return body;
 }

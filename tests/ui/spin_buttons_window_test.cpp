@@ -30,7 +30,7 @@ TEST_F(SpinButtons, AFrequencyHasKilohertzSteps) {
     EXPECT_EQ(outline_of(frequency()), "spin 0 to 6000 by 0.001 digits 3\n");
     EXPECT_EQ(gtk_entry_get_width_chars(GTK_ENTRY(frequency())), 9);
     EXPECT_STREQ(atk_object_get_name(gtk_widget_get_accessible(frequency())),
-                 "Lowest frequency in MHz");
+                 "Lowest frequency of RSPdx in MHz");
 }
 
 TEST_F(SpinButtons, ReadADotAndACommaAlikeInEveryLocale) {
