@@ -1,0 +1,236 @@
+# SPDX-License-Identifier: MIT
+"""What a screen reader finds: a name for every control, descriptions, announcements, an order."""
+
+import unittest
+
+from harness import (Announcements, Atspi, Case, HOST, PAGES, Relation, Role, State, description_of,
+                     extents, key, label_of, state_document, wait_for, walk_shown,
+                     related)
+
+
+def nameless(window):
+    """The controls of a window that the keyboard reaches and nobody has named."""
+    return [f"{a.get_role_name()} in {a.get_parent().get_role_name()}" for a in walk_shown(window)
+            if a.get_state_set().contains(State.FOCUSABLE) and not label_of(a).strip()]
+
+
+class Names(Case):
+    def assert_all_named(self, window, where):
+        self.assertEqual(nameless(window), [], f"controls without a name, {where}")
+
+    def assert_pages_named(self, scenario, *more):
+        self.station(scenario, *more)
+        program = self.open()
+        for page in PAGES:
+            program.page(page)
+            self.assert_all_named(program.frame(), f"page {page}, {scenario}")
+        return program
+
+    def test_every_control_of_a_station_on_the_air_has_a_name(self):
+        program = self.assert_pages_named("quiet")
+        program.page("receivers").press("Find devices")
+        wait_for(lambda: any("found" in label for label in program.labels()), "the devices")
+        self.assert_all_named(program.frame(), "receivers after a search")
+
+    def test_every_control_of_a_first_run_has_a_name(self):
+        self.assert_pages_named("first-run")
+
+    def test_every_control_beside_a_relay_has_a_name(self):
+        self.assert_pages_named("relay-refused", "--speed", "0")
+
+    def test_every_control_beside_a_failed_receiver_has_a_name(self):
+        self.assert_pages_named("receiver-failed", "--speed", "0")
+
+    def test_every_control_beside_long_texts_has_a_name(self):
+        self.assert_pages_named("long-texts", "--speed", "0")
+
+    def test_the_question_about_edits_and_the_overlay_have_names(self):
+        self.station("quiet")
+        program = self.open("station")
+        program.type_into("Operator", "Sam").keys("ctrl+w")
+        self.assert_all_named(program.dialog(), "the question about unsaved changes")
+        program.answer("Cancel")
+        wait_for(lambda: not program.find_dialog(), "the question to go")
+        program.keys("ctrl+question")
+        overlay = wait_for(lambda: next((w for w in program.windows()
+                                         if w.get_name() != "Tarnwave settings"), None),
+                           "the overlay")
+        self.assert_all_named(overlay, "the shortcuts overlay")
+        program.keys("Escape")
+        wait_for(lambda: len(program.windows()) == 1, "the overlay to go")
+
+    def test_the_block_question_has_names(self):
+        self.station("quiet")
+        program = self.open()
+        wait_for(lambda: Atspi.Table.add_row_selection(program.get(Role.TABLE), 0), "a selection")
+        program.press("Block address…")
+        self.assert_all_named(program.dialog(), "the block question")
+        program.keys("Escape")
+        wait_for(lambda: not program.find_dialog(), "the question to go")
+
+    def test_the_start_up_dialogs_have_names(self):
+        program = self.start()
+        self.assert_all_named(program.dialog(), "no service")
+        program.keys("Escape")
+        program.wait_for_end()
+        self.station("not-owner")
+        program = self.start()
+        self.assert_all_named(program.dialog(), "the owner question")
+        program.keys("Escape")
+        program.wait_for_end()
+
+    def test_no_two_fields_of_a_page_share_a_name(self):
+        self.station("quiet")
+        program = self.open()
+        for page in PAGES:
+            program.page(page)
+            names = [(a.get_role_name(), label_of(a)) for a in walk_shown(program.body())
+                     if a.get_role() in (Role.TEXT, Role.SPIN_BUTTON, Role.TOGGLE_BUTTON,
+                                         Role.CHECK_BOX, Role.COMBO_BOX)]
+            self.assertEqual(len(names), len(set(names)), names)
+
+
+class Relations(Case):
+    # One field of each kind, and the hint that stands under its label.
+    HINTS = [
+        ("overview", Role.PUSH_BUTTON, "Go there →", "Share at least one receiver"),
+        ("station", Role.TEXT, "Callsign", "Leave empty if you do not have one."),
+        ("station", Role.TEXT, "Grid square", "On the map at about 35.5° N, 81.0° W."),
+        ("receivers", Role.TOGGLE_BUTTON, "Share Dialhouse's receivers too",
+         "Receivers Dialhouse runs on this computer stay as they are; listeners tune inside what "
+         "they cover."),
+        ("receivers", Role.TOGGLE_BUTTON, "Share SDRplay RSP1 with listeners",
+         "SDRplay receiver · serial 1905034F2A"),
+        ("listeners", Role.SPIN_BUTTON, "Listeners at once",
+         "Uses about 1.2 Mbit/s of your upload when every place is taken."),
+        ("listeners", Role.SPIN_BUTTON, "Session length",
+         "Minutes before a session ends. 0 means no limit."),
+        ("internet", Role.TOGGLE_BUTTON, f"List this station on {HOST}",
+         f"Listeners find stations at {HOST}/websdr.html."),
+    ]
+
+    def test_hints_describe_their_fields(self):
+        document = state_document()
+        document["status"]["receivers"] = []
+        self.scripted_service(document)
+        program = self.open()
+        for page, role, label, hint in self.HINTS:
+            with self.subTest(label=label):
+                field = program.page(page).field(role, label)
+                wait_for(lambda: description_of(field) == hint,
+                         lambda: f"“{hint}”; it is “{description_of(field)}”")
+
+    def test_labels_know_their_fields(self):
+        self.station("quiet")
+        program = self.open("station")
+        label = next(a for a in walk_shown(program.body()) if a.get_name() == "Operator")
+        wait_for(lambda: [a.get_role() for a in related(label, Relation.LABEL_FOR)] == [Role.TEXT],
+                 "the label's field")
+
+
+class Spoken(Case):
+    def setUp(self):
+        super().setUp()
+        self.said = Announcements()
+        self.addCleanup(self.said.stop)
+
+    def wait_until_said(self, text, times=1):
+        wait_for(lambda: self.said.texts.count(text) >= times,
+                 lambda: f"“{text}” to be announced; said was {self.said.texts}")
+
+    def test_the_header_line_is_announced_when_it_changes(self):
+        service = self.scripted_service()
+        program = self.open()
+        self.wait_until_said(f"On the air · 1 receiver · 0 of 20 listening · listed on {HOST}")
+        service.answers("GET", "/api/state", 500, {"error": "Oops."})
+        program.poll()
+        self.wait_until_said("The Tarnwave service is not answering")
+
+    def test_the_footer_is_announced_each_time(self):
+        self.station("quiet")
+        program = self.open("station")
+        program.type_into("Operator", "Sam").save()
+        self.wait_until_said("Saved.")
+        program.type_into("Operator", "Pat").save()
+        self.wait_until_said("Saved.", times=2)
+
+    def test_the_coverage_line_is_announced_when_it_changes_and_only_then(self):
+        self.station("quiet")
+        program = self.open("receivers")
+        program.set_number("Highest frequency of SDRplay RSP1 in MHz", 20)
+        self.wait_until_said("13.00 MHz is too wide: this receiver covers up to 8 MHz at once.")
+        self.assertEqual([text for text in self.said.texts if text.startswith("Covers")], [])
+
+
+class ReadingOrder(Case):
+    def controls(self, program):
+        """The controls of the page that Tab should reach, in reading order."""
+        # A menu takes the keyboard by a button of its own; what scrolls is no stop beside its
+        # content.
+        left = [a for a in walk_shown(program.body())
+                if a.get_state_set().contains(State.SENSITIVE) and a.get_role() != Role.SCROLL_PANE
+                and (a.get_state_set().contains(State.FOCUSABLE) or
+                     a.get_role() == Role.COMBO_BOX)]
+        mirrored = extents(program.get(Role.LIST_BOX)).x > extents(program.body()).x
+
+        def middle(accessible):
+            at = extents(accessible)
+            return at.y + at.height / 2
+
+        ordered = []
+        while left:
+            # A line: whatever stands beside the topmost one.
+            top = min(left, key=middle)
+            line = [a for a in left if abs(middle(a) - middle(top)) < 10]
+            ordered += sorted(line, key=lambda a: extents(a).x, reverse=mirrored)
+            left = [a for a in left if a not in line]
+        return ordered
+
+    def describe(self, accessible):
+        # GTK does not say that a menu has the focus: then nothing seems to have it.
+        if accessible is None or accessible.get_role() == Role.COMBO_BOX:
+            return "menu"
+        words = f"{accessible.get_role_name()} “{label_of(accessible)}”"
+        # Buttons of one name differ in what they are about.
+        return words + (description_of(accessible) if words.endswith("→”") else "")
+
+    def test_tab_follows_the_reading_order_on_every_page_and_leaves_the_text_boxes(self):
+        document = state_document()
+        document["status"]["listeners"] = [{"number": 1, "address": "203.0.113.7", "seconds": 1}]
+        document["settings"]["directory"].update(id="", email="")
+        document["status"]["directory"] = {"state": "not registered"}
+        self.scripted_service(document)
+        program = self.open()
+        # All of a page in view: what is not has no place that could be compared.
+        program.resize(1000, 1700)
+        for page in PAGES:
+            with self.subTest(page=page):
+                program.page(page)
+                if page == "overview":  # a selection wakes the buttons below the table
+                    wait_for(lambda: Atspi.Table.add_row_selection(program.get(Role.TABLE), 0),
+                             "a selection")
+                expected = [self.describe(a) for a in self.controls(program)]
+                self.assertGreater(len(expected), 2)
+                reached = []
+                program.focus(program.get(Role.PUSH_BUTTON, "Open station page"))
+                while len(reached) < 60:
+                    before = self.describe(program.focused())
+                    program.keys("Tab")
+                    wait_for(lambda: self.describe(program.focused()) != before,
+                             lambda: f"the focus to leave {before}")
+                    reached.append(self.describe(program.focused()))
+                    if reached[-1] == "push button “Open station page”":
+                        break
+                # First comes the list of pages, with one stop; last the button we came from.
+                self.assertEqual(reached[1:-1], expected)
+
+    def test_shift_tab_goes_back(self):
+        self.station("quiet")
+        program = self.open("station")
+        program.focus(program.entry("Operator"))
+        key("shift+Tab")
+        wait_for(lambda: label_of(program.focused()) == "Callsign", "the field before it")
+
+
+if __name__ == "__main__":
+    unittest.main()

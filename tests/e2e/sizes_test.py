@@ -1,0 +1,132 @@
+# SPDX-License-Identifier: MIT
+"""Small screens, large pixels, long texts, and the direction of reading."""
+
+import os
+import unittest
+
+from harness import (Case, PAGES, Role, extents, is_showing, state_document, wait_for,
+                     window_size)
+
+# What a small screen has left for a window below a panel.
+SMALL = (800, 480)
+
+
+class Sizes(Case):
+    def size(self, program):
+        return window_size(program.window_id())
+
+    def assert_inside(self, program, widget, what):
+        """Whether nothing of a widget sticks out of the window to the left or right."""
+        window, at = extents(program.content()), extents(widget)
+        self.assertGreaterEqual(at.x, window.x, what)
+        self.assertLessEqual(at.x + at.width, window.x + window.width, what)
+
+
+class SmallScreen(Sizes):
+    def test_the_window_fits_a_small_screen_on_every_page(self):
+        self.station("quiet")
+        program = self.open()
+        self.assertEqual(program.resize(*SMALL), SMALL)
+        for page in PAGES:
+            program.page(page)
+            self.assertEqual(self.size(program), SMALL, f"page {page}")
+            self.assert_inside(program, program.body(), f"page {page}")
+
+    def test_the_keyboard_scrolls_to_what_lies_below_the_edge(self):
+        self.station("quiet")
+        program = self.open("internet")
+        program.resize(*SMALL)
+        switch = program.switch("Keep sharing when I'm logged out")
+        window = extents(program.content())
+
+        def in_view():
+            at = extents(switch)
+            return window.y < at.y and at.y + at.height < window.y + window.height
+        self.assertFalse(in_view())
+        program.focus(switch)
+        wait_for(in_view, "the page to scroll to the switch")
+
+    def test_the_questions_fit_a_small_screen(self):
+        self.station("quiet")
+        program = self.open("station")
+        program.resize(*SMALL)
+        program.type_into("Operator", "Sam").keys("ctrl+w")
+        self.assertLessEqual(extents(program.dialog()).width, SMALL[0])
+        program.answer("Cancel")
+
+
+class LongTexts(Sizes):
+    def test_long_texts_never_widen_the_window(self):
+        self.station("long-texts", "--speed", "0")
+        program = self.open()
+        for page in PAGES:
+            program.page(page)
+            self.assertEqual(self.size(program), (1000, 780), f"page {page}")
+        program.page("receivers").press("Find devices")
+        wait_for(lambda: any("found" in label for label in program.labels()), "the devices")
+        self.assertEqual(self.size(program), (1000, 780))
+
+    def test_a_long_refusal_is_cut_short_in_the_footer(self):
+        self.station("long-texts", "--speed", "0")
+        program = self.open("station")
+        program.type_into("Operator", "Sam").keys("ctrl+s")
+        wait_for(lambda: program.footer().startswith("Not saved: "), "the refusal")
+        self.assertGreater(len(program.footer()), 200)
+        self.assertEqual(self.size(program), (1000, 780))
+        self.assert_inside(program, program.content().get_child_at_index(2), "the footer")
+
+    def test_long_texts_fit_a_small_screen(self):
+        self.station("long-texts", "--speed", "0")
+        program = self.open()
+        self.assertEqual(program.resize(*SMALL), SMALL)
+        for page in PAGES:
+            program.page(page)
+            self.assertEqual(self.size(program), SMALL, f"page {page}")
+
+    def test_huge_texts_leave_the_window_usable(self):
+        document = state_document()
+        document["settings"]["station"]["name"] = "W" * 10_000
+        document["status"]["started"] = [{"running": False, "serial": "1", "log": "x" * 65_536}]
+        document["status"]["listeners"] = [{"number": 1, "address": "2" * 200, "seconds": 1}]
+        service = self.scripted_service(document)
+        program = self.open()
+        self.assertEqual(self.size(program), (1000, 780))
+        # Five polls and a page within the time that the window is given for anything.
+        before = service.count("GET", "/api/state")
+        program.keys("F5", "F5", "F5", "F5", "F5", "ctrl+2")
+        wait_for(lambda: service.count("GET", "/api/state") >= before + 5, "the polls", limit=15)
+        wait_for(lambda: program.shown_page() == "station", "the page", limit=15)
+        self.assertEqual(self.size(program), (1000, 780))
+
+
+class LargePixels(Sizes):
+    def test_at_twice_the_scale_everything_is_twice_as_large(self):
+        self.station("quiet")
+        program = self.open("station", GDK_SCALE="1")
+        plain = extents(program.entry("Operator"))
+        program.quit()
+        program = self.open("station", GDK_SCALE="2")
+        # The screen is too small for all of the window: its widgets keep their measure.
+        drawn = extents(program.entry("Operator"))
+        self.assertEqual((drawn.width, drawn.height), (plain.width, plain.height))
+        content = extents(program.content())
+        self.assertEqual(self.size(program), (2 * content.width, 2 * content.height))
+
+
+class Direction(Sizes):
+    def test_a_language_that_reads_from_the_right_mirrors_the_window(self):
+        self.station("quiet")
+        program = self.open()
+        mirrored = os.environ.get("LC_ALL", "C").startswith("ar")
+        sidebar = extents(program.get(Role.LIST_BOX)).x
+        self.assertEqual(sidebar > extents(program.body()).x, mirrored)
+
+    def test_the_program_s_words_stay_the_same_in_every_language(self):
+        self.station("quiet")
+        program = self.open("receivers")
+        program.wait_for_label("Covers 0.3 MHz of the 8 MHz this receiver can take at once.")
+        self.assertTrue(is_showing(program.get(Role.PUSH_BUTTON, "Save changes")))
+
+
+if __name__ == "__main__":
+    unittest.main()
