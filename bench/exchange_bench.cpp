@@ -4,86 +4,23 @@
 // The argument is the size of the reply's body: about that of a state document with one, 20, 200
 // and 2,000 listeners. The other end is a process of its own, so that CPU time is the client's.
 #include "link/service_link.h"
+#include "support/replying_process.h"
 
 #include <benchmark/benchmark.h>
-#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 #include <sys/un.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <stdexcept>
 #include <string>
 
 namespace {
 
 constexpr int time_limit_s = 3;
-
-/// A process that answers every connection with the same reply, until it is destroyed.
-class ReplyingProcess {
-public:
-    explicit ReplyingProcess(std::size_t body_size) {
-        char folder[] = "/tmp/tarnwave-bench-XXXXXX";
-        if (!mkdtemp(folder))
-            throw std::runtime_error{"no temporary folder"};
-        folder_ = folder;
-        path_ = folder_ + "/s";
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        std::strncpy(address.sun_path, path_.c_str(), sizeof address.sun_path - 1);
-        const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        if (bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-            listen(listener, 64) != 0)
-            throw std::runtime_error{"cannot listen"};
-        const std::string reply = "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n"
-                                  "Content-Length: " +
-                                  std::to_string(body_size) + "\r\n\r\n" +
-                                  std::string(body_size, 'x');
-        process_ = fork();
-        if (process_ == 0)
-            answer_for_ever(listener, reply);
-        close(listener);
-    }
-    ~ReplyingProcess() {
-        kill(process_, SIGKILL);
-        waitpid(process_, nullptr, 0);
-        unlink(path_.c_str());
-        rmdir(folder_.c_str());
-    }
-    ReplyingProcess(const ReplyingProcess&) = delete;
-    ReplyingProcess& operator=(const ReplyingProcess&) = delete;
-
-    const std::string& path() const { return path_; }
-
-private:
-    [[noreturn]] static void answer_for_ever(int listener, const std::string& reply) {
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-        char request[4096];
-        for (;;) {
-            const int connection = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
-            if (recv(connection, request, sizeof request, 0) > 0) {
-                for (std::size_t sent = 0; sent < reply.size();) {
-                    const ssize_t more =
-                        send(connection, reply.data() + sent, reply.size() - sent, MSG_NOSIGNAL);
-                    if (more <= 0)
-                        break;
-                    sent += static_cast<std::size_t>(more);
-                }
-            }
-            close(connection);
-        }
-    }
-
-    std::string folder_{};
-    std::string path_{};
-    pid_t process_ = -1;
-};
 
 /// The least that one exchange takes: no checks but the length, no library. Returns the status.
 int exchange_in_plain_c(const char* path, std::size_t* body_size) {
@@ -146,7 +83,7 @@ int exchange_in_plain_c(const char* path, std::size_t* body_size) {
 
 void FloorExchange(benchmark::State& state) {
     const auto expected = static_cast<std::size_t>(state.range(0));
-    const ReplyingProcess service{expected};
+    const ReplyingProcess service{std::string(expected, 'x')};
     for (auto _ : state) {
         std::size_t size = 0;
         if (exchange_in_plain_c(service.path().c_str(), &size) != 200 || size != expected)
@@ -156,7 +93,7 @@ void FloorExchange(benchmark::State& state) {
 
 void Exchange(benchmark::State& state) {
     const auto expected = static_cast<std::size_t>(state.range(0));
-    const ReplyingProcess service{expected};
+    const ReplyingProcess service{std::string(expected, 'x')};
     settings_socket_path = service.path();
     for (auto _ : state) {
         const ServiceReply reply = service_request(HttpMethod::get, "/api/state", "", time_limit_s);
