@@ -2,6 +2,7 @@
 #include "app/shortcuts.h"
 
 #include "app/state_poll.h"
+#include "ui/accessibility.h"
 #include "ui/form_widgets.h"
 #include "ui/save_settings.h"
 #include "ui/widget_record.h"

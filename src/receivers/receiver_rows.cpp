@@ -3,6 +3,7 @@
 
 #include "link/format_text.h"
 #include "receivers/coverage.h"
+#include "ui/accessibility.h"
 #include "ui/change_tracking.h"
 #include "ui/form_widgets.h"
 #include "ui/spin_buttons.h"

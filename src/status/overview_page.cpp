@@ -4,6 +4,7 @@
 #include "link/format_text.h"
 #include "link/json_access.h"
 #include "status/overview_texts.h"
+#include "ui/accessibility.h"
 #include "ui/form_widgets.h"
 
 #include <boost/json/value.hpp>

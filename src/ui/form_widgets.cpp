@@ -2,7 +2,9 @@
 #include "ui/form_widgets.h"
 
 #include "link/format_text.h"
+#include "ui/accessibility.h"
 #include "ui/change_tracking.h"
+#include "ui/long_text.h"
 
 #include <algorithm>
 #include <cstring>
@@ -26,115 +28,6 @@ constexpr struct {
     const char* name;
 } status_class_names[] = {
     {StatusClass::good, "good"}, {StatusClass::warning, "warning"}, {StatusClass::error, "error"}};
-
-/// Length from which a label's layout is eased, in bytes, and that of the pieces it is cut into, in
-/// bytes. Ours: below the first nothing is to be felt; the second was the fastest of those tried.
-constexpr std::size_t long_text = 1500;
-constexpr std::size_t long_text_piece = 64;
-
-/// Least width of a label with a long text, in characters. Without one GTK breaks the text at every
-/// letter to find it.
-constexpr gint long_text_chars = 20;
-
-/// Whether a text has a word that may have to be broken. Ours: the narrowest label holds as many
-/// characters.
-bool has_long_word(const char* text) {
-    constexpr std::size_t long_word = 40;
-    for (;;) {
-        const std::size_t length = std::strcspn(text, " \t\n");
-        if (length > long_word)
-            return true;
-        if (!text[length])
-            return false;
-        text += length + 1;
-    }
-}
-
-/// Pango shapes all that is left of a run again for each line it breaks: a long text in one run
-/// takes time that grows with the square of its length. Two languages in turn cut the run into
-/// pieces without changing what is shown.
-void ease_layout(GtkWidget* label) {
-    const char* const text = gtk_label_get_text(GTK_LABEL(label));
-    const std::size_t length = std::strlen(text);
-    if (length < long_text && !has_long_word(text))
-        return;
-    PangoAttrList* pieces = pango_attr_list_new();
-    // A broken word gets no hyphen: in an address it would be read as a part of it.
-    pango_attr_list_insert(pieces, pango_attr_insert_hyphens_new(FALSE));
-    PangoLanguage* const languages[] = {pango_language_get_default(),
-                                        pango_language_from_string("und")};
-    bool second = false;
-    for (std::size_t start = 0; length >= long_text && start < length; second = !second) {
-        std::size_t end = std::min(start + long_text_piece, length);
-        while (end < length && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
-            ++end; // not inside a character
-        PangoAttribute* piece = pango_attr_language_new(languages[second ? 1 : 0]);
-        piece->start_index = static_cast<guint>(start);
-        piece->end_index = static_cast<guint>(end);
-        pango_attr_list_insert(pieces, piece);
-        start = end;
-    }
-    gtk_label_set_attributes(GTK_LABEL(label), pieces);
-    pango_attr_list_unref(pieces);
-    if (length >= long_text)
-        gtk_label_set_width_chars(GTK_LABEL(label), long_text_chars);
-}
-
-void show_in_label(GtkWidget* label, const char* text, void (*set)(GtkLabel*, const char*)) {
-    if (gtk_label_get_attributes(GTK_LABEL(label))) {
-        gtk_label_set_attributes(GTK_LABEL(label), nullptr);
-        gtk_label_set_width_chars(GTK_LABEL(label), -1);
-    }
-    set(GTK_LABEL(label), text);
-    ease_layout(label);
-}
-
-struct Relation {
-    GtkWidget* from;
-    AtkRelationType type;
-    GtkWidget* to;
-};
-
-bool relations_wait = true;
-std::vector<Relation> waiting_relations;
-
-void make_relation(const Relation& relation) {
-    atk_object_add_relationship(gtk_widget_get_accessible(relation.from), relation.type,
-                                gtk_widget_get_accessible(relation.to));
-}
-
-void relate(GtkWidget* from, AtkRelationType type, GtkWidget* to) {
-    const Relation relation{from, type, to};
-    if (!relations_wait) {
-        make_relation(relation);
-        return;
-    }
-    // Referenced, not sunk: the widgets' own floating references are for their containers.
-    g_object_ref(from);
-    g_object_ref(to);
-    waiting_relations.push_back(relation);
-}
-
-gboolean make_waiting_relations(gpointer) {
-    relations_wait = false;
-    for (const Relation& relation : waiting_relations) {
-        make_relation(relation);
-        g_object_unref(relation.from);
-        g_object_unref(relation.to);
-    }
-    waiting_relations.clear();
-    return G_SOURCE_REMOVE;
-}
-
-void announce(GtkWidget* label) {
-    const char* text = gtk_label_get_text(GTK_LABEL(label));
-    if (*text)
-        g_signal_emit_by_name(gtk_widget_get_accessible(label), "announcement", text);
-}
-
-void on_label_changed(GtkLabel* label, GParamSpec*, gpointer) {
-    announce(GTK_WIDGET(label));
-}
 
 } // namespace
 
@@ -367,26 +260,4 @@ void set_text_of_view(GtkWidget* text_view, const std::string& text) {
         return;
     gtk_text_buffer_get_iter_at_offset(buffer, &cursor, offset);
     gtk_text_buffer_place_cursor(buffer, &cursor);
-}
-
-void name_by_label(GtkWidget* widget, GtkWidget* label) {
-    relate(widget, ATK_RELATION_LABELLED_BY, label);
-    relate(label, ATK_RELATION_LABEL_FOR, widget);
-}
-
-void describe_by_label(GtkWidget* widget, GtkWidget* label) {
-    relate(widget, ATK_RELATION_DESCRIBED_BY, label);
-    relate(label, ATK_RELATION_DESCRIPTION_FOR, widget);
-}
-
-void set_accessible_name(GtkWidget* widget, const char* name) {
-    atk_object_set_name(gtk_widget_get_accessible(widget), name);
-}
-
-void make_accessible_relations_when_idle() {
-    g_idle_add_full(G_PRIORITY_LOW, make_waiting_relations, nullptr, nullptr);
-}
-
-void announce_changes(GtkWidget* label) {
-    g_signal_connect(label, "notify::label", G_CALLBACK(on_label_changed), nullptr);
 }

@@ -88,15 +88,3 @@ void show_footer_error(const std::string& text);
 /// The whole text of a text view, without hidden characters.
 std::string text_of_view(GtkWidget* text_view);
 void set_text_of_view(GtkWidget* text_view, const std::string& text);
-
-/// Tells a screen reader that `label` names, or describes, `widget`.
-void name_by_label(GtkWidget* widget, GtkWidget* label);
-void describe_by_label(GtkWidget* widget, GtkWidget* label);
-void set_accessible_name(GtkWidget* widget, const char* name);
-
-/// Relations are kept until this is called, and then made when the program has nothing else to do:
-/// making them before the first frame would only delay it. Later ones are made at once.
-void make_accessible_relations_when_idle();
-
-/// Lets a screen reader speak the label's text whenever it changes.
-void announce_changes(GtkWidget* label);

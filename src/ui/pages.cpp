@@ -8,6 +8,7 @@
 #include "status/listener_actions.h"
 #include "status/listeners_table.h"
 #include "status/registration.h"
+#include "ui/accessibility.h"
 #include "ui/change_tracking.h"
 #include "ui/field_checks.h"
 #include "ui/form_widgets.h"

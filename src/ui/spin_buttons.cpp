@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/spin_buttons.h"
 
+#include "ui/accessibility.h"
 #include "ui/field_rules.h"
 #include "ui/form_widgets.h"
 

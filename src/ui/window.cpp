@@ -2,6 +2,7 @@
 #include "ui/window.h"
 
 #include "link/build_constants.h"
+#include "ui/accessibility.h"
 #include "ui/change_tracking.h"
 #include "ui/field_checks.h"
 #include "ui/form_widgets.h"

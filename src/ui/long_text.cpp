@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#include "ui/long_text.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+/// Length from which a label's layout is eased, in bytes, and that of the pieces it is cut into, in
+/// bytes. Ours: below the first nothing is to be felt; the second was the fastest of those tried.
+constexpr std::size_t long_text = 1500;
+constexpr std::size_t long_text_piece = 64;
+
+/// Least width of a label with a long text, in characters. Without one GTK breaks the text at every
+/// letter to find it.
+constexpr gint long_text_chars = 20;
+
+/// Whether a text has a word that may have to be broken. Ours: the narrowest label holds as many
+/// characters.
+bool has_long_word(const char* text) {
+    constexpr std::size_t long_word = 40;
+    for (;;) {
+        const std::size_t length = std::strcspn(text, " \t\n");
+        if (length > long_word)
+            return true;
+        if (!text[length])
+            return false;
+        text += length + 1;
+    }
+}
+
+} // namespace
+
+// Pango shapes all that is left of a run again for each line it breaks: a long text in one run
+// takes time that grows with the square of its length. Two languages in turn cut the run.
+void ease_layout(GtkWidget* label) {
+    const char* const text = gtk_label_get_text(GTK_LABEL(label));
+    const std::size_t length = std::strlen(text);
+    if (length < long_text && !has_long_word(text))
+        return;
+    PangoAttrList* pieces = pango_attr_list_new();
+    // A broken word gets no hyphen: in an address it would be read as a part of it.
+    pango_attr_list_insert(pieces, pango_attr_insert_hyphens_new(FALSE));
+    PangoLanguage* const languages[] = {pango_language_get_default(),
+                                        pango_language_from_string("und")};
+    bool second = false;
+    for (std::size_t start = 0; length >= long_text && start < length; second = !second) {
+        std::size_t end = std::min(start + long_text_piece, length);
+        while (end < length && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
+            ++end; // not inside a character
+        PangoAttribute* piece = pango_attr_language_new(languages[second ? 1 : 0]);
+        piece->start_index = static_cast<guint>(start);
+        piece->end_index = static_cast<guint>(end);
+        pango_attr_list_insert(pieces, piece);
+        start = end;
+    }
+    gtk_label_set_attributes(GTK_LABEL(label), pieces);
+    pango_attr_list_unref(pieces);
+    if (length >= long_text)
+        gtk_label_set_width_chars(GTK_LABEL(label), long_text_chars);
+}
+
+void show_in_label(GtkWidget* label, const char* text, void (*set)(GtkLabel*, const char*)) {
+    if (gtk_label_get_attributes(GTK_LABEL(label))) {
+        gtk_label_set_attributes(GTK_LABEL(label), nullptr);
+        gtk_label_set_width_chars(GTK_LABEL(label), -1);
+    }
+    set(GTK_LABEL(label), text);
+    ease_layout(label);
+}
