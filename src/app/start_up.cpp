@@ -126,10 +126,11 @@ int start_up(int argc, char** argv) {
     // A parent may have left SIGCHLD ignored: the commands' outcomes would then be lost.
     std::signal(SIGCHLD, SIG_DFL);
 
-    // The name by which a desktop finds the program of a window.
+    // The name by which a desktop finds the program of a window. GTK would begin the class with a
+    // capital, and sets it while it starts.
     g_set_prgname("tarnwave-settings");
-    gdk_set_program_class("tarnwave-settings");
     gtk_init(&argc, &argv);
+    gdk_set_program_class("tarnwave-settings");
     // GTK takes over the user's locale. Frequencies are written and read with a dot everywhere;
     // dates keep the user's language.
     std::setlocale(LC_NUMERIC, "C");

@@ -5,7 +5,7 @@ import os
 import subprocess
 import unittest
 
-from harness import (Case, PROGRAM, USER, picture, state_document, wait_for)
+from harness import (Case, PROGRAM, ROOT, USER, picture, state_document, wait_for, window_class)
 
 DEFAULT_SOCKET = "/run/tarnwave/settings.sock"
 OWNER_FILE = "/etc/tarnwave/owner"
@@ -178,6 +178,14 @@ class Arguments(Case):
                 self.assertEqual(program.shown_page(), page)
                 program.quit()
                 self.assertEqual((program.process.returncode, program.errors()), (0, ""))
+
+    def test_a_desktop_finds_the_program_by_its_window(self):
+        self.station("quiet")
+        program = self.open()
+        entry = (ROOT / "data" / "org.tarnwave.Settings.desktop").read_text()
+        self.assertIn("\nStartupWMClass=tarnwave-settings\n", entry)
+        self.assertEqual(window_class(program.window_id()),
+                         ("tarnwave-settings", "tarnwave-settings"))
 
     def test_help_and_version_need_no_display(self):
         environment = self.environment(DISPLAY=None)
