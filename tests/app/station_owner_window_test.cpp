@@ -4,7 +4,11 @@
 #include "support/screen.h"
 #include "support/window_fixture.h"
 
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
 #include <sys/time.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <csignal>
@@ -196,9 +200,35 @@ TEST_F(StationOwner, LosesNoPatienceWhenSignalsCutThePausesShort) {
     EXPECT_LE(tries(), 6U);
 }
 
+/// A named pipe that is open at both ends, so that nobody waits for the other to open it.
+class Pipe {
+public:
+    explicit Pipe(const std::filesystem::path& path) {
+        EXPECT_EQ(::mkfifo(path.c_str(), 0600), 0);
+        descriptor_ = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+        EXPECT_GE(descriptor_, 0);
+    }
+    ~Pipe() { ::close(descriptor_); }
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
+
+    /// Whether a line comes within ten seconds.
+    bool wait_for_line() const {
+        pollfd waiting{.fd = descriptor_, .events = POLLIN, .revents = 0};
+        return ::poll(&waiting, 1, 10'000) == 1;
+    }
+
+    void write_line() const { EXPECT_EQ(::write(descriptor_, "\n", 1), 1); }
+
+private:
+    int descriptor_ = -1;
+};
+
 TEST_F(StationOwner, TakesTheQuestionOffTheScreenBeforeTheCommandRuns) {
     service.will_answer_state("{}");
-    commands.will_run("pkexec", "while [ ! -e \"$folder/looked\" ]; do /bin/sleep 0.01; done");
+    const Pipe begun{commands.folder() / "begun"};
+    const Pipe looked{commands.folder() / "looked"};
+    commands.will_run("pkexec", "echo > \"$folder/begun\"; read -r line < \"$folder/looked\"");
     unsigned long question = 0;
     handle_next_dialog([&question](GtkDialog* dialog) {
         question = screen_id_of(GTK_WIDGET(dialog));
@@ -206,13 +236,10 @@ TEST_F(StationOwner, TakesTheQuestionOffTheScreenBeforeTheCommandRuns) {
         gtk_dialog_response(dialog, GTK_RESPONSE_ACCEPT);
     });
     bool still_there = true;
-    std::jthread onlooker{[&](std::stop_token stopping) {
-        const auto deadline = std::chrono::steady_clock::now() + 10s;
-        while (!stopping.stop_requested() && commands.calls().empty() &&
-               std::chrono::steady_clock::now() < deadline)
-            std::this_thread::sleep_for(1ms);
+    std::jthread onlooker{[&] {
+        EXPECT_TRUE(begun.wait_for_line());
         still_there = is_on_screen(question);
-        std::ofstream{commands.folder() / "looked"};
+        looked.write_line();
     }};
     EXPECT_TRUE(check_owner());
     onlooker.join();
