@@ -152,6 +152,10 @@ int start_up(int argc, char** argv) {
     if (argc > 1)
         show_page(argv[1]);
     g_timeout_add_seconds(poll_interval_s, poll_state, nullptr);
+    // What is done when idle would run while the frame with the state waits for its turn.
+    draw_now();
+    if (!widgets.window)
+        return EXIT_SUCCESS;
     finish_window_when_idle();
     gtk_main();
     return EXIT_SUCCESS;

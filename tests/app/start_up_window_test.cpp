@@ -14,6 +14,40 @@
 
 namespace {
 
+/// While one lives, calls a function whenever the next window that is shown draws.
+class WatchDrawing {
+public:
+    explicit WatchDrawing(std::function<void()> drawing) : drawing_{std::move(drawing)} {
+        hook_ = g_signal_add_emission_hook(map_, 0, on_map, this, nullptr);
+    }
+    ~WatchDrawing() { g_signal_remove_emission_hook(map_, hook_); }
+    WatchDrawing(const WatchDrawing&) = delete;
+    WatchDrawing& operator=(const WatchDrawing&) = delete;
+
+private:
+    static gboolean on_map(GSignalInvocationHint*, guint, const GValue* values, gpointer watch) {
+        gpointer mapped = g_value_get_object(&values[0]);
+        if (mapped == widgets.window)
+            g_signal_connect(mapped, "draw", G_CALLBACK(on_draw), watch);
+        return TRUE;
+    }
+    static gboolean on_draw(GtkWidget*, cairo_t*, gpointer watch) {
+        static_cast<WatchDrawing*>(watch)->drawing_();
+        return FALSE;
+    }
+
+    std::function<void()> drawing_;
+    guint map_ = g_signal_lookup("map", GTK_TYPE_WIDGET);
+    gulong hook_ = 0;
+};
+
+gboolean on_close_once_loaded(gpointer) {
+    if (!widgets.window || !text_of(widgets.header_status).starts_with("On the air"))
+        return G_SOURCE_CONTINUE;
+    gtk_widget_destroy(widgets.window);
+    return G_SOURCE_REMOVE;
+}
+
 class StartUp : public WindowTest {
 protected:
     StartUp() : record_before_{widgets}, terminate_before_{std::get_terminate()} {
@@ -97,6 +131,34 @@ TEST_F(StartUp, ShowsTheLoadedFormAndEndsWithTheWindow) {
     EXPECT_TRUE(was_in_main_loop);
     EXPECT_EQ(widgets.window, nullptr);
     EXPECT_TRUE(dialogs.empty());
+}
+
+TEST_F(StartUp, DrawsTheStateBeforeItMeasuresThePagesThatAreHidden) {
+    bool state_drawn = false;
+    bool pages_were_measured = false;
+    const WatchDrawing watch{[&] {
+        if (state_drawn || !text_of(widgets.header_status).starts_with("On the air"))
+            return;
+        state_drawn = true;
+        pages_were_measured = gtk_stack_get_homogeneous(GTK_STACK(widgets.stack));
+    }};
+    EXPECT_EQ(run({},
+                  [] {
+                      EXPECT_TRUE(wait_until([] {
+                          return gtk_stack_get_homogeneous(GTK_STACK(widgets.stack)) == TRUE;
+                      }));
+                  }),
+              0);
+    EXPECT_TRUE(state_drawn);
+    EXPECT_FALSE(pages_were_measured);
+}
+
+TEST_F(StartUp, EndsWhenTheWindowIsClosedBeforeTheStateIsDrawn) {
+    // Ahead of the frame, as a press of the close button would be that came while the form loaded.
+    g_timeout_add_full(G_PRIORITY_HIGH, 1, on_close_once_loaded, this, nullptr);
+    EXPECT_EQ(run({}), 0);
+    EXPECT_FALSE(was_in_main_loop);
+    EXPECT_EQ(widgets.window, nullptr);
 }
 
 TEST_F(StartUp, TakesTheSocketFromTheEnvironment) {
