@@ -3,12 +3,12 @@
 
 #include "link/format_text.h"
 #include "receivers/coverage.h"
+#include "receivers/row_focus.h"
 #include "ui/accessibility.h"
 #include "ui/change_tracking.h"
 #include "ui/form_widgets.h"
 #include "ui/spin_buttons.h"
 
-#include <array>
 #include <optional>
 #include <string>
 
@@ -182,53 +182,6 @@ void add_receiver_card(std::size_t index) {
     gtk_widget_set_sensitive(receiver.details_box, receiver.enabled);
 }
 
-/// The controls of a receiver's card in reading order; null where it has no such control.
-std::array<GtkWidget*, 4> controls_of(const Receiver& receiver) {
-    GtkWidget* menu = nullptr;
-    if (receiver.low_spin) {
-        GList* row =
-            gtk_container_get_children(GTK_CONTAINER(gtk_widget_get_parent(receiver.low_spin)));
-        for (GList* child = row; child; child = child->next)
-            if (GTK_IS_COMBO_BOX(child->data))
-                menu = GTK_WIDGET(child->data);
-        g_list_free(row);
-    }
-    return {receiver.share_switch, receiver.low_spin, receiver.high_spin, menu};
-}
-
-/// Where the focus is among the receivers' cards.
-struct FocusedControl {
-    std::string backend{};
-    std::string serial{};
-    std::size_t place = 0; ///< in `controls_of`
-};
-
-std::optional<FocusedControl> focused_control() {
-    GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(widgets.window));
-    if (!focus)
-        return std::nullopt;
-    for (const Receiver& receiver : widgets.receiver_list) {
-        const auto controls = controls_of(receiver);
-        for (std::size_t i = 0; i < controls.size(); ++i)
-            if (controls[i] && (focus == controls[i] || gtk_widget_is_ancestor(focus, controls[i])))
-                return FocusedControl{receiver.backend, receiver.serial, i};
-    }
-    return std::nullopt;
-}
-
-void give_focus_to(const FocusedControl& focused) {
-    for (const Receiver& receiver : widgets.receiver_list) {
-        if (receiver.backend != focused.backend || receiver.serial != focused.serial)
-            continue;
-        GtkWidget* widget = controls_of(receiver)[focused.place];
-        if (widget && GTK_IS_COMBO_BOX(widget))
-            gtk_widget_child_focus(widget, GTK_DIR_TAB_FORWARD);
-        else if (widget)
-            gtk_widget_grab_focus(widget);
-        return;
-    }
-}
-
 void forget_row(Receiver& receiver) {
     receiver.share_switch = nullptr;
     receiver.low_spin = nullptr;
@@ -264,20 +217,20 @@ void add_rows() {
 } // namespace
 
 void rebuild_receiver_rows() {
-    const std::optional<FocusedControl> focused = focused_control();
+    const std::optional<FocusedRowControl> focused = focused_row_control();
     destroy_rows();
     add_rows();
     if (focused)
-        give_focus_to(*focused);
+        give_row_focus_to(*focused);
 }
 
 void replace_receivers(std::vector<Receiver> list) {
-    const std::optional<FocusedControl> focused = focused_control();
+    const std::optional<FocusedRowControl> focused = focused_row_control();
     destroy_rows();
     widgets.receiver_list = std::move(list);
     add_rows();
     if (focused)
-        give_focus_to(*focused);
+        give_row_focus_to(*focused);
 }
 
 void capture_row_edits() {

@@ -3,6 +3,7 @@
 
 #include "link/format_text.h"
 #include "link/json_access.h"
+#include "status/column_widths.h"
 #include "status/overview_texts.h"
 #include "ui/form_widgets.h"
 
@@ -23,14 +24,6 @@ constexpr std::array<const char*, column_count> column_titles = {"#", "Address",
 /// Height of the scrolled window around the table, in pixels.
 constexpr int table_height = 150;
 
-/// Bounds of a column's width, in pixels. Ours: the least keeps the title readable, the most holds
-/// an IPv6 address of 39 characters; what is longer ends in an ellipsis.
-constexpr std::array<int, column_count> least_column_widths = {48, 96, 104, 64};
-constexpr int most_column_width = 380;
-
-/// Room on both sides of a cell's text, in pixels.
-constexpr int cell_padding = 20;
-
 struct ListenerRow {
     std::int32_t number = 0;
     std::string address{};
@@ -41,55 +34,6 @@ struct ListenerRow {
 struct ShownListener {
     GtkTreeIter iter{}; ///< stays valid while the row exists: the store's iterators persist
     ListenerRow row{};
-};
-
-/// Sets the columns' widths from their content: rows of one fixed height are drawn without
-/// measuring them all, so GTK does not know how wide they are. Columns only grow.
-class ColumnWidths {
-public:
-    void take_in(gint column, const std::string& text) {
-        int& widest = widths_[static_cast<std::size_t>(column)];
-        const int width = std::min(width_of(text) + cell_padding, most_column_width);
-        if (width <= widest)
-            return;
-        widest = width;
-        GtkTreeViewColumn* view_column =
-            gtk_tree_view_get_column(GTK_TREE_VIEW(widgets.listeners_view), column);
-        gtk_tree_view_column_set_min_width(view_column, width);
-        gtk_tree_view_column_set_fixed_width(view_column, width);
-    }
-
-private:
-    /// The sum of the characters' own widths, each measured once. Kerning is left out: it takes a
-    /// pixel or two away at most.
-    int width_of(const std::string& text) {
-        int width = 0;
-        for (const char* at = text.c_str(); *at && width < most_column_width;
-             at = g_utf8_next_char(at)) {
-            const auto byte = static_cast<unsigned char>(*at);
-            if (byte >= character_widths_.size()) {
-                width += measured(at, static_cast<int>(g_utf8_next_char(at) - at));
-                continue;
-            }
-            int& known = character_widths_[byte];
-            if (known == 0)
-                known = measured(at, 1);
-            width += known;
-        }
-        return width;
-    }
-
-    static int measured(const char* text, int length) {
-        PangoLayout* layout = gtk_widget_create_pango_layout(widgets.listeners_view, nullptr);
-        pango_layout_set_text(layout, text, length);
-        int width = 0;
-        pango_layout_get_pixel_size(layout, &width, nullptr);
-        g_object_unref(layout);
-        return width;
-    }
-
-    std::array<int, column_count> widths_{least_column_widths};
-    std::array<int, 128> character_widths_{};
 };
 
 /// What a table shows. It is remembered with the table's store, and gone with it.
@@ -119,17 +63,21 @@ void store_row(const GtkTreeIter& iter, const ListenerRow& row) {
                        row.time.c_str(), -1);
 }
 
-void store_text(const GtkTreeIter& iter, gint column, const std::string& text) {
-    GtkTreeIter at = iter;
-    gtk_list_store_set(widgets.listeners_store, &at, column, text.c_str(), -1);
-    shown_table->column_widths.take_in(column, text);
+void take_in_width(gint column, const std::string& text) {
+    shown_table->column_widths.take_in(GTK_TREE_VIEW(widgets.listeners_view), column, text);
 }
 
 void take_in_widths(const ListenerRow& row) {
-    shown_table->column_widths.take_in(number_column, std::to_string(row.number));
-    shown_table->column_widths.take_in(address_column, row.address);
-    shown_table->column_widths.take_in(tuned_column, row.tuned_to);
-    shown_table->column_widths.take_in(time_column, row.time);
+    take_in_width(number_column, std::to_string(row.number));
+    take_in_width(address_column, row.address);
+    take_in_width(tuned_column, row.tuned_to);
+    take_in_width(time_column, row.time);
+}
+
+void store_text(const GtkTreeIter& iter, gint column, const std::string& text) {
+    GtkTreeIter at = iter;
+    gtk_list_store_set(widgets.listeners_store, &at, column, text.c_str(), -1);
+    take_in_width(column, text);
 }
 
 /// Brings the table in line with the rows given one after the other. Rows that were not given are
@@ -275,7 +223,7 @@ void add_column(gint column) {
         column_titles[static_cast<std::size_t>(column)], cell, "text", column, nullptr);
     gtk_tree_view_column_set_expand(view_column, column == tuned_column);
     gtk_tree_view_column_set_sizing(view_column, GTK_TREE_VIEW_COLUMN_FIXED);
-    const int width = least_column_widths[static_cast<std::size_t>(column)];
+    const int width = ColumnWidths::least[static_cast<std::size_t>(column)];
     gtk_tree_view_column_set_min_width(view_column, width);
     gtk_tree_view_column_set_fixed_width(view_column, width);
     gtk_tree_view_append_column(GTK_TREE_VIEW(widgets.listeners_view), view_column);
