@@ -685,7 +685,14 @@ TEST_F(ServiceLink, HidesItsDescriptorFromCommandsItRuns) {
     EXPECT_EQ(flags, "");
 }
 
-using ServiceLinkTrace = ServiceLink;
+class ServiceLinkTrace : public ServiceLink {
+protected:
+    /// Ends the child process of a death test.
+    [[noreturn]] void leave(bool well) {
+        service.clear_away();
+        std::exit(well ? 0 : 1);
+    }
+};
 
 TEST_F(ServiceLinkTrace, SaysOneLineForEachExchangeWhenAsked) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
@@ -697,7 +704,7 @@ TEST_F(ServiceLinkTrace, SaysOneLineForEachExchangeWhenAsked) {
             service_request(HttpMethod::put, "/api/settings", R"({"key":"secret"})", 5);
             service.stop();
             service_request(HttpMethod::get, "/api/state", "", 5);
-            std::exit(0);
+            leave(true);
         },
         testing::ExitedWithCode(0),
         testing::ContainsRegex("PUT /api/settings: status 409, 18 bytes, [0-9.]+ ms\n"
@@ -712,7 +719,7 @@ TEST_F(ServiceLinkTrace, SaysNothingWhenNotAsked) {
             setenv("G_MESSAGES_DEBUG", "Gtk GLib", 1);
             g_log_writer_default_set_use_stderr(TRUE);
             service.will_answer_state("{}");
-            std::exit(get_state().status == 200 ? 0 : 1);
+            leave(get_state().status == 200);
         },
         testing::ExitedWithCode(0), testing::Eq(""));
 }
@@ -728,7 +735,7 @@ TEST_F(ServiceLinkTrace, NeverSaysABody) {
             service_request(HttpMethod::put, "/api/settings", "confidential", 5);
             const std::string said = testing::internal::GetCapturedStderr();
             const bool quiet = said.find("confidential") == std::string::npos;
-            std::exit(quiet && said.find("/api/settings") != std::string::npos ? 0 : 1);
+            leave(quiet && said.find("/api/settings") != std::string::npos);
         },
         testing::ExitedWithCode(0), testing::Eq(""));
 }

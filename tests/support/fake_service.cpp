@@ -106,8 +106,12 @@ FakeService::FakeService(std::size_t path_size) {
 }
 
 FakeService::~FakeService() {
-    stop();
+    clear_away();
     ::close(wake_up_);
+}
+
+void FakeService::clear_away() {
+    stop();
     std::error_code ignored;
     std::filesystem::remove_all(folder_, ignored);
 }

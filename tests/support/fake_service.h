@@ -96,6 +96,9 @@ public:
 
     /// Ends like a service that was stopped: connections are cut, the socket file goes.
     void stop();
+
+    /// Stops and removes the folder with the socket: for a process that ends without destructors.
+    void clear_away();
     /// Ends like a service that crashed: the socket file stays, connecting is refused.
     void crash();
     /// Listens again, on the same path, with the same answers.
