@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+// What a service may do in the place of a good answer: the table in tests/faults/faults.json, which
+// the test of the real program reads too.
+#pragma once
+
+#include "support/fake_service.h"
+
+#include <functional>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+struct Fault {
+    std::string name{};
+    std::string connection{};        ///< "absent", "refused", "queued"; "": the connection is fine
+    std::string sent{};              ///< with places for the good answer's body
+    bool silent = false;             ///< does not hang up after that
+    std::chrono::milliseconds gap{}; ///< between single bytes; 0: all at once
+    long limit_ms = 0;               ///< time limit to meet it with; 0: the program's own
+    std::size_t header_size = 0;     ///< 0: as it comes
+    std::size_t body_size = 0;
+
+    // What the link makes of it.
+    int status = 0;     ///< 0: no answer
+    std::string body{}; ///< "own": the good one; "empty"; "cut": its first byte; "refusal"
+};
+std::ostream& operator<<(std::ostream& out, const Fault& fault);
+
+const std::vector<Fault>& faults();
+
+/// The reason in a body that is a "refusal".
+constexpr const char* reason_of_refusal = "No.";
+
+/// The script of a connection that meets the fault in the place of an answer with this body.
+std::vector<ConnectionStep> steps_of(const Fault& fault, std::string_view good_body);
+
+/// While one lives, whoever connects to the service meets the fault's kind of connection. Nothing
+/// happens when the connection is fine.
+class BadConnection {
+public:
+    BadConnection(const std::string& socket_path, const Fault& fault);
+    ~BadConnection();
+    /// Ends it by itself after a moment, for who asks again and again.
+    void end_soon();
+    BadConnection(const BadConnection&) = delete;
+    BadConnection& operator=(const BadConnection&) = delete;
+
+private:
+    void end();
+
+    std::string path_{};
+    std::jthread end_of_queue_{};
+    std::jthread end_{};
+};

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+// Hands on the window of the real program, for libraries that are preloaded into it.
+//
+// They know the window as its user does: by the words on its buttons and in its empty fields. What
+// is not there ends the program.
+#pragma once
+
+#include <gtk/gtk.h>
+
+#include <string>
+#include <vector>
+
+namespace real_window {
+
+/// The program's window and everything in it; the toolkit's tooltips are windows of their own.
+std::vector<GtkWidget*> all_widgets();
+
+/// A button of the window by its text.
+GtkWidget* button_named(const char* name);
+/// The same below a widget; null when there is none.
+GtkWidget* button_in(GtkWidget* root, const char* name);
+/// Presses a button unless it is greyed.
+void click(const char* name);
+
+/// The entry of the station's name.
+GtkWidget* name_entry();
+
+/// The dialog on the screen; null when there is none.
+GtkWidget* open_dialog();
+/// The texts of the labels below a widget, those of buttons too.
+std::vector<std::string> texts_in(GtkWidget* root);
+
+/// Accepts the next question, once it is on the screen. Sets `done`, when given, as it does.
+void agree_to_next_question(bool* done = nullptr);
+
+/// False when there is no listener.
+bool select_first_listener();
+
+/// Ticks the box and types an address; then "Register this station" can be pressed.
+void fill_in_registration();
+
+/// The first widget of a type that a condition accepts.
+template <class Condition> GtkWidget* first_of(GType type, Condition accepts);
+
+[[noreturn]] void give_up(const std::string& what);
+
+/// A variable of the environment that has to be there.
+const char* required_variable(const char* name);
+
+/// The descriptors that the program has open.
+long open_descriptors();
+
+} // namespace real_window
+
+template <class Condition> GtkWidget* real_window::first_of(GType type, Condition accepts) {
+    for (GtkWidget* widget : all_widgets())
+        if (G_TYPE_CHECK_INSTANCE_TYPE(widget, type) && accepts(widget))
+            return widget;
+    give_up(std::string{"there is no "}.append(g_type_name(type)));
+}
