@@ -10,6 +10,7 @@
 #include "status/overview_texts.h"
 #include "ui/field_rules.h"
 
+#include <boost/json.hpp>
 #include <glib.h>
 
 #include <cstdint>

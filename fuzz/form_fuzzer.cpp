@@ -8,6 +8,7 @@
 #include "ui/field_rules.h"
 #include "ui/settings_body.h"
 
+#include <boost/json.hpp>
 #include <fuzzer/FuzzedDataProvider.h>
 #include <glib.h>
 

@@ -3,6 +3,8 @@
 #include "link/json_access.h"
 #include "ui/field_rules.h"
 
+#include <boost/json.hpp>
+
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
