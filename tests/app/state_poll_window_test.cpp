@@ -18,6 +18,14 @@ TEST_F(StatePoll, AsksForTheStateOnceWithAnEmptyBody) {
     EXPECT_EQ(requests[0].body, "");
 }
 
+TEST_F(StatePoll, AsksForNothingOnceTheWindowIsClosed) {
+    GtkWidget* const window = widgets.window;
+    widgets.window = nullptr;
+    EXPECT_EQ(poll_state(nullptr), G_SOURCE_CONTINUE);
+    widgets.window = window;
+    EXPECT_TRUE(service.requests().empty());
+}
+
 TEST_F(StatePoll, SaysThatTheServiceIsNotAnsweringAndChangesNothingElse) {
     load(state_document());
     const std::string listeners = text_of(widgets.listeners_title);

@@ -85,10 +85,14 @@ long number_in(std::string_view text) {
     return number;
 }
 
-/// Presses a button once it can be pressed: it is greyed while its last action comes to an end.
-void press(const char* name) {
+/// A button is greyed while its last action comes to an end.
+void wait_for_button(const char* name) {
     while (!gtk_widget_get_sensitive(button_named(name)))
         gtk_main_iteration();
+}
+
+void press(const char* name) {
+    wait_for_button(name);
     click(name);
 }
 
@@ -115,12 +119,8 @@ void obey(std::string_view line) {
         press("End session");
     } else if (verb == "block") {
         select_first_listener();
-        bool agreed = false;
-        agree_to_next_question(&agreed);
-        press("Block address…");
-        // The question is asked from the main loop, and what follows it is done in there.
-        while (!agreed)
-            gtk_main_iteration();
+        wait_for_button("Block address…");
+        click_and_agree("Block address…");
     } else if (verb == "close")
         gtk_window_close(GTK_WINDOW(all_widgets().front()));
     else if (verb == "edit")

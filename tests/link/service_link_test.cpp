@@ -1,20 +1,24 @@
 // SPDX-License-Identifier: MIT
 // The link against a service that does everything a service may, and much that none should.
 //
-// Counts the program's own sends by standing in for sendmsg(2), hence one definition of it here.
+// Counts the program's own sends by standing in for sendmsg(2), hence one definition of it here,
+// and lets time limits and memory be refused in the same way.
 #include "link/service_link.h"
 
 #include "support/fake_service.h"
+#include "support/scarce_memory.h"
 
 #include <fcntl.h>
 #include <glib.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/time.h>
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -31,7 +35,21 @@ namespace {
 
 int sends = 0;
 
+int time_limits = 0;        ///< that were set, or were to be
+int failing_time_limit = 0; ///< 0: none
+
 } // namespace
+
+/// Stands in for the C library's function: the one call of this number fails.
+extern "C" int setsockopt(int descriptor, int level, int option, const void* value,
+                          socklen_t size) noexcept {
+    if (level == SOL_SOCKET && (option == SO_RCVTIMEO || option == SO_SNDTIMEO) &&
+        ++time_limits == failing_time_limit) {
+        errno = EDOM;
+        return -1;
+    }
+    return static_cast<int>(syscall(SYS_setsockopt, descriptor, level, option, value, size));
+}
 
 extern "C" ssize_t sendmsg(int descriptor, const msghdr* message, int flags) {
     ++sends;
@@ -640,6 +658,54 @@ TEST_F(ServiceLink, GivesTheReceiveAfterAnInterruptedOneItsWholeTimeLimit) {
                              pause(1'300ms), send("Content-Length: 2\r\n\r\n{}")});
     EXPECT_EQ(get_state(2).body, "{}");
     EXPECT_EQ(signals_seen, 1);
+}
+
+TEST_F(ServiceLink, GivesNoAnswerWhenATimeLimitCannotBeSet) {
+    const auto with_failing = [this](int number, ConnectionStep first) {
+        service.next_connection({read_request(), std::move(first), send(reply_text(200, "{}"))});
+        time_limits = 0;
+        failing_time_limit = number;
+        const ServiceReply reply = get_state();
+        failing_time_limit = 0;
+        return reply;
+    };
+    service.will_answer_state("{}");
+    for (const int of_receives_or_sends : {1, 2}) {
+        time_limits = 0;
+        failing_time_limit = of_receives_or_sends;
+        expect_no_answer(get_state());
+        failing_time_limit = 0;
+    }
+    ASSERT_TRUE(service.wait_for_connections(2)); // they take no script
+    for (const int shortened_or_whole_again : {3, 4}) {
+        const Signals once{200ms};
+        expect_no_answer(with_failing(shortened_or_whole_again, pause(600ms)));
+        EXPECT_EQ(signals_seen, 1);
+    }
+    const Signals once{200ms};
+    EXPECT_EQ(with_failing(5, pause(600ms)).status, 200);
+}
+
+TEST_F(ServiceLink, GivesNoAnswerWithoutADescriptor) {
+    service.will_answer_state("{}");
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none{0, before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    const ServiceReply reply = get_state();
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+    expect_no_answer(reply);
+    EXPECT_EQ(get_state().status, 200);
+}
+
+TEST_F(ServiceLink, GivesNoAnswerWhenMemoryRunsOut) {
+    service.next_connection({}); // hangs up on whoever has no room for a reply
+    memory_is_scarce = true;
+    const ServiceReply reply = get_state();
+    memory_is_scarce = false;
+    expect_no_answer(reply);
+    service.will_answer_state("{}");
+    EXPECT_EQ(get_state().status, 200);
 }
 
 TEST_F(ServiceLink, LeavesNoDescriptorBehind) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "receivers/receiver_list.h"
 
+#include "link/json_access.h"
+
 #include <gtest/gtest.h>
 
 #include <exception>
@@ -345,4 +347,13 @@ TEST(SavedReceivers, HaveWholeHertzAsFloatingPointNumbers) {
         EXPECT_EQ(object.at("lo").as_double(), c.expected);
         EXPECT_EQ(object.at("hi").as_double(), c.expected);
     }
+}
+
+TEST(ReceiverRecords, AreNamedWhenTheyAreNoObjects) {
+    const ReadingStep step{"loading the form"};
+    EXPECT_THROW(receiver_from_settings(json::value(1)), std::exception);
+    EXPECT_NE(broken_contract("").find("cannot read an element of receivers ("), std::string::npos);
+    std::vector<Receiver> list;
+    EXPECT_THROW(merge_devices(list, json::array{1}), std::exception);
+    EXPECT_NE(broken_contract("").find("cannot read a device ("), std::string::npos);
 }

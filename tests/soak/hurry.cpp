@@ -75,10 +75,8 @@ void act() {
         click("Find devices");
     if (turn % 30 == 10 && select_first_listener())
         click("End session");
-    if ((turn == 24 || turn == 74) && select_first_listener()) {
-        agree_to_next_question();
-        click("Block address…");
-    }
+    if ((turn == 24 || turn == 74) && select_first_listener())
+        click_and_agree("Block address…");
     if (turn % 30 == 4) {
         fill_in_registration();
         click("Register this station");

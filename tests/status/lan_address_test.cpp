@@ -4,12 +4,32 @@
 #include <gtest/gtest.h>
 
 #include <arpa/inet.h>
+#include <dlfcn.h>
 #include <ifaddrs.h>
 #include <netinet/in.h>
 
+#include <cerrno>
 #include <list>
 #include <string>
 #include <vector>
+
+namespace {
+
+/// What getifaddrs(3) says, when it is not to be asked; 0: ask it.
+int refusal = 0;
+
+} // namespace
+
+/// Stands in for the C library's function.
+extern "C" int getifaddrs(ifaddrs** first) noexcept {
+    if (refusal != 0) {
+        errno = refusal;
+        return -1;
+    }
+    using Function = int (*)(ifaddrs**);
+    static const auto real = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "getifaddrs"));
+    return real(first);
+}
 
 namespace {
 
@@ -99,7 +119,17 @@ TEST(LanAddress, IsNothingForAnEmptyList) {
     EXPECT_EQ(first_private_ipv4(nullptr), "");
 }
 
+TEST(LanAddress, IsNothingWhenTheInterfacesCannotBeRead) {
+    refusal = ENOBUFS;
+    EXPECT_EQ(lan_address(), "");
+    refusal = 0;
+}
+
 TEST(LanAddress, OfThisHostIsPrivateOrNothing) {
     const std::string address = lan_address();
+    ifaddrs* first = nullptr;
+    ASSERT_EQ(getifaddrs(&first), 0);
+    EXPECT_EQ(address, first_private_ipv4(first));
+    freeifaddrs(first);
     EXPECT_TRUE(address.empty() || first_private({address}) == address) << address;
 }

@@ -247,4 +247,18 @@ TEST_F(ListenerActionsInAWindowOfItsOwn, SendNothingWhenTheWindowIsClosedDuringT
     EXPECT_TRUE(service.requests().empty());
 }
 
+TEST_F(ListenerActionsInAWindowOfItsOwn, SendNothingWhenTheWindowIsClosedWhileItDraws) {
+    gtk_list_store_insert_with_values(widgets.listeners_store, nullptr, -1, 0, 5, 1, "192.0.2.5",
+                                      -1);
+    select_listener(0);
+    const auto close = +[](gpointer) -> gboolean {
+        gtk_widget_destroy(widgets.window);
+        return G_SOURCE_REMOVE;
+    };
+    g_idle_add_full(G_PRIORITY_HIGH, close, nullptr, nullptr);
+    listener_action(false);
+    EXPECT_EQ(widgets.window, nullptr);
+    EXPECT_TRUE(service.requests().empty());
+}
+
 } // namespace

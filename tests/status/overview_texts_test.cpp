@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -272,6 +273,7 @@ TEST(Checklist, IsDoneWhenAllFiveConditionsAreMet) {
     EXPECT_TRUE(checklist_is_done(with_relay_wanted(listed_station()), identity));
     EXPECT_FALSE(checklist_is_done(listed_station(), {"Hilltop", "", ""}));
     EXPECT_FALSE(checklist_is_done(with_receivers(listed_station(), 0), identity));
+    EXPECT_TRUE(checklist_is_done(with_receivers(listed_station(), 1), identity));
     EXPECT_FALSE(checklist_is_done(in_directory_state(listed_station(), "checking in"), identity));
     EXPECT_FALSE(checklist_is_done(unreachable(listed_station()), identity));
     StationState only_unregistered = listed_station();
@@ -442,4 +444,10 @@ TEST(TunedTo, FollowsTheListener) {
         SCOPED_TRACE(c.when);
         EXPECT_EQ(tuned_to_text(c.tuning, c.relayed), c.expected);
     }
+}
+
+TEST(StatusLineText, IsPrintedWithItsColour) {
+    std::ostringstream out;
+    out << StatusLine{"Off the air", StatusClass::warning};
+    EXPECT_EQ(out.str(), "\"Off the air\" (warning)");
 }

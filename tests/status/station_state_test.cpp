@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "status/station_state.h"
 
+#include "link/json_access.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -333,4 +335,10 @@ TEST(StationState, LinksToTheWayThatListenersTake) {
                                    : R"({"network": {"port": 8073}})";
         EXPECT_EQ(derive(settings, status_with(c.status)).station_link, c.expected);
     }
+}
+
+TEST(StationStateContract, NamesTheWishToBeListedWhenItIsNoBoolean) {
+    const ReadingStep step{"loading the form"};
+    EXPECT_THROW(derive(R"({"directory": {"listed": "yes"}})", status_with("{}")), std::exception);
+    EXPECT_NE(broken_contract("").find("cannot read directory.listed ("), std::string::npos);
 }

@@ -18,8 +18,7 @@ gboolean agree(gpointer done) {
     GtkWidget* dialog = real_window::open_dialog();
     if (!dialog)
         return G_SOURCE_CONTINUE;
-    if (done)
-        *static_cast<bool*>(done) = true;
+    *static_cast<bool*>(done) = true;
     gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_OK);
     return G_SOURCE_REMOVE;
 }
@@ -110,8 +109,16 @@ bool real_window::select_first_listener() {
     return true;
 }
 
-void real_window::agree_to_next_question(bool* done) {
-    g_idle_add_full(G_PRIORITY_LOW, agree, done, nullptr);
+void real_window::click_and_agree(const char* name) {
+    GtkWidget* button = button_named(name);
+    if (!gtk_widget_get_sensitive(button))
+        return;
+    bool agreed = false;
+    g_idle_add_full(G_PRIORITY_LOW, agree, &agreed, nullptr);
+    gtk_button_clicked(GTK_BUTTON(button));
+    // The question is asked from the main loop, and what follows it is done in there.
+    while (!agreed)
+        gtk_main_iteration();
 }
 
 void real_window::fill_in_registration() {

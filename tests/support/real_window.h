@@ -30,8 +30,9 @@ GtkWidget* open_dialog();
 /// The texts of the labels below a widget, those of buttons too.
 std::vector<std::string> texts_in(GtkWidget* root);
 
-/// Accepts the next question, once it is on the screen. Sets `done`, when given, as it does.
-void agree_to_next_question(bool* done = nullptr);
+/// Presses a button that asks a question, unless it is greyed, and accepts. What follows is over
+/// when this returns.
+void click_and_agree(const char* name);
 
 /// False when there is no listener.
 bool select_first_listener();

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <regex>
 #include <string>
 #include <vector>
@@ -119,6 +120,7 @@ TEST(UploadEstimate, ChangesItsUnitAtAThousandKilobits) {
         {17, "Uses about 1.0 Mbit/s of your upload when every place is taken."},
         {20, "Uses about 1.2 Mbit/s of your upload when every place is taken."},
         {200, "Uses about 12.0 Mbit/s of your upload when every place is taken."},
+        {5000, "Uses about 300.0 Mbit/s of your upload when every place is taken."},
     };
     for (const UploadCase& c : cases) {
         SCOPED_TRACE(c.listeners);
@@ -285,9 +287,16 @@ TEST(TypedNumber, RoundsHalvesAwayFromZero) {
     EXPECT_EQ(typed_number("0.25", 1), 0.3);
 }
 
+TEST(TypedNumber, HasNoNegativeZero) {
+    EXPECT_FALSE(std::signbit(typed_number("-0", 3).value()));
+    EXPECT_FALSE(std::signbit(typed_number("-0.0004", 3).value()));
+    EXPECT_TRUE(std::signbit(typed_number("-0.25", 3).value()));
+}
+
 TEST(TypedNumber, IsNothingForAnyOtherText) {
-    for (const char* text : {"", " ", "nonsense", "7.3 MHz", "7 3", "7.3.1", "7,3,1", "1,000.5",
-                             "1e3", "0x10", "inf", "nan", "-", "+", ".", ",", "--7", "7-", "٧"}) {
+    for (const char* text : {"~",     "7~3",   "",        " ",   "nonsense", "7.3 MHz", "7 3",
+                             "7.3.1", "7,3,1", "1,000.5", "1e3", "0x10",     "inf",     "nan",
+                             "-",     "+",     ".",       ",",   "--7",      "7-",      "٧"}) {
         EXPECT_EQ(typed_number(text, 3), std::nullopt) << text;
     }
 }

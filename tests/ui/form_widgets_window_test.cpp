@@ -329,6 +329,30 @@ TEST(LongTexts, AreLaidOutInTimeThatGrowsWithTheirLength) {
     g_object_unref(label);
 }
 
+TEST(LongTexts, AreNeverCutInsideACharacter) {
+    std::string text = "x"; // an odd beginning: every even boundary lies inside a character
+    for (int i = 0; i < 1000; ++i)
+        text.append("ü");
+    GtkWidget* label = make_label(text.c_str(), nullptr);
+    g_object_ref_sink(label);
+    PangoAttrIterator* pieces =
+        pango_attr_list_get_iterator(gtk_label_get_attributes(GTK_LABEL(label)));
+    int count = 0;
+    do {
+        gint start = 0;
+        gint end = 0;
+        pango_attr_iterator_range(pieces, &start, &end);
+        const auto place = static_cast<std::size_t>(start);
+        if (place < text.size()) {
+            EXPECT_NE(static_cast<unsigned char>(text[place]) & 0xC0, 0x80) << place;
+        }
+        ++count;
+    } while (pango_attr_iterator_next(pieces));
+    pango_attr_iterator_destroy(pieces);
+    EXPECT_GT(count, 10);
+    g_object_unref(label);
+}
+
 TEST(LongTexts, BreakLongWordsWithoutAHyphen) {
     GtkWidget* label = make_label(std::string(41, 'x').c_str(), nullptr);
     g_object_ref_sink(label);

@@ -65,6 +65,16 @@ TEST_F(PendingEvents, RunPendingEventsRunsThemAllAndWaitsForNone) {
     EXPECT_EQ(runs, 3);
 }
 
+TEST_F(PendingEvents, DrawNowWaitsForNoWindowThatIsHidden) {
+    gtk_widget_hide(widgets.window);
+    draw_now(); // comes back
+    gtk_widget_unrealize(widgets.window);
+    draw_now();
+    gtk_widget_show(widgets.window);
+    wait_until_window_is_drawn();
+    EXPECT_TRUE(gtk_widget_get_mapped(widgets.window));
+}
+
 using NewWindow = FreshWindowTest;
 
 TEST_F(NewWindow, IsMappedAndDrawn) {

@@ -251,6 +251,23 @@ TEST_F(Closing, EscapeStays) {
     EXPECT_TRUE(service.requests().empty());
 }
 
+TEST_F(Closing, AsksOnceThoughItIsClosedAgainMeanwhile) {
+    edit();
+    answer_next_dialog(GTK_RESPONSE_CANCEL, [] {
+        EXPECT_TRUE(confirm_close());
+        gtk_window_close(GTK_WINDOW(widgets.window));
+    });
+    EXPECT_FALSE(close_window());
+    EXPECT_EQ(dialogs.size(), 1U);
+}
+
+TEST_F(Closing, SavesNothingOnceTheWindowIsGone) {
+    edit();
+    answer_next_dialog(2, [] { gtk_widget_destroy(widgets.window); });
+    EXPECT_FALSE(confirm_close());
+    EXPECT_TRUE(service.requests().empty());
+}
+
 TEST_F(Closing, EndsTheMainLoop) {
     const auto close = +[](gpointer) -> gboolean {
         gtk_window_close(GTK_WINDOW(widgets.window));
