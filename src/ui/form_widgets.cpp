@@ -45,16 +45,11 @@ GtkWidget* make_label(const char* text, const char* style_class, bool wrap) {
 }
 
 std::string showable(std::string_view text) {
-    std::string valid;
-    if (g_utf8_validate_len(text.data(), text.size(), nullptr)) {
-        valid = text;
-    } else {
-        const GlibText mended{g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()))};
-        valid = mended.get();
-    }
-    for (std::size_t at = valid.find('\0'); at != std::string::npos; at = valid.find('\0', at))
-        valid.replace(at, 1, "\uFFFD");
-    return valid;
+    // A zero byte counts as invalid too.
+    if (g_utf8_validate_len(text.data(), text.size(), nullptr))
+        return std::string{text};
+    const GlibText mended{g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()))};
+    return mended.get();
 }
 
 GtkWidget* make_box(GtkOrientation orientation, int spacing, const char* style_class) {
