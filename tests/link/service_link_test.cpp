@@ -712,6 +712,9 @@ TEST_F(ServiceLink, LeavesNoDescriptorBehind) {
     service.will_answer_state("{}");
     const std::string absent = service.socket_path() + ".absent";
     EXPECT_EQ(get_state().status, 200);
+    // A service that starts anew has closed its own ends.
+    service.stop();
+    service.start();
     const std::size_t before = open_descriptors();
     for (int i = 0; i < 10'000; ++i) {
         settings_socket_path = i % 10 == 9 ? absent : service.socket_path();

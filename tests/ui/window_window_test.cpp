@@ -268,7 +268,7 @@ TEST_F(Closing, SavesNothingOnceTheWindowIsGone) {
     EXPECT_TRUE(service.requests().empty());
 }
 
-class PageList : public UntouchedWindowTest {
+class PageList : public FreshWindowTest {
 protected:
     static GtkWidget* list() {
         for (GtkWidget* widget : tree_of(widgets.window))
@@ -286,8 +286,6 @@ TEST_F(PageList, LetsArrowsWalkThroughItsRows) {
     GtkWidget* const second = gtk_window_get_focus(GTK_WINDOW(widgets.window));
     EXPECT_TRUE(GTK_IS_LIST_BOX_ROW(second));
     EXPECT_NE(second, first);
-    show_page_at_once("overview");
-    gtk_window_set_focus(GTK_WINDOW(widgets.window), nullptr);
 }
 
 TEST_F(PageList, IsPassedByWithoutAPageShown) {
