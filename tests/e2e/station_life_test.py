@@ -54,8 +54,9 @@ class Life(Case):
         program.page("overview")
         wait_for(lambda: "SDRplay RSP1   7 – 7.3 MHz" in program.poll().labels(),
                  "the receiver on the air")
-        self.assertEqual(program.header(), "On the air · 1 receiver · 0 of 20 listening · not "
-                                           "registered for the station list")
+        # Listeners come from now on, and how many have come by now is a matter of the machine.
+        self.assertRegex(program.header(), "^On the air · 1 receiver · [0-9]+ of 20 listening · "
+                                           "not registered for the station list$")
 
     def name_the_station(self, program):
         program.press("Go there →")
