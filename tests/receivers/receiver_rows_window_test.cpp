@@ -431,6 +431,7 @@ TEST_F(ReceiverRows, AreNotCapturedBeforeTheyAreBuilt) {
     EXPECT_TRUE(receiver(2).enabled);
     EXPECT_EQ(receiver(2).lo, 5e6);
     check_receiver_range(2);
+    check_receiver_range(widgets.receiver_list.size());
     rebuild_receiver_rows();
     EXPECT_NE(receiver(2).share_switch, nullptr);
 }
