@@ -121,8 +121,9 @@ struct BusyWith::Restore {
         if (focus_was_here && gtk_widget_is_sensitive(button) && gtk_widget_get_mapped(button))
             gtk_widget_grab_focus(button);
         else
-            gtk_widget_child_focus(gtk_stack_get_visible_child(GTK_STACK(widgets.stack)),
-                                   GTK_DIR_TAB_FORWARD);
+            // Not the page: its first field would scroll it there, and take the next key for an
+            // edit.
+            gtk_widget_child_focus(widgets.page_list, GTK_DIR_TAB_FORWARD);
     }
 
     static gboolean on_idle(gpointer data) {

@@ -25,7 +25,7 @@ gint run_dialog(GtkWidget* dialog);
 /// While one lives, the pointer over the window is the busy one and `button` (null: none) is
 /// insensitive. Presses that came meanwhile are lost on it: it becomes sensitive again, where
 /// `sensitive_again` (null: always) says so, only after they were taken in. Where the action left
-/// the window without a focus, the button gets it back, or else the page's first control.
+/// the window without a focus, the button gets it back, or else the list of pages.
 class BusyWith {
 public:
     explicit BusyWith(GtkWidget* button, bool (*sensitive_again)() = nullptr);

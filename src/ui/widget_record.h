@@ -24,7 +24,8 @@ inline constexpr std::array<const char*, 5> mode_names = {"USB", "LSB", "CW", "A
 
 struct WidgetRecord {
     GtkWidget* window = nullptr;
-    GtkWidget* stack = nullptr; ///< the pages, by name
+    GtkWidget* stack = nullptr;     ///< the pages, by name
+    GtkWidget* page_list = nullptr; ///< list box, one row per page
 
     // Header
     GtkWidget* header_title = nullptr;  ///< the station's name

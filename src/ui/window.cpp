@@ -121,6 +121,7 @@ GtkWidget* make_sidebar() {
     g_signal_connect(list, "focus", G_CALLBACK(on_page_list_focus), nullptr);
     gtk_stack_sidebar_set_stack(GTK_STACK_SIDEBAR(sidebar), GTK_STACK(widgets.stack));
     gtk_container_foreach(GTK_CONTAINER(list), name_row, nullptr);
+    widgets.page_list = list;
     return sidebar;
 }
 
