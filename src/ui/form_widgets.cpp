@@ -232,6 +232,17 @@ void show_footer_error(const std::string& text) {
     show_footer({text, StatusClass::error});
 }
 
+void set_text_of_entry(GtkWidget* entry, const std::string& text) {
+    const std::string shown = showable(text);
+    if (gtk_entry_get_text(GTK_ENTRY(entry)) == shown)
+        return;
+    // Whoever saves while typing goes on typing at the same place.
+    const gint cursor = gtk_editable_get_position(GTK_EDITABLE(entry));
+    gtk_entry_set_text(GTK_ENTRY(entry), shown.c_str());
+    if (gtk_widget_is_focus(entry))
+        gtk_editable_set_position(GTK_EDITABLE(entry), cursor);
+}
+
 std::string text_of_view(GtkWidget* text_view) {
     GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(text_view));
     GtkTextIter start;
@@ -245,7 +256,7 @@ void set_text_of_view(GtkWidget* text_view, const std::string& text) {
     const std::string shown = showable(text);
     if (text_of_view(text_view) == shown)
         return;
-    // Whoever saves while typing goes on typing at the same place.
+    // The cursor stays, as in an entry.
     GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(text_view));
     GtkTextIter cursor;
     gtk_text_buffer_get_iter_at_mark(buffer, &cursor, gtk_text_buffer_get_insert(buffer));

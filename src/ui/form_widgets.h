@@ -87,4 +87,7 @@ void show_footer_error(const std::string& text);
 
 /// The whole text of a text view, without hidden characters.
 std::string text_of_view(GtkWidget* text_view);
+
+/// Each leaves the cursor of a field that has the focus where it is.
+void set_text_of_entry(GtkWidget* entry, const std::string& text);
 void set_text_of_view(GtkWidget* text_view, const std::string& text);

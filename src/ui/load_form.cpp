@@ -43,7 +43,7 @@ void show_field(const FieldBinding& field) {
     else if (GTK_IS_SPIN_BUTTON(field.widget))
         gtk_spin_button_set_value(GTK_SPIN_BUTTON(field.widget), number_or_zero(*value));
     else
-        gtk_entry_set_text(GTK_ENTRY(field.widget), showable(string_or_empty(*value)).c_str());
+        set_text_of_entry(field.widget, string_or_empty(*value));
 }
 
 void show_modes() {

@@ -99,6 +99,19 @@ class Saving(Case):
         self.assertEqual(program.text_of("Callsign"), "W1AW")
         self.assertEqual(program.title(), "W1AW · Hilltop SDR")
 
+    def test_who_saves_while_typing_goes_on_typing_at_the_same_place(self):
+        self.station("quiet")
+        program = self.open("station")
+        program.focus(program.entry("Callsign"))
+        key("ctrl+a")
+        type_keys("w1a")
+        wait_for(program.is_unsaved, "the form to be unsaved")
+        program.save()
+        self.assertEqual(program.text_of("Callsign"), "W1A")
+        type_keys("w")
+        wait_for(lambda: program.text_of("Callsign") == "W1Aw",
+                 lambda: f"the letter at the end; there is {program.text_of('Callsign')}")
+
     def test_modes_and_blocked_addresses_go_out_as_lists(self):
         station = self.station("quiet")
         program = self.open("listeners")
