@@ -35,8 +35,8 @@ constexpr BandPreset presets[] = {
     {"0.5-1.7", "AM broadcast"},
 };
 
-double whole_khz(double mhz) {
-    return std::round(mhz * 1000);
+double whole_hertz(double mhz) {
+    return std::round(mhz * 1e6);
 }
 
 } // namespace
@@ -78,7 +78,7 @@ std::optional<BandRange> band_range(std::string_view id) {
 
 StatusLine coverage_line(std::string_view backend, double low_mhz, double high_mhz) {
     // As doubles, 16.001 - 8.001 is more than 8.
-    const double span_mhz = (whole_khz(high_mhz) - whole_khz(low_mhz)) / 1000;
+    const double span_mhz = (whole_hertz(high_mhz) - whole_hertz(low_mhz)) / 1e6;
     const double maximum_mhz = maximum_span_mhz(backend);
     if (span_mhz <= 0)
         // Spelled like this on purpose; a test holds it.

@@ -38,11 +38,11 @@ struct BandRange {
 /// point in every locale.
 std::optional<BandRange> band_range(std::string_view id);
 
-/// Whether a range in MHz fits what the receiver takes at once. Spans are compared in whole
-/// kilohertz, so that a range of exactly the maximum fits whatever its ends are as doubles.
+/// Whether a range in MHz fits what the receiver takes at once. Spans are compared in whole hertz,
+/// as they are saved, so that a range of exactly the maximum fits whatever its ends are as doubles.
 StatusLine coverage_line(std::string_view backend, double low_mhz, double high_mhz);
 
-/// A tunable receiver's name line below the model, as markup: kind, serial number, and a remark
+/// A receiver's line below its model, as markup: kind, serial number, and a remark
 /// when another program holds the device.
 std::string receiver_subtitle_markup(std::string_view backend, std::string_view serial,
                                      bool available);
