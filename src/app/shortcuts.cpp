@@ -81,6 +81,7 @@ gboolean on_page_number(GtkAccelGroup*, GObject*, guint, GdkModifierType, gpoint
     return TRUE;
 }
 
+// One group: GTK lays two side by side, wider than a small screen.
 constexpr char overlay[] = R"(
 <interface>
   <object class="GtkShortcutsWindow" id="overlay">
@@ -93,7 +94,6 @@ constexpr char overlay[] = R"(
         <child>
           <object class="GtkShortcutsGroup">
             <property name="visible">1</property>
-            <property name="title">Settings</property>
             <child>
               <object class="GtkShortcutsShortcut">
                 <property name="visible">1</property>
@@ -122,12 +122,6 @@ constexpr char overlay[] = R"(
                 <property name="title">Show these shortcuts</property>
               </object>
             </child>
-          </object>
-        </child>
-        <child>
-          <object class="GtkShortcutsGroup">
-            <property name="visible">1</property>
-            <property name="title">Pages</property>
             <child>
               <object class="GtkShortcutsShortcut">
                 <property name="visible">1</property>

@@ -55,6 +55,20 @@ class SmallScreen(Sizes):
         self.assertLessEqual(extents(program.dialog()).width, SMALL[0])
         program.answer("Cancel")
 
+    def test_the_list_of_keys_fits_a_small_screen(self):
+        self.station("quiet")
+        program = self.open()
+        program.keys("ctrl+question")
+        overlay = wait_for(lambda: next((w for w in program.windows() if w.get_name() !=
+                                         "Tarnwave settings"), None), "the overlay")
+        # Its last word, when all the others are there.
+        program.get(Role.LABEL, "Previous page", inside=overlay)
+        wait_for(lambda: extents(overlay).height > 0, "the overlay to get its size")
+        self.assertLessEqual(extents(overlay).width, SMALL[0])
+        self.assertLessEqual(extents(overlay).height, SMALL[1])
+        program.keys("Escape")
+        wait_for(lambda: len(program.windows()) == 1, "the overlay to go")
+
 
 class LongTexts(Sizes):
     def test_long_texts_never_widen_the_window(self):
