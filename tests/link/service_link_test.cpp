@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The link against a service that does everything a service may, and much that none should.
 //
-// Stands in for some of the system's functions, hence one definition of them here: counts the sends,
-// and refuses sockets, time limits and memory where a test says so.
+// Stands in for some of the system's functions, hence one definition of them here: counts the
+// sends, and refuses sockets, time limits and memory where a test says so.
 #include "link/service_link.h"
 
 #include "support/fake_service.h"
