@@ -327,6 +327,27 @@ TEST_F(ServiceLink, ReadsAReplyAsHttpFramesIt) {
     }
 }
 
+TEST_F(ServiceLink, ReadsALastChunkThatComesAByteAtATime) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"0\r\n\r\n", ""},
+        {"0\r\nX: y\r\n\r\n", ""},
+        {"2\r\n{}\r\n0\r\n\r\n", "{}"},
+    };
+    for (const auto& [chunks, body] : cases) {
+        SCOPED_TRACE(chunks);
+        std::vector<ConnectionStep> steps = {
+            read_request(), send("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n")};
+        for (const char* byte = chunks; *byte; ++byte) {
+            steps.push_back(pause(5ms));
+            steps.push_back(send(std::string(1, *byte)));
+        }
+        service.next_connection(std::move(steps));
+        const ServiceReply reply = get_state();
+        EXPECT_EQ(reply.status, 200);
+        EXPECT_EQ(reply.body, body);
+    }
+}
+
 TEST_F(ServiceLink, TakesAReplyThatIsNotHttpForNoAnswer) {
     struct Case {
         const char* when;
