@@ -149,8 +149,10 @@ int start_up(int argc, char** argv) {
         return EXIT_FAILURE;
     start_broker_if_down(*state_document);
     load_form();
-    if (argc > 1)
+    if (argc > 1) {
+        measure_pages_alike();
         show_page(argv[1]);
+    }
     g_timeout_add_seconds(poll_interval_s, poll_state, nullptr);
     // What is done when idle would run while the frame with the state waits for its turn.
     draw_now();

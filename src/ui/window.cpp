@@ -40,9 +40,9 @@ void on_save_clicked(GtkButton*, gpointer) {
     save_settings();
 }
 
-gboolean measure_pages_alike(gpointer) {
+gboolean on_idle(gpointer) {
     if (widgets.window)
-        gtk_stack_set_homogeneous(GTK_STACK(widgets.stack), TRUE);
+        measure_pages_alike();
     return G_SOURCE_REMOVE;
 }
 
@@ -173,8 +173,12 @@ void build_window() {
     gtk_widget_show(widgets.window);
 }
 
+void measure_pages_alike() {
+    gtk_stack_set_homogeneous(GTK_STACK(widgets.stack), TRUE);
+}
+
 void finish_window_when_idle() {
-    g_idle_add_full(G_PRIORITY_LOW, measure_pages_alike, nullptr, nullptr);
+    g_idle_add_full(G_PRIORITY_LOW, on_idle, nullptr, nullptr);
     make_accessible_relations_when_idle();
 }
 

@@ -9,6 +9,7 @@
 #include "support/time_limits.h"
 #include "support/window_fixture.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <exception>
@@ -153,6 +154,24 @@ TEST_F(StartUp, DrawsTheStateBeforeItMeasuresThePagesThatAreHidden) {
               0);
     EXPECT_TRUE(state_drawn);
     EXPECT_FALSE(pages_were_measured);
+}
+
+TEST_F(StartUp, LetsASmallWindowKeepItsHeightWhicheverPageComesFirst) {
+    // A page with nothing on it is the narrowest.
+    service.will_answer_state(
+        json::serialize(with(state_document(), "settings.receivers", json::array{})));
+    for (const char* page : {"overview", "station", "receivers", "listeners", "internet"}) {
+        SCOPED_TRACE(page);
+        int greatest_least_height = 0;
+        const WatchDrawing watch{[&] {
+            GtkRequisition least;
+            gtk_widget_get_preferred_size(widgets.window, &least, nullptr);
+            greatest_least_height = std::max(greatest_least_height, least.height);
+        }};
+        EXPECT_EQ(run({page}), 0);
+        EXPECT_GT(greatest_least_height, 0);
+        EXPECT_LE(greatest_least_height, 440) << "a screen of 480 lines has room for no more";
+    }
 }
 
 TEST_F(StartUp, EndsWhenTheWindowIsClosedBeforeTheStateIsDrawn) {
