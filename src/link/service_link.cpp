@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The one unit with Boost.Beast in it.
 #define G_LOG_DOMAIN "tarnwave"
-// Beast asserts that at least five bytes wait when it looks at the last chunk again. A reply without
-// any other chunk that comes a byte at a time has four then; the parser copes with them.
+// Beast asserts that at least five bytes wait when it looks at the last chunk again. A reply
+// without any other chunk that comes a byte at a time has four then; the parser copes with them.
 #define BOOST_DISABLE_ASSERTS
 #include "link/service_link.h"
 

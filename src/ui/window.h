@@ -7,8 +7,8 @@
 void build_window();
 
 /// Gives all pages the size of the largest, which measures them all. Needed before another page
-/// than the first is shown: a narrow one would let a small window grow taller than its screen, since
-/// GTK reckons the least height at the least width.
+/// than the first is shown: a narrow one would let a small window grow taller than its screen,
+/// since GTK reckons the least height at the least width.
 void measure_pages_alike();
 
 /// Finishes what the first frame had no need of, once the program has nothing else to do: the
