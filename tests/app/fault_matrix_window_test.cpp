@@ -100,7 +100,7 @@ private:
                                   : kind.reads_refusal && fault.body == "empty";
         BadConnection bad{service.socket_path(), fault};
         if (kind.asks_again)
-            bad.end_soon();
+            bad.end_once_met();
         if (ends) {
             EXPECT_THROW(kind.act(), std::exception);
             widgets.loading = false;

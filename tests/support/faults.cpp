@@ -1,17 +1,23 @@
 // SPDX-License-Identifier: MIT
+// Stands in for connect(2), hence one definition of it here: a bad connection changes when somebody
+// has met it, not after a time.
 #include "support/faults.h"
 
 #include <boost/json.hpp>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <sys/un.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
+#include <chrono>
+#include <condition_variable>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <mutex>
 #include <ostream>
 #include <sstream>
 #include <stdexcept>
@@ -21,8 +27,63 @@ namespace json = boost::json;
 
 namespace {
 
-/// How long a service with a full queue lives on.
-constexpr auto last_moments = 100ms;
+/// Far beyond what a loaded machine needs; a wait that reaches it has failed.
+constexpr auto deadline = 60s;
+
+/// Who connects to the socket of a bad connection, and how far they got.
+struct ConnectWatch {
+    std::mutex mutex{};
+    std::condition_variable changed{};
+    std::string path{}; ///< of the socket; "": none is watched
+    pid_t thread = 0;   ///< that began to connect last
+    int begun = 0;
+    int ended = 0;
+
+    bool is_for(const sockaddr* address) {
+        const std::scoped_lock lock{mutex};
+        return !path.empty() && address->sa_family == AF_UNIX &&
+               reinterpret_cast<const sockaddr_un*>(address)->sun_path == path;
+    }
+
+    void count(int ConnectWatch::*counter) {
+        const std::scoped_lock lock{mutex};
+        thread = gettid();
+        ++(this->*counter);
+        changed.notify_all();
+    }
+
+    void begin(const std::string& socket_path) {
+        const std::scoped_lock lock{mutex};
+        path = socket_path;
+        begun = ended = 0;
+    }
+
+    void wait_for(int ConnectWatch::*counter) {
+        std::unique_lock lock{mutex};
+        if (!changed.wait_for(lock, deadline, [&] { return this->*counter > 0; }))
+            throw std::runtime_error{"nobody connected to " + path};
+    }
+
+    /// Whether the kernel lets the thread wait: its connect found the queue full.
+    bool is_waiting() {
+        const std::scoped_lock lock{mutex};
+        std::ifstream file{"/proc/self/task/" + std::to_string(thread) + "/stat"};
+        const std::string stat{std::istreambuf_iterator<char>{file}, {}};
+        return ended > 0 || stat.compare(stat.rfind(')') + 2, 1, "S") == 0;
+    }
+};
+ConnectWatch connects;
+
+/// Returns once somebody waits in the full queue.
+void wait_for_a_waiting_connect() {
+    connects.wait_for(&ConnectWatch::begun);
+    const auto end = std::chrono::steady_clock::now() + deadline;
+    while (!connects.is_waiting()) {
+        if (std::chrono::steady_clock::now() > end)
+            throw std::runtime_error{"nobody waits in the full queue"};
+        std::this_thread::yield();
+    }
+}
 
 std::vector<Fault> read_faults() {
     std::ifstream file{FAULTS_FILE};
@@ -93,6 +154,18 @@ int bound_socket(const sockaddr_un& address) {
 
 } // namespace
 
+extern "C" int connect(int descriptor, const sockaddr* address, socklen_t size) {
+    const bool watched = connects.is_for(address);
+    if (watched)
+        connects.count(&ConnectWatch::begun);
+    const long result = syscall(SYS_connect, descriptor, address, size);
+    const int error = errno;
+    if (watched)
+        connects.count(&ConnectWatch::ended);
+    errno = error;
+    return static_cast<int>(result);
+}
+
 std::ostream& operator<<(std::ostream& out, const Fault& fault) {
     return out << fault.name;
 }
@@ -127,6 +200,7 @@ BadConnection::BadConnection(const std::string& socket_path, const Fault& fault)
         return;
     path_ = socket_path;
     std::rename(path_.c_str(), (path_ + ".away").c_str());
+    connects.begin(path_);
     if (fault.connection == "absent")
         return;
     sockaddr_un address{};
@@ -141,14 +215,20 @@ BadConnection::BadConnection(const std::string& socket_path, const Fault& fault)
                              sizeof address) != 0;
         }
     }
-    end_of_queue_ = std::jthread{[ends, queued = fault.connection == "queued"] {
-        if (queued)
-            std::this_thread::sleep_for(last_moments);
+    const auto close_all = [ends] {
         for (const int end : ends)
             ::close(end);
+    };
+    if (fault.connection == "refused") {
+        close_all();
+        return;
+    }
+    // The queue was filled through the same call.
+    connects.begin(path_);
+    end_of_queue_ = std::jthread{[close_all] {
+        wait_for_a_waiting_connect();
+        close_all();
     }};
-    if (fault.connection == "refused")
-        end_of_queue_.join();
 }
 
 BadConnection::~BadConnection() {
@@ -158,9 +238,11 @@ BadConnection::~BadConnection() {
         end();
 }
 
-void BadConnection::end_soon() {
+void BadConnection::end_once_met() {
+    if (path_.empty())
+        return;
     end_ = std::jthread{[this] {
-        std::this_thread::sleep_for(3 * last_moments);
+        connects.wait_for(&ConnectWatch::ended);
         end();
     }};
 }
@@ -170,6 +252,7 @@ void BadConnection::end() {
         return;
     if (end_of_queue_.joinable())
         end_of_queue_.join();
+    connects.begin("");
     ::unlink(path_.c_str());
     std::rename((path_ + ".away").c_str(), path_.c_str());
 }

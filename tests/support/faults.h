@@ -42,8 +42,8 @@ class BadConnection {
 public:
     BadConnection(const std::string& socket_path, const Fault& fault);
     ~BadConnection();
-    /// Ends it by itself after a moment, for who asks again and again.
-    void end_soon();
+    /// Ends it by itself once somebody has met it, for who asks again and again.
+    void end_once_met();
     BadConnection(const BadConnection&) = delete;
     BadConnection& operator=(const BadConnection&) = delete;
 
