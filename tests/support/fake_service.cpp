@@ -26,6 +26,9 @@ namespace {
 /// How long anything here waits before it gives up.
 constexpr std::chrono::milliseconds patience = 10s;
 
+/// How often a look is taken at a condition.
+constexpr std::chrono::milliseconds look_interval = 1ms;
+
 /// Connections that the kernel queues before a further one waits.
 constexpr int backlog = 16;
 
@@ -79,6 +82,10 @@ ConnectionStep send_bytewise(std::string bytes) {
 
 ConnectionStep pause(std::chrono::milliseconds duration) {
     return {.kind = ConnectionStep::Kind::pause, .duration = duration};
+}
+
+ConnectionStep run(std::function<void()> function) {
+    return {.kind = ConnectionStep::Kind::run, .function = std::move(function)};
 }
 
 ConnectionStep stay_silent() {
@@ -143,9 +150,9 @@ void FakeService::next_connection(std::vector<ConnectionStep> steps) {
     scripts_.push_back(std::move(steps));
 }
 
-void FakeService::delay_accepting(std::chrono::milliseconds duration) {
+void FakeService::accept_once(std::function<bool()> condition) {
     const std::scoped_lock lock{mutex_};
-    accept_delay_ = duration;
+    accept_condition_ = std::move(condition);
 }
 
 void FakeService::stop() {
@@ -236,13 +243,15 @@ void FakeService::run(std::stop_token stopping) {
     while (!stopping.stop_requested()) {
         if (!wait_for(listener_, POLLIN, patience))
             continue;
-        std::chrono::milliseconds delay{};
+        std::function<bool()> condition;
         {
             const std::scoped_lock lock{mutex_};
-            std::swap(delay, accept_delay_);
+            std::swap(condition, accept_condition_);
         }
-        if (delay > 0ms)
-            wait_for(-1, 0, delay);
+        const auto deadline = std::chrono::steady_clock::now() + patience;
+        while (condition && !condition() && !stopping.stop_requested() &&
+               std::chrono::steady_clock::now() < deadline)
+            wait_for(-1, 0, look_interval);
         const int connection = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
         if (connection < 0)
             continue;
@@ -283,6 +292,9 @@ void FakeService::serve(int connection, std::stop_token stopping) {
             break;
         case ConnectionStep::Kind::pause:
             wait_for(-1, 0, step.duration);
+            break;
+        case ConnectionStep::Kind::run:
+            step.function();
             break;
         case ConnectionStep::Kind::stay_silent:
             if (wait_for(connection, 0, patience)) { // no event but a hang-up
@@ -364,16 +376,18 @@ bool FakeService::send_all(int connection, std::string_view bytes) const {
 
 bool FakeService::send_one_by_one(int connection, std::string_view bytes,
                                   std::stop_token stopping) const {
-    const auto deadline = std::chrono::steady_clock::now() + patience;
     for (const char& byte : bytes) {
         if (!send_all(connection, {&byte, 1}))
             return false;
-        // The kernel hands over what it has as one piece: wait until it has nothing.
+        // The kernel hands over what it has as one piece: wait until it has nothing. The patience
+        // is for each byte: all of them may take long where the two threads share a core with
+        // others.
+        const auto deadline = std::chrono::steady_clock::now() + patience;
         int waiting = 1;
         while (ioctl(connection, SIOCOUTQ, &waiting) == 0 && waiting > 0) {
             if (stopping.stop_requested() || std::chrono::steady_clock::now() > deadline)
                 return false;
-            std::this_thread::yield();
+            wait_for(-1, 0, look_interval);
         }
     }
     return true;

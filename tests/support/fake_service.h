@@ -43,10 +43,11 @@ struct RecordedRequest {
 
 /// One step of a scripted connection; made by the functions below.
 struct ConnectionStep {
-    enum class Kind { read_request, send, send_bytewise, pause, stay_silent };
+    enum class Kind { read_request, send, send_bytewise, pause, run, stay_silent };
     Kind kind = Kind::stay_silent;
     std::string bytes{};
     std::chrono::milliseconds duration{};
+    std::function<void()> function{};
 };
 
 /// Reads one request and records it.
@@ -57,6 +58,8 @@ ConnectionStep send(std::string bytes);
 ConnectionStep send_bytewise(std::string bytes);
 /// Waits before the next step.
 ConnectionStep pause(std::chrono::milliseconds duration);
+/// Runs a function on the service's thread, before the next step.
+ConnectionStep run(std::function<void()> function);
 /// Neither reads nor sends until the client hangs up. As the first step: a service that never
 /// reads.
 ConnectionStep stay_silent();
@@ -91,8 +94,9 @@ public:
     /// The next connection that has no script yet follows this one.
     void next_connection(std::vector<ConnectionStep> steps);
 
-    /// Takes no connection for so long, though the kernel queues them.
-    void delay_accepting(std::chrono::milliseconds duration);
+    /// From now on takes no connection, though the kernel queues them, until the condition holds
+    /// or ten seconds have passed. It is asked on the service's thread, again and again.
+    void accept_once(std::function<bool()> condition);
 
     /// Ends like a service that was stopped: connections are cut, the socket file goes.
     void stop();
@@ -146,7 +150,7 @@ private:
     std::map<Way, std::deque<Answer>> once_{};
     std::map<Way, std::function<void()>> before_{};
     std::deque<std::vector<ConnectionStep>> scripts_{};
-    std::chrono::milliseconds accept_delay_{};
+    std::function<bool()> accept_condition_{};
     std::vector<RecordedRequest> requests_{};
     std::size_t connections_ = 0;
     std::size_t hang_ups_ = 0;
