@@ -25,10 +25,14 @@ void on_frame_painted(GdkFrameClock*, gpointer painted) {
     *static_cast<bool*>(painted) = true;
 }
 
+/// After the toolkit's own drawing: what is ready to be drawn is not too late, even where the
+/// program had to wait for its turn until the time was over.
+constexpr gint limit_priority = GDK_PRIORITY_REDRAW + 10;
+
 /// Turns the main loop until `done` or the time is over. The window may be destroyed in here.
 template <class Done> void turn_loop_until(guint limit_ms, Done done) {
     bool over = false;
-    const guint timer = g_timeout_add(limit_ms, on_time_over, &over);
+    const guint timer = g_timeout_add_full(limit_priority, limit_ms, on_time_over, &over, nullptr);
     while (!over && !done())
         gtk_main_iteration_do(TRUE);
     if (!over)

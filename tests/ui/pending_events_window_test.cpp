@@ -43,6 +43,19 @@ TEST_F(PendingEvents, DrawNowDrawsWhatWasJustWritten) {
     g_signal_handler_disconnect(widgets.footer_status, handler);
 }
 
+TEST_F(PendingEvents, DrawNowDrawsAlsoWhereTheProgramWaitedForItsTurnForLong) {
+    const auto lose_the_turn = +[](gpointer) -> gboolean {
+        const gint64 end = g_get_monotonic_time() + G_USEC_PER_SEC; // far more than a frame's time
+        while (g_get_monotonic_time() < end) {
+        }
+        return G_SOURCE_REMOVE;
+    };
+    FrameCount frames{widgets.window};
+    g_idle_add_full(G_PRIORITY_HIGH, lose_the_turn, nullptr, nullptr);
+    draw_now();
+    EXPECT_GT(frames.count(), 0);
+}
+
 TEST_F(PendingEvents, DrawNowWaitsForNoWindowThatIsNotThere) {
     const WidgetRecord before = widgets;
     widgets.window = nullptr;
