@@ -206,6 +206,8 @@ void show_status_line(GtkWidget* label, const StatusLine& line) {
 
 void ellipsise(GtkWidget* label) {
     gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_END);
+    // A line feed in the text begins no line: it is drawn as a sign.
+    gtk_label_set_single_line_mode(GTK_LABEL(label), TRUE);
 }
 
 void limit_lines(GtkWidget* label, int lines) {

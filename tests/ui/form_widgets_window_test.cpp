@@ -236,6 +236,40 @@ TEST_F(Footer, NeverWidensTheWindow) {
     EXPECT_EQ(after, before);
 }
 
+TEST_F(Footer, StaysOneLineHighWhateverItSays) {
+    const auto height_with = [](const std::string& text) {
+        show_footer_error(text);
+        int height = 0;
+        gtk_widget_get_preferred_height(widgets.footer_status, nullptr, &height);
+        return height;
+    };
+    const int height_of_one_line = height_with("Not saved: the port is taken.");
+    const std::string text = "Not saved: the port is taken,\nby\nanother\nprogram.";
+    // The sign for a line feed may come from a font with higher letters.
+    EXPECT_LT(height_with(text), height_of_one_line * 3 / 2);
+    EXPECT_EQ(text_of(widgets.footer_status), text);
+}
+
+using HeaderTitleLabel = WindowTest;
+
+TEST_F(HeaderTitleLabel, IsTwoLinesHighAtMostWhateverTheName) {
+    const auto height_with = [](const std::string& title) {
+        set_label_text(widgets.header_title, title);
+        int height = 0;
+        gtk_widget_get_preferred_height_for_width(widgets.header_title, 300, nullptr, &height);
+        return height;
+    };
+    std::string words;
+    std::string lines;
+    for (int i = 0; i < 50; ++i) {
+        words += "Hilltop ";
+        lines += "Hilltop\n";
+    }
+    const int height_of_one_line = height_with("Hilltop");
+    EXPECT_GT(height_with(words), height_of_one_line * 3 / 2);
+    EXPECT_LT(height_with(lines), height_of_one_line * 3);
+}
+
 using Showable = WindowTest;
 
 TEST_F(Showable, IsValidTextWithoutNulls) {
