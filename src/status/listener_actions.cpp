@@ -64,3 +64,11 @@ void listener_action(bool block) {
                  StatusClass::good});
     poll_state(nullptr);
 }
+
+void end_listener_session() {
+    listener_action(false);
+}
+
+void block_listener_address() {
+    listener_action(true);
+}

@@ -7,3 +7,7 @@
 /// that follows shows what came of it. Does nothing without a selection or when the question is
 /// answered with anything but OK.
 void listener_action(bool block);
+
+/// What the two buttons do.
+void end_listener_session();
+void block_listener_address();

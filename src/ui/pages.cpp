@@ -22,12 +22,12 @@ void on_copy_link_clicked(GtkButton*, gpointer) {
 }
 
 void on_end_session_clicked(GtkButton*, gpointer) {
-    listener_action(false);
+    end_listener_session();
 }
 
 gboolean on_block_idle(gpointer) {
     if (widgets.window)
-        listener_action(true);
+        block_listener_address();
     return G_SOURCE_REMOVE;
 }
 
