@@ -9,6 +9,7 @@
 #include "ui/form_widgets.h"
 #include "ui/spin_buttons.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
 
@@ -76,7 +77,17 @@ void on_share_switch_toggled(GtkSwitch* share, GParamSpec*, gpointer index) {
         gtk_widget_set_sensitive(receiver->details_box, gtk_switch_get_active(share));
 }
 
-GtkWidget* make_band_menu(const Receiver& receiver) {
+/// What a receiver is called to whoever does not see its card. Two of one model differ in their
+/// serials.
+std::string spoken_name(const Receiver& receiver) {
+    const auto of_this_model =
+        std::count_if(widgets.receiver_list.begin(), widgets.receiver_list.end(),
+                      [&](const Receiver& each) { return each.model == receiver.model; });
+    return showable(of_this_model > 1 ? receiver.model + " (serial " + receiver.serial + ")"
+                                      : receiver.model);
+}
+
+GtkWidget* make_band_menu() {
     GtkWidget* menu = gtk_combo_box_text_new();
     for (const BandPreset& preset : band_presets())
         gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(menu), preset.id, preset.text);
@@ -86,16 +97,17 @@ GtkWidget* make_band_menu(const Receiver& receiver) {
     g_object_set(cells->data, "ellipsize", PANGO_ELLIPSIZE_END, "width-chars", band_menu_chars,
                  nullptr);
     g_list_free(cells);
-    set_accessible_name(menu, ("Band of " + showable(receiver.model)).c_str());
     return menu;
 }
 
-GtkWidget* make_header(Receiver& receiver) {
+/// The receiver's names and its switch. `title_out` receives the label with the model.
+GtkWidget* make_header(Receiver& receiver, GtkWidget** title_out) {
     GtkWidget* header = make_box(GTK_ORIENTATION_HORIZONTAL, 12, "row");
     GtkWidget* names = make_box(GTK_ORIENTATION_VERTICAL, 2);
     GtkWidget* title =
         make_label(("<b>" + escaped_markup(receiver.model) + "</b>").c_str(), nullptr);
     pack(names, title);
+    *title_out = title;
     GtkWidget* subtitle = make_label(
         receiver_subtitle_markup(receiver.backend, receiver.serial, receiver.available).c_str(),
         "small");
@@ -107,7 +119,7 @@ GtkWidget* make_header(Receiver& receiver) {
     gtk_widget_set_valign(receiver.share_switch, GTK_ALIGN_CENTER);
     gtk_widget_set_tooltip_text(receiver.share_switch, "Share this receiver with listeners");
     set_accessible_name(receiver.share_switch,
-                        showable("Share " + receiver.model + " with listeners").c_str());
+                        ("Share " + spoken_name(receiver) + " with listeners").c_str());
     describe_by_label(receiver.share_switch, subtitle);
     pack_end(header, receiver.share_switch);
     return header;
@@ -116,9 +128,9 @@ GtkWidget* make_header(Receiver& receiver) {
 GtkWidget* make_frequency_row(Receiver& receiver) {
     GtkWidget* row = make_box(GTK_ORIENTATION_HORIZONTAL, 8);
     // Several receivers stand on the page: whoever does not see it hears which one is meant.
-    const std::string of_model = " of " + showable(receiver.model);
-    receiver.low_spin = make_frequency_spin(("Lowest frequency" + of_model + " in MHz").c_str());
-    receiver.high_spin = make_frequency_spin(("Highest frequency" + of_model + " in MHz").c_str());
+    const std::string of_it = " of " + spoken_name(receiver);
+    receiver.low_spin = make_frequency_spin(("Lowest frequency" + of_it + " in MHz").c_str());
+    receiver.high_spin = make_frequency_spin(("Highest frequency" + of_it + " in MHz").c_str());
     gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver.low_spin),
                               receiver.lo / hertz_per_megahertz);
     gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver.high_spin),
@@ -135,13 +147,15 @@ GtkWidget* make_frequency_row(Receiver& receiver) {
     return row;
 }
 
-void add_details(Receiver& receiver, std::size_t index) {
+void add_details(Receiver& receiver, std::size_t index, GtkWidget* title) {
     if (!is_tunable(receiver.backend)) {
         pack(receiver.details_box, make_label("Covers all of HF, 0 to 30 MHz.", "muted"));
         return;
     }
     GtkWidget* row = make_frequency_row(receiver);
-    GtkWidget* menu = make_band_menu(receiver);
+    GtkWidget* menu = make_band_menu();
+    // No name of its own: GTK names a menu by the item that it shows.
+    name_by_label(menu, title);
     pack_end(row, menu);
     pack(receiver.details_box, row);
     receiver.coverage_label = make_label("", "small");
@@ -166,7 +180,8 @@ void add_details(Receiver& receiver, std::size_t index) {
 void add_receiver_card(std::size_t index) {
     Receiver& receiver = widgets.receiver_list[index];
     GtkWidget* card = add_card(widgets.receiver_rows_box, nullptr);
-    pack(card, make_header(receiver));
+    GtkWidget* title = nullptr;
+    pack(card, make_header(receiver, &title));
 
     receiver.details_box = make_box(GTK_ORIENTATION_VERTICAL, 4, "details");
     gtk_widget_set_margin_bottom(receiver.details_box, 12);
@@ -174,7 +189,7 @@ void add_receiver_card(std::size_t index) {
     receiver.low_spin = nullptr;
     receiver.high_spin = nullptr;
     receiver.coverage_label = nullptr;
-    add_details(receiver, index);
+    add_details(receiver, index, title);
 
     g_signal_connect(receiver.share_switch, "notify::active", G_CALLBACK(on_share_switch_toggled),
                      GSIZE_TO_POINTER(index));

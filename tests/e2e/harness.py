@@ -131,11 +131,9 @@ def related(accessible, relation_type):
 
 
 def label_of(accessible):
-    """What a screen reader calls the widget: its own name or that of its label."""
-    name = accessible.get_name()
-    if name:
-        return name
-    return " ".join(target.get_name() for target in related(accessible, Relation.LABELLED_BY))
+    """What a screen reader calls the widget: the name of its label, or else its own."""
+    labels = related(accessible, Relation.LABELLED_BY)
+    return " ".join(label.get_name() for label in labels) or accessible.get_name()
 
 
 def description_of(accessible):

@@ -8,10 +8,10 @@ from harness import (Atspi, Case, Role, State, description_of, extents, has_stat
 
 LOW = "Lowest frequency of SDRplay RSP1 in MHz"
 HIGH = "Highest frequency of SDRplay RSP1 in MHz"
-BAND = "Band of SDRplay RSP1"
+BAND = "SDRplay RSP1"
 DONGLE_LOW = "Lowest frequency of RTL-SDR dongle <2832> & tuner in MHz"
 DONGLE_HIGH = "Highest frequency of RTL-SDR dongle <2832> & tuner in MHz"
-DONGLE_BAND = "Band of RTL-SDR dongle <2832> & tuner"
+DONGLE_BAND = "RTL-SDR dongle <2832> & tuner"
 
 
 class FindDevices(Case):
@@ -136,7 +136,9 @@ class Ranges(Case):
         program = self.open_receivers()
         program.wait_for_label("Covers 2 MHz of the 2 MHz this receiver can take at once.")
         menu = program.field(Role.COMBO_BOX, DONGLE_BAND)
+        self.assertEqual(menu.get_name(), "Band…")
         Atspi.Selection.select_child(menu, 14)
+        wait_for(lambda: menu.get_name() == "2 m", "the menu to show its band")
         program.wait_for_label("4.00 MHz is too wide: this receiver covers up to 2 MHz at once.")
         self.assertEqual(self.dongle_range(program), (144, 148))
         self.assertTrue(program.is_unsaved())

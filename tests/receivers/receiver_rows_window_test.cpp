@@ -298,6 +298,36 @@ TEST_F(ReceiverRows, OfferTheBandsInTheirOrder) {
     EXPECT_EQ(gtk_combo_box_get_active(GTK_COMBO_BOX(band_menu())), 0);
 }
 
+TEST_F(ReceiverRows, TellTwoReceiversOfOneModelApartByTheirSerials) {
+    const auto name_of = [](GtkWidget* widget) {
+        return std::string{atk_object_get_name(gtk_widget_get_accessible(widget))};
+    };
+    json::object dongle = {{"backend", "rtl-sdr"},
+                           {"serial", "00000001"},
+                           {"model", "Dongle"},
+                           {"lo", 144e6},
+                           {"hi", 146e6}};
+    json::object other = dongle;
+    other["serial"] = "00000002";
+    load(with(state_document(), "settings.receivers", json::array{dongle, other}));
+    EXPECT_EQ(name_of(receiver(0).share_switch), "Share Dongle (serial 00000001) with listeners");
+    EXPECT_EQ(name_of(receiver(1).share_switch), "Share Dongle (serial 00000002) with listeners");
+    EXPECT_EQ(name_of(receiver(1).low_spin), "Lowest frequency of Dongle (serial 00000002) in MHz");
+    EXPECT_EQ(name_of(receiver(1).high_spin),
+              "Highest frequency of Dongle (serial 00000002) in MHz");
+
+    load(only(dongle));
+    EXPECT_EQ(name_of(receiver(0).share_switch), "Share Dongle with listeners");
+}
+
+TEST_F(ReceiverRows, NameTheBandMenuByWhatItShows) {
+    load(state_document());
+    AtkObject* menu = gtk_widget_get_accessible(band_menu());
+    EXPECT_STREQ(atk_object_get_name(menu), "Band…");
+    gtk_combo_box_set_active(GTK_COMBO_BOX(band_menu()), 4);
+    EXPECT_STREQ(atk_object_get_name(menu), "40 m");
+}
+
 TEST_F(ReceiverRows, TakeEveryBandOverIntoTheRange) {
     const std::string fits_8 = " MHz of the 8 MHz this receiver can take at once.|";
     const std::string fits_2 = " MHz of the 2 MHz this receiver can take at once.|";
