@@ -37,6 +37,7 @@ int print(const std::string& text) {
 ApiReply serve_request(Station& station, const Options& options, HandOver& hand_over,
                        RequestRecord& record, const ApiRequest& request) {
     watch_files(hand_over, station);
+    advance(station, options.step_s);
     if (const std::string fault = record_body(record, request); !fault.empty())
         say(fault);
     const boost::json::object former = station.settings;

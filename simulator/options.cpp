@@ -11,6 +11,7 @@ namespace {
 
 // A faster life than this only runs through its ticks without being seen. Ours.
 constexpr double highest_speed = 10'000;
+constexpr double longest_step_s = 3'600;
 constexpr int longest_delay_ms = 600'000;
 
 struct Flag {
@@ -83,6 +84,11 @@ constexpr std::array settings = {
             [](Options& o, std::string_view, std::string_view v) {
                 return store_number(o.speed, v, 0.0, highest_speed,
                                     "--speed needs a number from 0 to 10000.");
+            }},
+    Setting{"--step", "X", "station seconds that pass at each request, 0 to 3600 (0)",
+            [](Options& o, std::string_view, std::string_view v) {
+                return store_number(o.step_s, v, 0.0, longest_step_s,
+                                    "--step needs a number from 0 to 3600.");
             }},
     Setting{"--seed", "N", "another life of the same scenario (1)",
             [](Options& o, std::string_view, std::string_view v) {

@@ -20,6 +20,7 @@ struct Options {
     std::string broker_file{};   ///< empty: the start waits for SIGUSR1 alone
     std::string record_folder{}; ///< empty: bodies are not recorded
     double speed = 1;            ///< station seconds in a second; 0 stops the life
+    double step_s = 0;           ///< station seconds that pass at each request
     std::uint64_t seed = 1;
     int delay_ms = -1;   ///< below 0: the scenario's own
     std::string fault{}; ///< in words; empty when the line was understood

@@ -21,6 +21,7 @@ TEST(SimulatorOptions, HaveTheirDefaults) {
     EXPECT_EQ(options.socket, "/tmp/s");
     EXPECT_EQ(options.scenario->name, "on-air");
     EXPECT_EQ(options.speed, 1);
+    EXPECT_EQ(options.step_s, 0);
     EXPECT_EQ(options.seed, 1U);
     EXPECT_EQ(options.delay_ms, -1);
     EXPECT_FALSE(options.quiet);
@@ -29,17 +30,19 @@ TEST(SimulatorOptions, HaveTheirDefaults) {
 TEST(SimulatorOptions, AreReadInBothSpellings) {
     for (const std::vector<const char*>& arguments :
          {std::vector<const char*>{"--socket=/tmp/s", "--scenario=relay", "--state=/tmp/f",
-                                   "--speed=2.5", "--seed=9", "--delay-ms=40", "--owner-file=/o",
-                                   "--broker-file=/b", "--record=/r", "--quiet"},
-          {"--socket", "/tmp/s", "--scenario", "relay", "--state", "/tmp/f", "--speed", "2.5",
-           "--seed", "9", "--delay-ms", "40", "--owner-file", "/o", "--broker-file", "/b",
-           "--record", "/r", "--quiet"}}) {
+                                   "--speed=2.5", "--step=0.5", "--seed=9", "--delay-ms=40",
+                                   "--owner-file=/o", "--broker-file=/b", "--record=/r", "--quiet"},
+          {"--socket",   "/tmp/s", "--scenario",   "relay", "--state",       "/tmp/f",
+           "--speed",    "2.5",    "--step",       "0.5",   "--seed",        "9",
+           "--delay-ms", "40",     "--owner-file", "/o",    "--broker-file", "/b",
+           "--record",   "/r",     "--quiet"}}) {
         const Options options = parse(arguments);
         EXPECT_EQ(options.fault, "");
         EXPECT_EQ(options.socket, "/tmp/s");
         EXPECT_EQ(options.scenario->name, "relay");
         EXPECT_EQ(options.state_file, "/tmp/f");
         EXPECT_EQ(options.speed, 2.5);
+        EXPECT_EQ(options.step_s, 0.5);
         EXPECT_EQ(options.seed, 9U);
         EXPECT_EQ(options.delay_ms, 40);
         EXPECT_EQ(options.owner_file, "/o");
@@ -67,6 +70,8 @@ TEST(SimulatorOptions, SayWhatIsWrong) {
         {{"--speed", "10001"}, "--speed needs a number from 0 to 10000."},
         {{"--speed", "nan"}, "--speed needs a number from 0 to 10000."},
         {{"--speed", "1x"}, "--speed needs a number from 0 to 10000."},
+        {{"--step", "-1"}, "--step needs a number from 0 to 3600."},
+        {{"--step", "3601"}, "--step needs a number from 0 to 3600."},
         {{"--seed", "-1"}, "--seed needs a whole number, 0 or more."},
         {{"--delay-ms", "-1"}, "--delay-ms needs a whole number from 0 to 600000."},
         {{"--delay-ms", "600001"}, "--delay-ms needs a whole number from 0 to 600000."},

@@ -196,6 +196,15 @@ class Life(unittest.TestCase):
             self.assertEqual(simulator.request("GET", "/api/state").body,
                              simulator.request("GET", "/api/state").body)
 
+    def test_goes_on_with_each_request_when_asked(self):
+        with Simulator(PROGRAM, "--speed", "0", "--step", "7") as simulator:
+            before, after = ({listener["number"]: listener["seconds"]
+                              for listener in simulator.state()["status"]["listeners"]}
+                             for _ in range(2))
+            stayed = before.keys() & after.keys()
+            self.assertTrue(stayed)
+            self.assertEqual({after[number] - before[number] for number in stayed}, {7})
+
     def test_is_the_same_for_the_same_seed(self):
         documents = []
         for seed in ("3", "3", "4"):
