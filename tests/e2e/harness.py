@@ -519,11 +519,13 @@ class Program:
 
     def press(self, name, at=0):
         """Presses a button as soon as it can be pressed."""
-        button = wait_for(lambda: self._button(name, at), f"a button “{name}” that can be pressed")
+        button = wait_for(lambda: self.find_button(name, at),
+                          f"a button “{name}” that can be pressed")
         Atspi.Action.do_action(button, 0)
         return self
 
-    def _button(self, name, at):
+    def find_button(self, name, at=0):
+        """The button of that name, wherever the page is scrolled to, if it can be pressed now."""
         for window in reversed(self.windows()):  # dialogs come after the window below them
             buttons = [a for a in walk_shown(window)
                        if a.get_role() == Role.PUSH_BUTTON and a.get_name() == name]
@@ -601,9 +603,12 @@ class Program:
         return None
 
     def activate(self):
-        """Waits until the window (or its dialog) gets the keys that are pressed."""
-        wait_for(lambda: any(has_state(w, State.ACTIVE) for w in self.windows()),
-                 "the window to be active")
+        """Waits until the window gets the keys that are pressed, or what stands in front of it: a
+        dialog that is on the screen does not have them yet."""
+        def front_is_active():
+            return has_state([window for window in self.windows() if window.get_role() in
+                              (Role.FRAME, Role.ALERT, Role.DIALOG)][-1], State.ACTIVE)
+        wait_for(front_is_active, "the window to be active")
         return self
 
     def keys(self, *names):
