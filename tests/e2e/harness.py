@@ -19,6 +19,7 @@ import shutil
 import signal
 import socket
 import subprocess
+import sys
 import tempfile
 import threading
 import time
@@ -30,6 +31,9 @@ gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402 (the version comes first)
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "tests" / "support"))
+from received_request import received_request  # noqa: E402 (the path comes first)
+
 BUILD = pathlib.Path(os.environ.get("TARNWAVE_BUILD", ROOT / "build" / "test"))
 PROGRAM = BUILD / "src" / "tarnwave-settings"
 SIMULATOR = BUILD / "simulator" / "tarnwave-station-simulator"
@@ -274,16 +278,6 @@ class Station:
             os.unlink(self.socket_path)
 
 
-class Request:
-    """One request as it came over the socket."""
-
-    def __init__(self, head, body):
-        self.head = head
-        self.body = body
-        self.line, *self.fields = head.decode().split("\r\n")
-        self.method, self.target, _ = self.line.split(" ")
-
-
 class ScriptedService:
     """A station service that answers word for word what a test tells it to."""
 
@@ -334,17 +328,9 @@ class ScriptedService:
                     pass
 
     def _answer(self, connection):
-        received = b""
-        while b"\r\n\r\n" not in received:
-            piece = connection.recv(65536)
-            if not piece:
-                return
-            received += piece
-        head, body = received.split(b"\r\n\r\n", 1)
-        length = re.search(rb"\r\nContent-Length: (\d+)", head)
-        while length and len(body) < int(length.group(1)):
-            body += connection.recv(65536)
-        request = Request(head, body)
+        request = received_request(connection)
+        if request is None:
+            return
         self.requests.append(request)
         self.gate.wait(DEADLINE)
         answers = self._answers[request.method, request.target]
