@@ -11,6 +11,7 @@
 #include "receivers/find_devices.h"
 #include "status/listener_actions.h"
 #include "status/registration.h"
+#include "support/bad_connection.h"
 #include "support/faults.h"
 #include "support/time_limits.h"
 #include "support/window_fixture.h"
@@ -98,7 +99,7 @@ private:
         const bool success = fault.status == 200;
         const bool ends = success ? kind.reads_success && fault.body != "own"
                                   : kind.reads_refusal && fault.body == "empty";
-        BadConnection bad{service.socket_path(), fault};
+        BadConnection bad{service.socket_path(), fault.connection};
         if (kind.asks_again)
             bad.end_once_met();
         if (ends) {

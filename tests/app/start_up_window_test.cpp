@@ -5,6 +5,7 @@
 #include "link/build_constants.h"
 #include "link/json_access.h"
 #include "link/service_link.h"
+#include "support/bad_connection.h"
 #include "support/faults.h"
 #include "support/time_limits.h"
 #include "support/window_fixture.h"
@@ -252,7 +253,7 @@ TEST_F(StartUp, MeetsEveryFaultAtTheFirstContact) {
         if (fault.connection.empty())
             service.next_connection(steps_of(fault, json::serialize(state_document())));
         shorter_time_limit_ms = fault.limit_ms;
-        const BadConnection bad{service.socket_path(), fault};
+        const BadConnection bad{service.socket_path(), fault.connection};
         if (fault.status == 200) {
             // Whatever it holds: the form has a request of its own.
             EXPECT_EQ(run({}), 0);

@@ -22,12 +22,13 @@ import tempfile
 import threading
 
 HERE = pathlib.Path(__file__).resolve().parent
+sys.path.insert(0, str(HERE.parent / "support"))
+from received_request import received_request  # noqa: E402 (the path comes first)
+
 FAULTS = json.loads((HERE / "faults.json").read_text())
 
 # Seconds. Far beyond what a loaded machine needs; a wait that reaches it has failed.
 DEADLINE = 60
-# How long a service with a full queue lives on.
-LAST_MOMENTS = 0.1
 
 REFUSAL = b'{"error":"No."}'
 ON_THE_AIR = "On the air"
@@ -84,42 +85,14 @@ class Service:
         threading.Thread(target=self._serve, daemon=True).start()
 
     def follow(self, script):
-        self._script = list(script)
-        self._go_away_if_told()
+        # A connection that fails never comes here: the library sees to it.
+        self._script = [step for step in script
+                        if not isinstance(step, dict) or "connection" not in step]
 
     def be_well(self):
         self._script = []
-        if os.path.exists(self.path + ".away"):
-            if os.path.exists(self.path):
-                os.unlink(self.path)
-            os.rename(self.path + ".away", self.path)
-
-    def _go_away_if_told(self):
-        """Before the connection that meets it is begun."""
-        if not self._script or not isinstance(self._script[0], dict):
-            return
-        way = self._script[0].get("connection")
-        if way is None:
-            return
-        self._script.pop(0)
-        os.rename(self.path, self.path + ".away")
-        if way == "absent":
-            return
-        other = socket.socket(socket.AF_UNIX)
-        other.bind(self.path)
-        if way == "refused":
-            other.close()
-            return
-        other.listen(0)
-        waiting = []
-        while True:
-            waiting.append(socket.socket(socket.AF_UNIX))
-            waiting[-1].setblocking(False)
-            try:
-                waiting[-1].connect(self.path)
-            except BlockingIOError:
-                break
-        threading.Timer(LAST_MOMENTS, lambda: [s.close() for s in [other, *waiting]]).start()
+        if os.path.exists(self.path + ".away"):  # left by a program that was killed
+            os.replace(self.path + ".away", self.path)
 
     def _serve(self):
         while True:
@@ -132,21 +105,12 @@ class Service:
                         raise
 
     def _answer(self, connection):
-        received = b""
-        while b"\r\n\r\n" not in received:
-            piece = connection.recv(65536)
-            if not piece:
-                return
-            received += piece
-        head, body = received.split(b"\r\n\r\n", 1)
-        length = re.search(rb"\r\nContent-Length: (\d+)", head)
-        while length and len(body) < int(length.group(1)):
-            body += connection.recv(65536)
-        method, target, _ = head.split(b"\r\n")[0].decode().split(" ")
-        self.requests.append(f"{method} {target}")
+        request = received_request(connection)
+        if request is None:
+            return
+        self.requests.append(request.line)
         fault = self._script.pop(0) if self._script else None
-        self._go_away_if_told()
-        good = GOOD[method, target]
+        good = GOOD[request.method, request.target]
         if fault is None:
             fault = (200, good)
         if isinstance(fault, tuple):
@@ -181,10 +145,11 @@ class Failure(Exception):
 class Program:
     """The real program under remote control."""
 
-    def __init__(self, program, library, folder, socket_path):
+    def __init__(self, program, library, folder, socket_path, first_commands):
         environment = dict(os.environ, TARNWAVE_SETTINGS_SOCKET=socket_path, LD_PRELOAD=library,
                            NO_AT_BRIDGE="1", G_DEBUG="fatal-warnings", PATH=str(folder / "bin"),
-                           LC_ALL="C.UTF-8", HOME=str(folder))
+                           LC_ALL="C.UTF-8", HOME=str(folder),
+                           TARNWAVE_TEST_START="\n".join(first_commands))
         # The sanitizer is content with a library ahead of its own.
         environment["ASAN_OPTIONS"] = ":".join(
             filter(None, [environment.get("ASAN_OPTIONS"), "verify_asan_link_order=0"]))
@@ -283,6 +248,13 @@ def check_ended(status, said):
     check(re.fullmatch(r"tarnwave-settings: [^\n]+\n", said), "said", repr(said))
 
 
+def preparations(fault, fine_before=0, once=False):
+    """The commands that let the program meet a fault, but for what the service does."""
+    if "connection" in fault:
+        return [f"connection {fault['connection']} {fine_before} {'once' if once else ''}".strip()]
+    return [f"limit {fault['limit_ms']}"] if "limit_ms" in fault else []
+
+
 class Matrix:
     def __init__(self, program, library, folder):
         self.program_path = program
@@ -294,16 +266,16 @@ class Matrix:
         self._write_commands()
 
     def _write_commands(self):
-        """The administrator's command waits until the test says so; there is no other."""
+        """The administrator's command does nothing, and well; there is no other."""
         (self.folder / "bin").mkdir()
         (self.folder / "home").mkdir()
-        os.mkfifo(self.folder / "go")
         path = self.folder / "bin" / "pkexec"
-        path.write_text(f"#!/bin/sh\nread _ <'{self.folder}/go'\n")
+        path.write_text("#!/bin/sh\n")
         path.chmod(0o755)
 
-    def start(self):
-        return Program(self.program_path, self.library, self.folder, self.service.path)
+    def start(self, *first_commands):
+        return Program(self.program_path, self.library, self.folder, self.service.path,
+                       first_commands)
 
     def open(self):
         """The program with the station on its pages; every action has been done once."""
@@ -330,9 +302,11 @@ class Matrix:
         program = self.program
         if not action.get("fresh"):
             program.do("edit Edited")
-        program.do(f"limit {fault.get('limit_ms', 0)}")
+        before = action.get("before", [])
         self.service.requests.clear()
-        self.service.follow([*action.get("before", []), fault])
+        self.service.follow([*before, fault])
+        for command in preparations(fault, len(before)):
+            program.do(command)
         report = program.do(action["command"])
         if ends_by_contract(action, fault):
             check(report is None, "lived on with", report)
@@ -349,8 +323,9 @@ class Matrix:
         self._check_usable(program)
 
     def _check_usable(self, program):
-        self.service.be_well()
+        program.do("connection")
         program.do("limit 0")
+        self.service.be_well()
         report = program.do("poll")
         check(shows(report, ON_THE_AIR), "a poll later it shows", report["texts"])
         program.do("edit Usable")
@@ -362,8 +337,7 @@ class Matrix:
     def run_probe(self, fault):
         """The first request of all."""
         self.service.follow([fault])
-        program = self.program = self.start()
-        program.tell(f"limit {fault.get('limit_ms', 0)}")
+        program = self.program = self.start(*preparations(fault))
         if fault["status"] == 200:
             # Whatever it holds: the form has a request of its own.
             report = program.hear()
@@ -384,16 +358,11 @@ class Matrix:
     def run_wait(self, fault):
         """The wait for the service to take the new owner."""
         self.service.requests.clear()
-        self.service.follow([(403, REFUSAL)])
-        program = self.program = self.start()
-        program.tell(f"limit {fault.get('limit_ms', 0)}")
+        self.service.follow([(403, REFUSAL), fault])
+        # In time for the start: while it waits for the command, the program hears nothing.
+        program = self.program = self.start(*preparations(fault, fine_before=1, once=True))
         program.tell("answer -3")  # accepted
         self._dialog(program)
-        with open(self.folder / "go", "w", encoding="utf-8") as go:
-            self.service.follow([fault])
-            go.write("\n")
-        if "connection" in fault:
-            threading.Timer(3 * LAST_MOMENTS, self.service.be_well).start()
         report = program.hear()
         while report and not (report.get("texts") and shows(report, ON_THE_AIR)):
             report = program.hear()

@@ -5,16 +5,14 @@
 
 #include "support/fake_service.h"
 
-#include <functional>
 #include <iosfwd>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <vector>
 
 struct Fault {
     std::string name{};
-    std::string connection{};        ///< "absent", "refused", "queued"; "": the connection is fine
+    std::string connection{};        ///< a way of BadConnection; "": it is fine
     std::string sent{};              ///< with places for the good answer's body
     bool silent = false;             ///< does not hang up after that
     std::chrono::milliseconds gap{}; ///< between single bytes; 0: all at once
@@ -35,22 +33,3 @@ constexpr const char* reason_of_refusal = "No.";
 
 /// The script of a connection that meets the fault in the place of an answer with this body.
 std::vector<ConnectionStep> steps_of(const Fault& fault, std::string_view good_body);
-
-/// While one lives, whoever connects to the service meets the fault's kind of connection. Nothing
-/// happens when the connection is fine.
-class BadConnection {
-public:
-    BadConnection(const std::string& socket_path, const Fault& fault);
-    ~BadConnection();
-    /// Ends it by itself once somebody has met it, for who asks again and again.
-    void end_once_met();
-    BadConnection(const BadConnection&) = delete;
-    BadConnection& operator=(const BadConnection&) = delete;
-
-private:
-    void end();
-
-    std::string path_{};
-    std::jthread end_of_queue_{};
-    std::jthread end_{};
-};

@@ -68,6 +68,11 @@ GtkWidget* real_window::button_named(const char* name) {
     give_up(std::string{"there is no button "}.append(name));
 }
 
+void real_window::wait_for_button(const char* name) {
+    while (!gtk_widget_get_sensitive(button_named(name)))
+        gtk_main_iteration();
+}
+
 void real_window::click(const char* name) {
     GtkWidget* button = button_named(name);
     if (gtk_widget_get_sensitive(button))

@@ -19,6 +19,8 @@ std::vector<GtkWidget*> all_widgets();
 GtkWidget* button_named(const char* name);
 /// The same below a widget; null when there is none.
 GtkWidget* button_in(GtkWidget* root, const char* name);
+/// Until a button is no longer greyed, as it is while its last action comes to an end.
+void wait_for_button(const char* name);
 /// Presses a button unless it is greyed.
 void click(const char* name);
 
