@@ -8,8 +8,12 @@
 #include "support/real_window.h"
 
 #include <malloc.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <sys/un.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -33,13 +37,13 @@ long polls = 0;
 long wanted_polls = 0;
 const char* quiet_file = nullptr;
 
-void turn_page() {
+void turn_to_page(guint page) {
     GtkWidget* stack = first_of(gtk_stack_get_type(), [](GtkWidget* w) {
         return gtk_stack_get_child_by_name(GTK_STACK(w), "overview") != nullptr;
     });
     GList* pages = gtk_container_get_children(GTK_CONTAINER(stack));
-    const guint next = static_cast<guint>(polls / 7) % g_list_length(pages);
-    gtk_stack_set_visible_child(GTK_STACK(stack), GTK_WIDGET(g_list_nth_data(pages, next)));
+    const guint place = page % g_list_length(pages);
+    gtk_stack_set_visible_child(GTK_STACK(stack), GTK_WIDGET(g_list_nth_data(pages, place)));
     g_list_free(pages);
 }
 
@@ -61,12 +65,24 @@ gboolean discard(gpointer) {
     return G_SOURCE_REMOVE;
 }
 
+/// The first page, and what the service has: the cards of receivers that were only found are gone.
+void come_to_rest() {
+    turn_to_page(0);
+    edit();
+    wait_for_button("Save changes");
+    click("Save changes");
+}
+
 void act() {
     const long turn = polls % polls_in_a_round;
-    if (turn >= polls_in_a_round - quiet_polls)
+    if (turn >= polls_in_a_round - quiet_polls) {
+        // The first quiet poll may still have missed a service that had gone away.
+        if (turn == polls_in_a_round - 2)
+            come_to_rest();
         return;
+    }
     if (turn % 7 == 0)
-        turn_page();
+        turn_to_page(static_cast<guint>(polls / 7));
     if (turn % 20 == 5)
         edit();
     if (turn % 20 == 15)
@@ -129,6 +145,18 @@ gboolean poll_and_count(gpointer) {
 }
 
 } // namespace
+
+/// Takes the place of the system's function. A service that had gone away is there again once
+/// somebody has missed it.
+extern "C" int connect(int descriptor, const sockaddr* address, socklen_t size) {
+    const long result = syscall(SYS_connect, descriptor, address, size);
+    if (result != 0 && errno == ENOENT && address->sa_family == AF_UNIX) {
+        const std::string path = reinterpret_cast<const sockaddr_un*>(address)->sun_path;
+        std::rename((path + ".away").c_str(), path.c_str());
+        errno = ENOENT;
+    }
+    return static_cast<int>(result);
+}
 
 /// Takes the place of GLib's function, for the program and for its libraries.
 extern "C" guint g_timeout_add_seconds(guint seconds, GSourceFunc function, gpointer data) {

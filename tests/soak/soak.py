@@ -4,9 +4,9 @@
 
 soak.py PROGRAM LIBRARY POLLS [--faults]: the library is the preloaded hurry.cpp. The service is in
 here: each state document differs in its listeners, receivers, relay and certificate, except while
-the quiet file is there. With --faults a third of its answers are none, each of the nine kinds of
-request meets each kind of fault, and the program has to live on. Needs a display (scripts/soak
-brings one).
+the quiet file is there. With --faults a third of its answers are none, each kind of request meets
+one fault after the other, and the program has to live on. Needs a display (scripts/soak brings
+one).
 """
 import copy
 import json
@@ -22,6 +22,9 @@ import tempfile
 import threading
 
 HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path.insert(0, os.path.join(HERE, "..", "support"))
+from received_request import received_request  # noqa: E402 (the path comes first)
+
 
 # What may change from the first third of the figures to the last one.
 MOST_HEAP_PER_POLL = 16       # bytes
@@ -97,10 +100,8 @@ class Station:
                 return fault
 
     def go_away(self):
-        """The socket file is gone at the next request, and there again after it."""
+        """The socket file is gone at the next request; the library brings it back after it."""
         os.rename(self.socket_path, self.socket_path + ".away")
-        threading.Timer(0.02, os.rename,
-                        (self.socket_path + ".away", self.socket_path)).start()
 
     def answer(self, method, target, body):
         key = f"{method} {target}"
@@ -143,25 +144,23 @@ FAULTS = {
 }
 
 
-class Handler(socketserver.StreamRequestHandler):
+class Handler(socketserver.BaseRequestHandler):
     def handle(self):
-        method, target, _ = self.rfile.readline().decode().split()
-        length = 0
-        while (line := self.rfile.readline().strip()):
-            name, value = line.split(b":", 1)
-            if name.lower() == b"content-length":
-                length = int(value)
+        request = received_request(self.request)
+        if request is None:
+            return
         station = self.server.station
-        reply = json.dumps(station.answer(method, target, self.rfile.read(length))).encode()
+        method, target = request.method, request.target
+        reply = json.dumps(station.answer(method, target, request.body)).encode()
         fault = station.next_fault(method, target)
         if fault is None:
-            self.wfile.write(OK + b"Content-Length: %d\r\n\r\n" % len(reply) + reply)
+            self.request.sendall(OK + b"Content-Length: %d\r\n\r\n" % len(reply) + reply)
         elif fault == "stays silent":
-            self.rfile.read()  # until the program hangs up
+            self.request.recv(1)  # until the program hangs up
         elif fault == "goes away":
             station.go_away()
         else:
-            self.wfile.write(FAULTS[fault])
+            self.request.sendall(FAULTS[fault])
 
 
 def main():
@@ -200,10 +199,8 @@ def main():
     third = len(figures) // 3
 
     def rise(name):
-        # Rows come and go with the last load: what is left behind raises the least of them.
-        typical = min if name in ("widgets", "sources", "descriptors") else statistics.median
-        return (typical(each[name] for each in figures[-third:])
-                - typical(each[name] for each in figures[:third]))
+        return (statistics.median(each[name] for each in figures[-third:])
+                - statistics.median(each[name] for each in figures[:third]))
 
     distance = rise("polls")
     slopes = {name: rise(name) / distance for name in ("heap", "resident")}
@@ -222,7 +219,7 @@ def main():
         if key not in server.station.requests:
             faults.append(f"nobody ever asked {key}")
     for key, met in server.station.faults_met.items():
-        print(f"faults met by {key}: {len(met)} of {len(set(met))} kinds")
+        print(f"faults met by {key}: {len(met)}, of {len(set(met))} kinds")
     sys.exit("; ".join(faults) or None)
 
 
