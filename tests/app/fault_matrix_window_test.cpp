@@ -198,35 +198,32 @@ TEST_F(FaultMatrix, OfARegistration) {
                         .loads = true});
 }
 
+/// Something done to a listener: whatever becomes of the request, the sentence is the same.
+Kind listener_kind(const char* name, std::function<void()> act, const std::string& sentence) {
+    return {.name = name,
+            .good_body = "{}",
+            .act = std::move(act),
+            .shown = footer,
+            .no_answer = sentence,
+            .refused = sentence,
+            .well = sentence};
+}
+
 TEST_F(FaultMatrix, OfEndingASession) {
-    const std::string sentence = "Ended the session of 198.51.100.4.";
-    expect_every_fault({.name = "kick",
-                        .good_body = "{}",
-                        .act =
-                            [] {
-                                select_a_listener();
-                                listener_action(false);
-                            },
-                        .shown = footer,
-                        .no_answer = sentence,
-                        .refused = sentence,
-                        .well = sentence});
+    const auto act = [] {
+        select_a_listener();
+        listener_action(false);
+    };
+    expect_every_fault(listener_kind("kick", act, "Ended the session of 198.51.100.4."));
 }
 
 TEST_F(FaultMatrix, OfBlockingAnAddress) {
-    const std::string sentence = "Blocked 198.51.100.4.";
-    expect_every_fault({.name = "ban",
-                        .good_body = "{}",
-                        .act =
-                            [this] {
-                                select_a_listener();
-                                answer_next_dialog(GTK_RESPONSE_OK);
-                                listener_action(true);
-                            },
-                        .shown = footer,
-                        .no_answer = sentence,
-                        .refused = sentence,
-                        .well = sentence});
+    const auto act = [this] {
+        select_a_listener();
+        answer_next_dialog(GTK_RESPONSE_OK);
+        listener_action(true);
+    };
+    expect_every_fault(listener_kind("ban", act, "Blocked 198.51.100.4."));
 }
 
 TEST_F(FaultMatrix, OfTheWaitForTheNewOwner) {

@@ -2,6 +2,7 @@
 #include "app/shortcuts.h"
 
 #include "link/json_access.h"
+#include "support/toplevels.h"
 #include "support/window_fixture.h"
 #include "ui/form_widgets.h"
 
@@ -133,13 +134,10 @@ TEST_F(Shortcuts, F5AsksForTheStateAtOnce) {
 }
 
 GtkWidget* open_overlay() {
-    GtkWidget* overlay = nullptr;
-    GList* windows = gtk_window_list_toplevels();
-    for (GList* item = windows; item; item = item->next)
-        if (GTK_IS_SHORTCUTS_WINDOW(item->data) && gtk_widget_get_visible(GTK_WIDGET(item->data)))
-            overlay = GTK_WIDGET(item->data);
-    g_list_free(windows);
-    return overlay;
+    for (GtkWidget* window : toplevels())
+        if (GTK_IS_SHORTCUTS_WINDOW(window) && gtk_widget_get_visible(window))
+            return window;
+    return nullptr;
 }
 
 TEST_F(Shortcuts, ControlQuestionMarkListsThemAll) {

@@ -8,6 +8,7 @@
 #include "support/bad_connection.h"
 #include "support/faults.h"
 #include "support/time_limits.h"
+#include "support/toplevels.h"
 #include "support/window_fixture.h"
 
 #include <algorithm>
@@ -104,13 +105,9 @@ private:
         if (gtk_main_level() == 0)
             return G_SOURCE_CONTINUE;
         // A dialog's own loop counts as one too.
-        GList* windows = gtk_window_list_toplevels();
-        bool dialog = false;
-        for (GList* item = windows; item; item = item->next)
-            dialog = dialog || GTK_IS_DIALOG(item->data);
-        g_list_free(windows);
-        if (dialog)
-            return G_SOURCE_CONTINUE;
+        for (GtkWidget* window : toplevels())
+            if (GTK_IS_DIALOG(window))
+                return G_SOURCE_CONTINUE;
         self->was_in_main_loop = true;
         if (self->in_main_loop_)
             self->in_main_loop_();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "support/real_window.h"
 
+#include "support/toplevels.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -44,11 +46,9 @@ long real_window::open_descriptors() {
 
 std::vector<GtkWidget*> real_window::all_widgets() {
     std::vector<GtkWidget*> all;
-    GList* windows = gtk_window_list_toplevels();
-    for (GList* item = windows; item; item = item->next)
-        if (g_strcmp0(gtk_window_get_title(GTK_WINDOW(item->data)), "Tarnwave settings") == 0)
-            collect(GTK_WIDGET(item->data), &all);
-    g_list_free(windows);
+    for (GtkWidget* window : toplevels())
+        if (g_strcmp0(gtk_window_get_title(GTK_WINDOW(window)), "Tarnwave settings") == 0)
+            collect(window, &all);
     return all;
 }
 
@@ -86,13 +86,10 @@ GtkWidget* real_window::name_entry() {
 }
 
 GtkWidget* real_window::open_dialog() {
-    GtkWidget* dialog = nullptr;
-    GList* windows = gtk_window_list_toplevels();
-    for (GList* item = windows; item; item = item->next)
-        if (GTK_IS_DIALOG(item->data) && gtk_widget_get_mapped(GTK_WIDGET(item->data)))
-            dialog = GTK_WIDGET(item->data);
-    g_list_free(windows);
-    return dialog;
+    for (GtkWidget* window : toplevels())
+        if (GTK_IS_DIALOG(window) && gtk_widget_get_mapped(window))
+            return window;
+    return nullptr;
 }
 
 std::vector<std::string> real_window::texts_in(GtkWidget* root) {

@@ -27,7 +27,7 @@ void click(const char* name);
 /// The entry of the station's name.
 GtkWidget* name_entry();
 
-/// The dialog on the screen; null when there is none.
+/// The newest dialog on the screen; null when there is none.
 GtkWidget* open_dialog();
 /// The texts of the labels below a widget, those of buttons too.
 std::vector<std::string> texts_in(GtkWidget* root);

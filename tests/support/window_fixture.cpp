@@ -6,6 +6,7 @@
 #include "link/json_access.h"
 #include "link/service_link.h"
 #include "status/render_state.h"
+#include "support/toplevels.h"
 #include "ui/change_tracking.h"
 #include "ui/form_widgets.h"
 #include "ui/load_form.h"
@@ -416,16 +417,13 @@ void WindowTest::handle_next_dialog(std::function<void(GtkDialog*)> handler) {
 
 gboolean WindowTest::look_for_dialog(gpointer test) {
     WindowTest* self = static_cast<WindowTest*>(test);
-    GtkDialog* found = nullptr;
-    GList* windows = gtk_window_list_toplevels();
-    for (GList* item = windows; item && !found; item = item->next)
-        if (GTK_IS_DIALOG(item->data) && gtk_widget_get_mapped(GTK_WIDGET(item->data)) &&
-            !g_object_get_data(G_OBJECT(item->data), handled_key))
-            found = GTK_DIALOG(item->data);
-    g_list_free(windows);
-    if (found) {
-        g_object_set_data(G_OBJECT(found), handled_key, self);
-        self->handle(found);
+    for (GtkWidget* window : toplevels()) {
+        if (GTK_IS_DIALOG(window) && gtk_widget_get_mapped(window) &&
+            !g_object_get_data(G_OBJECT(window), handled_key)) {
+            g_object_set_data(G_OBJECT(window), handled_key, self);
+            self->handle(GTK_DIALOG(window));
+            break;
+        }
     }
     return G_SOURCE_CONTINUE;
 }

@@ -340,21 +340,28 @@ TEST_F(TextBoxes, LeaveHiddenCharactersOut) {
     EXPECT_EQ(text_of_view(widgets.description_view), "seen");
 }
 
+/// Where the pieces begin and end that a label's text is cut into, in bytes; the last one ends
+/// nowhere.
+std::vector<std::pair<int, int>> pieces_of(GtkWidget* label) {
+    std::vector<std::pair<int, int>> pieces;
+    PangoAttrIterator* each =
+        pango_attr_list_get_iterator(gtk_label_get_attributes(GTK_LABEL(label)));
+    do {
+        auto& [start, end] = pieces.emplace_back();
+        pango_attr_iterator_range(each, &start, &end);
+    } while (pango_attr_iterator_next(each));
+    pango_attr_iterator_destroy(each);
+    return pieces;
+}
+
 TEST(LongTexts, AreLaidOutInTimeThatGrowsWithTheirLength) {
     // One run of 64 kB takes minutes: the pieces it is cut into are what this holds.
     GtkWidget* label = make_label(std::string(65'536, 'x').c_str(), nullptr);
     g_object_ref_sink(label);
-    PangoAttrIterator* pieces =
-        pango_attr_list_get_iterator(gtk_label_get_attributes(GTK_LABEL(label)));
     int longest = 0;
-    do {
-        gint start = 0;
-        gint end = 0;
-        pango_attr_iterator_range(pieces, &start, &end);
+    for (const auto& [start, end] : pieces_of(label))
         if (start < 65'536)
             longest = std::max(longest, end - start);
-    } while (pango_attr_iterator_next(pieces));
-    pango_attr_iterator_destroy(pieces);
     EXPECT_LE(longest, 64);
     EXPECT_EQ(gtk_label_get_width_chars(GTK_LABEL(label)), 20);
     set_label_text(label, "short");
@@ -369,21 +376,14 @@ TEST(LongTexts, AreNeverCutInsideACharacter) {
         text.append("ü");
     GtkWidget* label = make_label(text.c_str(), nullptr);
     g_object_ref_sink(label);
-    PangoAttrIterator* pieces =
-        pango_attr_list_get_iterator(gtk_label_get_attributes(GTK_LABEL(label)));
-    int count = 0;
-    do {
-        gint start = 0;
-        gint end = 0;
-        pango_attr_iterator_range(pieces, &start, &end);
+    const std::vector<std::pair<int, int>> pieces = pieces_of(label);
+    EXPECT_GT(pieces.size(), 10U);
+    for (const auto& [start, end] : pieces) {
         const auto place = static_cast<std::size_t>(start);
         if (place < text.size()) {
             EXPECT_NE(static_cast<unsigned char>(text[place]) & 0xC0, 0x80) << place;
         }
-        ++count;
-    } while (pango_attr_iterator_next(pieces));
-    pango_attr_iterator_destroy(pieces);
-    EXPECT_GT(count, 10);
+    }
     g_object_unref(label);
 }
 
