@@ -70,9 +70,9 @@ def turn_loop(milliseconds=15):
     del source
 
 
-def wait_for(condition, what, limit=DEADLINE):
+def wait_for(condition, what):
     """Waits until `condition()` is true and returns its result. `what` is told when it is not."""
-    deadline = time.monotonic() + limit
+    deadline = time.monotonic() + DEADLINE
     last_error = None
     while True:
         try:
@@ -422,6 +422,11 @@ class Program:
         """What is on the screen: the settings window first, dialogs after it."""
         return [child for child in self._top_levels() if is_showing(child)]
 
+    def overlay(self):
+        """The list of keys, on the screen or soon there."""
+        return wait_for(lambda: next((w for w in self.windows() if w.get_name() !=
+                                      "Tarnwave settings"), None), "the overlay")
+
     def frame(self):
         """The settings window itself."""
         return next(w for w in self._top_levels() if w.get_name() == "Tarnwave settings")
@@ -577,6 +582,13 @@ class Program:
         self.activate()
         wait_for(lambda: Atspi.Component.grab_focus(accessible) and
                  has_state(accessible, State.FOCUSED), f"the focus on “{label_of(accessible)}”")
+        return accessible
+
+    def type_over(self, accessible, text):
+        """Types a text in the place of the one that a field has."""
+        self.focus(accessible)
+        key("ctrl+a")
+        type_keys(text)
         return accessible
 
     def focused(self):

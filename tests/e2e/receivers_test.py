@@ -4,7 +4,7 @@
 import unittest
 
 from harness import (Atspi, Case, Role, State, description_of, extents, has_state, is_sensitive,
-                     key, state_document, text_in, type_keys, wait_for, xdotool)
+                     key, state_document, text_in, wait_for, xdotool)
 
 LOW = "Lowest frequency of SDRplay RSP1 in MHz"
 HIGH = "Highest frequency of SDRplay RSP1 in MHz"
@@ -54,9 +54,7 @@ class FindDevices(Case):
     def test_what_is_typed_counts_without_leaving_the_field(self):
         self.station("quiet")
         program = self.open("receivers")
-        program.focus(program.spin(LOW))
-        key("ctrl+a")
-        type_keys("6.9")
+        program.type_over(program.spin(LOW), "6.9")
         program.press("Find devices").wait_for_label("3 found, 1 new: switch on the ones to share.")
         self.assertEqual(program.number_of(LOW), 6.9)
 
@@ -103,9 +101,7 @@ class Ranges(Case):
         for typed, shown, value in (("7,05", "7.050", 7.05), ("7.1", "7.100", 7.1),
                                     ("14", "14.000", 14)):
             with self.subTest(typed=typed):
-                spin = program.focus(program.spin(LOW))
-                key("ctrl+a")
-                type_keys(typed)
+                spin = program.type_over(program.spin(LOW), typed)
                 key("Tab")
                 wait_for(lambda: text_in(spin) == shown, f"{shown} in the field")
                 self.assertAlmostEqual(program.number_of(LOW), value)
@@ -113,9 +109,7 @@ class Ranges(Case):
     def test_a_typed_range_is_saved_in_hertz(self):
         program = self.open_receivers()
         for name, text in ((LOW, "3,5"), (HIGH, "3.8")):
-            program.focus(program.spin(name))
-            key("ctrl+a")
-            type_keys(text)
+            program.type_over(program.spin(name), text)
         program.save()
         saved = self.running.bodies("PUT-settings")[-1]["receivers"][0]
         self.assertEqual((saved["lo"], saved["hi"]), (3500000, 3800000))
