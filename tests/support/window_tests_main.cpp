@@ -15,6 +15,10 @@ int main(int argc, char** argv) {
     if (GTEST_FLAG_GET(list_tests))
         return RUN_ALL_TESTS();
     set_up_stub_browser();
+    // Months, the toolkit's own buttons and dates are those of the tests, whoever runs them.
+    setenv("LC_ALL", "C.UTF-8", 1);
+    unsetenv("LANGUAGE");
+    setenv("TZ", "UTC0", 1);
     // Before the toolkit reads it: no accessibility bus, which these tests do not look at.
     setenv("NO_AT_BRIDGE", "1", 1);
     g_log_set_always_fatal(
