@@ -70,8 +70,6 @@ void show_receivers() {
     for (const json::value& element : required_array(settings_object, "receivers"))
         receivers.push_back(receiver_from_settings(element));
     replace_receivers(std::move(receivers));
-    // What the last discovery said is about rows that are gone.
-    set_label_text(widgets.receivers_status, "");
 }
 
 void show_registration() {

@@ -242,11 +242,11 @@ TEST_F(LoadForm, ForgetsEarlierReceivers) {
               nullptr);
 }
 
-TEST_F(LoadForm, ForgetsWhatTheLastDiscoverySaid) {
+TEST_F(LoadForm, LeavesWhatTheLastDiscoverySaid) {
     load(state_document());
-    set_label_text(widgets.receivers_status, "3 receivers found, 1 new.");
+    set_label_text(widgets.receivers_status, "3 found, 1 new: switch on the ones to share.");
     load(state_document());
-    EXPECT_EQ(text_of(widgets.receivers_status), "");
+    EXPECT_EQ(text_of(widgets.receivers_status), "3 found, 1 new: switch on the ones to share.");
 }
 
 TEST_F(LoadForm, ShowsTheRegistrationOrTheWayToIt) {
