@@ -218,7 +218,8 @@ GtkTreeSelection* selection() {
 
 void add_column(gint column) {
     GtkCellRenderer* cell = gtk_cell_renderer_text_new();
-    g_object_set(cell, "ellipsize", PANGO_ELLIPSIZE_END, nullptr);
+    // All rows are as high as the first: a line feed in it begins no line.
+    g_object_set(cell, "ellipsize", PANGO_ELLIPSIZE_END, "single-paragraph-mode", TRUE, nullptr);
     GtkTreeViewColumn* view_column = gtk_tree_view_column_new_with_attributes(
         column_titles[static_cast<std::size_t>(column)], cell, "text", column, nullptr);
     gtk_tree_view_column_set_expand(view_column, column == tuned_column);

@@ -401,6 +401,19 @@ TEST_F(ListenersTable, DoesNotHideItselfWhenABrokenRecordStopsThePass) {
     EXPECT_TRUE(gtk_widget_get_visible(widgets.listeners_empty));
 }
 
+TEST_F(ListenersTable, KeepsARowOneLineHighWhateverTheAddressHolds) {
+    GList* cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(gtk_tree_view_get_column(view(), 1)));
+    GtkCellRenderer* address = GTK_CELL_RENDERER(cells->data);
+    g_list_free(cells);
+    const auto height_with = [&](const char* text) {
+        g_object_set(address, "text", text, nullptr);
+        gint height = 0;
+        gtk_cell_renderer_get_preferred_height(address, widgets.listeners_view, nullptr, &height);
+        return height;
+    };
+    EXPECT_EQ(height_with("203.0.113.7\nand\nmore"), height_with("203.0.113.7"));
+}
+
 TEST_F(ListenersTable, HoldsAThousandListeners) {
     json::array many;
     for (int i = 0; i < 1000; ++i)
