@@ -212,10 +212,10 @@ public:
     Pipe(const Pipe&) = delete;
     Pipe& operator=(const Pipe&) = delete;
 
-    /// Whether a line comes within ten seconds.
+    /// Whether a line comes within a minute.
     bool wait_for_line() const {
         pollfd waiting{.fd = descriptor_, .events = POLLIN, .revents = 0};
-        return ::poll(&waiting, 1, 10'000) == 1;
+        return ::poll(&waiting, 1, 60'000) == 1;
     }
 
     void write_line() const { EXPECT_EQ(::write(descriptor_, "\n", 1), 1); }

@@ -53,8 +53,8 @@ Role = Atspi.Role
 State = Atspi.StateType
 Relation = Atspi.RelationType
 
-# Reads of a program that waits for a slow service wait with it.
-Atspi.set_timeout(5_000, 5_000)
+# Reads of a program that waits for a slow service, or for its turn, wait with it.
+Atspi.set_timeout(DEADLINE * 1000, DEADLINE * 1000)
 
 
 # --- Waiting ---------------------------------------------------------------------------------

@@ -24,7 +24,7 @@ using namespace std::chrono_literals;
 namespace {
 
 /// How long anything here waits before it gives up.
-constexpr std::chrono::milliseconds patience = 10s;
+constexpr std::chrono::milliseconds patience = 60s;
 
 /// How often a look is taken at a condition.
 constexpr std::chrono::milliseconds look_interval = 1ms;

@@ -95,7 +95,7 @@ public:
     void next_connection(std::vector<ConnectionStep> steps);
 
     /// From now on takes no connection, though the kernel queues them, until the condition holds
-    /// or ten seconds have passed. It is asked on the service's thread, again and again.
+    /// or a minute has passed. It is asked on the service's thread, again and again.
     void accept_once(std::function<bool()> condition);
 
     /// Ends like a service that was stopped: connections are cut, the socket file goes.
@@ -115,11 +115,11 @@ public:
     void forget_requests();
 
     /// Waits until so many requests are recorded, or so many connections were accepted since the
-    /// service was made. False when that takes more than ten seconds.
+    /// service was made. False when that takes more than a minute.
     bool wait_for_requests(std::size_t count) const;
     bool wait_for_connections(std::size_t count) const;
     /// Waits until the client has hung up in so many `stay_silent` steps. False when a silence
-    /// lasted longer than ten seconds, after which the service itself hangs up.
+    /// lasted longer than a minute, after which the service itself hangs up.
     bool wait_for_hang_ups(std::size_t count) const;
 
 private:

@@ -23,7 +23,7 @@ using namespace std::chrono_literals;
 namespace {
 
 /// How long a condition may take to come true.
-constexpr auto patience = 10s;
+constexpr auto patience = 60s;
 /// How often a look is taken while waiting, in milliseconds.
 constexpr guint look_interval_ms = 5;
 

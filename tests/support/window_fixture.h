@@ -45,7 +45,7 @@ struct SeenDialog {
 /// Runs what is pending: events, idle work, timers that are due.
 void drain_events();
 
-/// Turns the main loop until the condition holds. False when that takes longer than ten seconds.
+/// Turns the main loop until the condition holds. False when that takes longer than a minute.
 bool wait_until(const std::function<bool()>& condition);
 
 /// Turns the main loop until a frame that begins after this call is on the screen.
