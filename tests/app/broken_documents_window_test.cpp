@@ -193,6 +193,7 @@ private:
 
     static void clear_what_actions_left() {
         show_footer({});
+        set_label_text(widgets.receivers_status, "");
         gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(widgets.understand_check), FALSE);
         gtk_entry_set_text(GTK_ENTRY(widgets.register_email), "");
     }

@@ -374,6 +374,7 @@ WindowTest::WindowTest() : socket_path_before_{settings_socket_path} {
     shown_document.clear();
     set_label_text(widgets.footer_status, "");
     set_status_class(widgets.footer_status, StatusClass::none);
+    set_label_text(widgets.receivers_status, "");
     gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(widgets.understand_check), FALSE);
     gtk_entry_set_text(GTK_ENTRY(widgets.register_email), "");
     gtk_window_set_focus(GTK_WINDOW(widgets.window), nullptr);
