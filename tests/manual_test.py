@@ -2,9 +2,10 @@
 # SPDX-License-Identifier: MIT
 """Holds docs/manual.md against the sentences that the program can say.
 
-A sentence of the code is a chain of string literals with values in between: "✓ Listed at ", a value,
-"/websdr.html." The manual quotes it in straight quotation marks with examples for the values, or "…"
-where it leaves something out. Both are cut into their fixed pieces and laid over each other.
+A sentence of the code is a chain of string literals with values in between: "✓ Listed at ", a
+value, "/websdr.html." The manual quotes it in straight quotation marks with examples for the
+values, or "…" where it leaves something out. Both are cut into their fixed pieces and laid over
+each other.
 """
 
 import pathlib
@@ -63,7 +64,7 @@ def tokens(code):
 
 
 def sentences(code):
-    """The chains of literals in C++ code, values as VALUE; those in brackets stand by themselves."""
+    """The chains of literals in C++ code, values as VALUE; those in brackets stand alone."""
     found = []
 
     def close(chain):
@@ -142,7 +143,8 @@ def quotes(page):
         found += [re.sub(r"\s+", " ", piece) for piece in pieces[1::2]]
     # A block quotation shows a text as the window does.
     for block in re.findall(r"(?:^> .*\n)+", text, re.MULTILINE):
-        found.append(re.sub(r"\s+", " ", re.sub(r"^> |\*\*", "", block, flags=re.MULTILINE)).strip())
+        plain = re.sub(r"^> |\*\*", "", block, flags=re.MULTILINE)
+        found.append(re.sub(r"\s+", " ", plain).strip())
     return found
 
 

@@ -4,7 +4,7 @@
 import time
 import unittest
 
-from harness import (Case, PAGES, Role, extents, has_state, is_sensitive, key, label_of, State,
+from harness import (Case, PAGES, Role, extents, has_state, is_sensitive, label_of, State,
                      text_in, type_keys, wait_for)
 
 
