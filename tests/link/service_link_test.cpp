@@ -7,6 +7,7 @@
 
 #include "support/fake_service.h"
 #include "support/scarce_memory.h"
+#include "support/waiting_thread.h"
 
 #include <fcntl.h>
 #include <glib.h>
@@ -220,11 +221,7 @@ ConnectionStep let_signals_come() {
 /// reply.
 ConnectionStep interrupt_the_receive() {
     return run([client = gettid()] {
-        wait_on_service_until([client] {
-            std::ifstream file{"/proc/self/task/" + std::to_string(client) + "/stat"};
-            const std::string stat{std::istreambuf_iterator<char>{file}, {}};
-            return stat.compare(stat.rfind(')') + 2, 1, "S") == 0;
-        });
+        wait_on_service_until([client] { return is_waiting_in_kernel(client); });
         EXPECT_EQ(syscall(SYS_tgkill, getpid(), client, SIGALRM), 0);
     });
 }

@@ -2,6 +2,8 @@
 // Stands in for connect(2): a bad connection changes when somebody meets it, not after a time.
 #include "support/bad_connection.h"
 
+#include "support/waiting_thread.h"
+
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/un.h>
@@ -12,8 +14,6 @@
 #include <condition_variable>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <mutex>
 #include <stdexcept>
 #include <system_error>
@@ -132,12 +132,10 @@ private:
             throw std::runtime_error{"nobody connected to " + path_};
     }
 
-    /// Whether the kernel lets the thread wait: its connect found the queue full.
+    /// Whether somebody's connect found the queue full, or nobody's will any more.
     bool is_waiting() {
         const std::scoped_lock lock{mutex_};
-        std::ifstream file{"/proc/self/task/" + std::to_string(thread_) + "/stat"};
-        const std::string stat{std::istreambuf_iterator<char>{file}, {}};
-        return ended_ > 0 || path_.empty() || stat.compare(stat.rfind(')') + 2, 1, "S") == 0;
+        return ended_ > 0 || path_.empty() || is_waiting_in_kernel(thread_);
     }
 
     std::mutex mutex_{};
