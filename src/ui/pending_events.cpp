@@ -146,8 +146,8 @@ BusyWith::BusyWith(GtkWidget* button, bool (*sensitive_again)()) {
     if (!button)
         return;
     const bool focus_was_there = gtk_window_get_focus(GTK_WINDOW(widgets.window)) != nullptr;
-    restore_ = new Restore{button, focus_was_there, static_cast<bool>(gtk_widget_is_focus(button)),
-                           sensitive_again};
+    const bool focus_was_here = gtk_widget_is_focus(button) == TRUE;
+    restore_ = new Restore{button, focus_was_there, focus_was_here, sensitive_again};
     g_object_ref(button);
     gtk_widget_set_sensitive(button, FALSE);
 }

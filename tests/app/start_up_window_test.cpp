@@ -172,6 +172,23 @@ TEST_F(StartUp, LetsASmallWindowKeepItsHeightWhicheverPageComesFirst) {
     }
 }
 
+TEST_F(StartUp, EndsWhenTheWindowIsClosedBeforeItIsDrawn) {
+    const auto close_next =
+        +[](GSignalInvocationHint*, guint, const GValue*, gpointer) -> gboolean {
+        const auto close = +[](gpointer) -> gboolean {
+            gtk_widget_destroy(widgets.window);
+            return G_SOURCE_REMOVE;
+        };
+        g_idle_add_full(G_PRIORITY_HIGH, close, nullptr, nullptr);
+        return FALSE; // the window is the first that is shown
+    };
+    g_signal_add_emission_hook(g_signal_lookup("map", GTK_TYPE_WIDGET), 0, close_next, nullptr,
+                               nullptr);
+    EXPECT_EQ(run({}), 0);
+    EXPECT_FALSE(was_in_main_loop);
+    EXPECT_TRUE(service.requests().empty()) << "nobody is there to see the state";
+}
+
 TEST_F(StartUp, EndsWhenTheWindowIsClosedBeforeTheStateIsDrawn) {
     // Ahead of the frame, as a press of the close button would be that came while the form loaded.
     g_timeout_add_full(G_PRIORITY_HIGH, 1, on_close_once_loaded, this, nullptr);
