@@ -86,6 +86,15 @@ std::string discovery_text(const Discovery& discovery) {
     return found + ", " + std::to_string(discovery.added) + " new: switch on the ones to share.";
 }
 
+std::string spoken_name(const std::vector<Receiver>& list, const Receiver& receiver) {
+    const auto of_this_model = std::count_if(list.begin(), list.end(), [&](const Receiver& each) {
+        return each.model == receiver.model;
+    });
+    if (of_this_model < 2)
+        return receiver.model;
+    return receiver.model + " (serial " + receiver.serial + ")";
+}
+
 json::array receivers_to_save(const std::vector<Receiver>& list) {
     json::array saved;
     for (const Receiver& receiver : list)

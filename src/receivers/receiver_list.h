@@ -62,6 +62,10 @@ Discovery merge_devices(std::vector<Receiver>& list, const boost::json::array& d
 /// What to say about a discovery.
 std::string discovery_text(const Discovery& discovery);
 
+/// What a receiver of `list` is called to whoever does not see its card: its model, and where
+/// others are of that model its serial number too.
+std::string spoken_name(const std::vector<Receiver>& list, const Receiver& receiver);
+
 /// The settings' `receivers` as they are saved: the shared ones alone, with whole hertz written as
 /// floating-point numbers.
 boost::json::array receivers_to_save(const std::vector<Receiver>& list);

@@ -9,7 +9,6 @@
 #include "ui/form_widgets.h"
 #include "ui/spin_buttons.h"
 
-#include <algorithm>
 #include <optional>
 #include <string>
 
@@ -77,16 +76,6 @@ void on_share_switch_toggled(GtkSwitch* share, GParamSpec*, gpointer index) {
         gtk_widget_set_sensitive(receiver->details_box, gtk_switch_get_active(share));
 }
 
-/// What a receiver is called to whoever does not see its card. Two of one model differ in their
-/// serials.
-std::string spoken_name(const Receiver& receiver) {
-    const auto of_this_model =
-        std::count_if(widgets.receiver_list.begin(), widgets.receiver_list.end(),
-                      [&](const Receiver& each) { return each.model == receiver.model; });
-    return showable(of_this_model > 1 ? receiver.model + " (serial " + receiver.serial + ")"
-                                      : receiver.model);
-}
-
 GtkWidget* make_band_menu() {
     GtkWidget* menu = gtk_combo_box_text_new();
     for (const BandPreset& preset : band_presets())
@@ -118,8 +107,10 @@ GtkWidget* make_header(Receiver& receiver, GtkWidget** title_out) {
     gtk_switch_set_active(GTK_SWITCH(receiver.share_switch), receiver.enabled);
     gtk_widget_set_valign(receiver.share_switch, GTK_ALIGN_CENTER);
     gtk_widget_set_tooltip_text(receiver.share_switch, "Share this receiver with listeners");
-    set_accessible_name(receiver.share_switch,
-                        ("Share " + spoken_name(receiver) + " with listeners").c_str());
+    set_accessible_name(
+        receiver.share_switch,
+        showable("Share " + spoken_name(widgets.receiver_list, receiver) + " with listeners")
+            .c_str());
     describe_by_label(receiver.share_switch, subtitle);
     pack_end(header, receiver.share_switch);
     return header;
@@ -128,7 +119,7 @@ GtkWidget* make_header(Receiver& receiver, GtkWidget** title_out) {
 GtkWidget* make_frequency_row(Receiver& receiver) {
     GtkWidget* row = make_box(GTK_ORIENTATION_HORIZONTAL, 8);
     // Several receivers stand on the page: whoever does not see it hears which one is meant.
-    const std::string of_it = " of " + spoken_name(receiver);
+    const std::string of_it = " of " + showable(spoken_name(widgets.receiver_list, receiver));
     receiver.low_spin = make_frequency_spin(("Lowest frequency" + of_it + " in MHz").c_str());
     receiver.high_spin = make_frequency_spin(("Highest frequency" + of_it + " in MHz").c_str());
     gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver.low_spin),

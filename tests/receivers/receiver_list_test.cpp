@@ -292,6 +292,15 @@ TEST(DiscoveryText, CountsWhatWasFoundAndWhatIsNew) {
     }
 }
 
+TEST(SpokenName, HasTheSerialWhereTwoAreOfOneModel) {
+    const std::vector<Receiver> list{{.serial = "1", .model = "RSPdx"},
+                                     {.serial = "2", .model = "RTL-SDR"},
+                                     {.serial = "3", .model = "RTL-SDR"}};
+    EXPECT_EQ(spoken_name(list, list[0]), "RSPdx");
+    EXPECT_EQ(spoken_name(list, list[1]), "RTL-SDR (serial 2)");
+    EXPECT_EQ(spoken_name(list, list[2]), "RTL-SDR (serial 3)");
+}
+
 TEST(SavedReceivers, AreTheSharedOnesInOrder) {
     std::vector<Receiver> list{shared_receiver("sdrplay", "1"), shared_receiver("rx888", "2"),
                                shared_receiver("rtl-sdr", "3")};
