@@ -8,9 +8,9 @@
 #include "support/replying_process.h"
 #include "support/station_documents.h"
 #include "ui/load_form.h"
-#include "ui/pending_events.h"
 #include "ui/save_settings.h"
-#include "ui/widget_record.h"
+#include "ui/widgets/pending_events.h"
+#include "ui/widgets/widget_record.h"
 
 #include <benchmark/benchmark.h>
 

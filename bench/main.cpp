@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Entry point of the benchmarks. The window is built once, as start-up builds it, and stays on the
 // display: run under scripts/under-xvfb.
-#include "ui/pending_events.h"
+#include "ui/widgets/pending_events.h"
 #include "ui/window.h"
 
 #include <benchmark/benchmark.h>

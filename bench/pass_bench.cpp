@@ -10,8 +10,8 @@
 #include "status/render_state.h"
 #include "support/replying_process.h"
 #include "support/station_documents.h"
-#include "ui/pending_events.h"
-#include "ui/widget_record.h"
+#include "ui/widgets/pending_events.h"
+#include "ui/widgets/widget_record.h"
 
 #include <benchmark/benchmark.h>
 #include <boost/json/array.hpp>

@@ -6,7 +6,7 @@
 #include "fed_link.h"
 #include "status/render_state.h"
 #include "ui/load_form.h"
-#include "ui/widget_record.h"
+#include "ui/widgets/widget_record.h"
 #include "ui/window.h"
 
 #include <gtk/gtk.h>

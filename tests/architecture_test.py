@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Holds src/ against the ladder that docs/architecture.md draws.
+"""Compares src/ with the layers that docs/architecture.md lists.
 
 A "unit" is a header and its source together, named like "ui/window"; a name with an ending, like
 "app/main.cpp", is a file that stands alone. Quoted includes are those of the project.
@@ -14,8 +14,8 @@ PROJECT = pathlib.Path(__file__).resolve().parent.parent
 SOURCES = PROJECT / "src"
 PAGE = PROJECT / "docs" / "architecture.md"
 
-# The one include from another room into app, and where it stands.
-LOOKS_INTO_APP = ("status/listener_actions.cpp", "app/state_poll")
+# The one include of a file of app from another folder.
+INCLUDES_APP = ("status/listener_actions.cpp", "app/state_poll")
 ENTRY_POINT = "app/main.cpp"
 
 
@@ -24,21 +24,23 @@ def unit_of(path):
     return re.sub(r"\.(cpp|h|h\.in)$", "", path)
 
 
-def read_ladder(page):
-    """The heights by unit, from the page's block that is marked as the ladder."""
-    block = re.search(r"^```ladder\n(.*?)^```", page, re.MULTILINE | re.DOTALL).group(1)
-    ladder = {}
-    height = None
+def read_layers(page):
+    """The number of each unit's layer, the lowest 0, from the page's block marked "layers"."""
+    block = re.search(r"^```layers\n(.*?)^```", page, re.MULTILINE | re.DOTALL).group(1)
+    layers = []
     for line in block.splitlines():
-        start = re.match(r"(\d)  \w+ ", line)
-        if start:
-            height = int(start.group(1))
-            line = line[start.end():]
-        for name in line.split():
-            if unit_of(name) in ladder:
-                raise ValueError(name + " stands on two rungs")
-            ladder[unit_of(name)] = height
-    return ladder
+        words = line.split()
+        if not line.startswith(" "):
+            layers.append([])
+            del words[0]
+        layers[-1] += [unit_of(name) for name in words]
+    numbers = {}
+    for number, units in enumerate(reversed(layers)):
+        for unit in units:
+            if unit in numbers:
+                raise ValueError(unit + " is in two layers")
+            numbers[unit] = number
+    return numbers
 
 
 def read_includes(sources):
@@ -52,27 +54,27 @@ def read_includes(sources):
     return includes
 
 
-def files_not_drawn(ladder, includes):
-    return sorted(file for file in includes if unit_of(file) not in ladder)
+def files_not_listed(layers, includes):
+    return sorted(file for file in includes if unit_of(file) not in layers)
 
 
-def drawn_without_file(ladder, includes):
-    return sorted(set(ladder) - {unit_of(file) for file in includes})
+def listed_without_file(layers, includes):
+    return sorted(set(layers) - {unit_of(file) for file in includes})
 
 
-def strange_includes(ladder, includes):
+def strange_includes(layers, includes):
     """Includes that name no file of the tree by its path from src/."""
     return [(file, included) for file, all_of_it in includes.items()
-            for included in all_of_it if unit_of(included) not in ladder]
+            for included in all_of_it if unit_of(included) not in layers]
 
 
-def climbing_includes(ladder, includes):
+def includes_of_higher_layers(layers, includes):
     return [(file, included) for file, all_of_it in includes.items() for included in all_of_it
-            if ladder.get(unit_of(included), 0) > ladder.get(unit_of(file), 0)]
+            if layers.get(unit_of(included), 0) > layers.get(unit_of(file), 0)]
 
 
-def ring(includes):
-    """One ring of units, in order, or nothing."""
+def cycle(includes):
+    """One cycle of units, in order, or nothing."""
     below = {}
     for file, all_of_it in includes.items():
         unit = unit_of(file)
@@ -99,7 +101,7 @@ def ring(includes):
     return None
 
 
-def looks_into_app(includes):
+def includes_of_app(includes):
     return sorted({(file, unit_of(included)) for file, all_of_it in includes.items()
                    for included in all_of_it
                    if included.startswith("app/") and not file.startswith("app/")})
@@ -111,15 +113,15 @@ def read_libraries(build_file):
         r"add_library\((\w+) STATIC\s(.*?)\)", build_file, re.DOTALL)}
 
 
-def expected_libraries(ladder, includes, core_height=1):
-    """The sources of the libraries: up to the height of the decisions, and above it."""
+def expected_libraries(layers, includes, core_layer=1):
+    """The sources of the libraries: up to the layer of the decisions, and above it."""
     sources = [file for file in includes if file.endswith(".cpp") and file != ENTRY_POINT]
-    core = {file for file in sources if ladder.get(unit_of(file), 0) <= core_height}
+    core = {file for file in sources if layers.get(unit_of(file), 0) <= core_layer}
     return {"settings_core": core, "settings_window": set(sources) - core}
 
 
 def drawn_functions(page):
-    """The names with an underscore in the page's drawings but for the ladder."""
+    """The names with an underscore in the page's drawings but for the layers."""
     blocks = re.findall(r"^```(\w*)\n(.*?)^```$", page, re.MULTILINE | re.DOTALL)
     drawings = "\n".join(text for mark, text in blocks if not mark)
     return sorted(set(re.findall(r"\b[a-z]+(?:_[a-z]+)+\b", drawings)))
@@ -129,31 +131,31 @@ class TheTree(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.page = PAGE.read_text(encoding="utf-8")
-        cls.ladder = read_ladder(cls.page)
+        cls.layers = read_layers(cls.page)
         cls.includes = read_includes(SOURCES)
 
-    def test_has_every_file_on_the_ladder(self):
-        self.assertEqual(files_not_drawn(self.ladder, self.includes), [])
+    def test_lists_every_file(self):
+        self.assertEqual(files_not_listed(self.layers, self.includes), [])
 
-    def test_has_a_file_for_every_rung(self):
-        self.assertEqual(drawn_without_file(self.ladder, self.includes), [])
+    def test_has_every_file_that_is_listed(self):
+        self.assertEqual(listed_without_file(self.layers, self.includes), [])
 
     def test_names_its_own_files_from_the_top(self):
-        self.assertEqual(strange_includes(self.ladder, self.includes), [])
+        self.assertEqual(strange_includes(self.layers, self.includes), [])
 
-    def test_never_includes_upward(self):
-        self.assertEqual(climbing_includes(self.ladder, self.includes), [])
+    def test_never_includes_a_higher_layer(self):
+        self.assertEqual(includes_of_higher_layers(self.layers, self.includes), [])
 
-    def test_has_no_ring(self):
-        self.assertIsNone(ring(self.includes))
+    def test_has_no_cycle(self):
+        self.assertIsNone(cycle(self.includes))
 
-    def test_looks_into_app_from_one_place(self):
-        self.assertEqual(looks_into_app(self.includes), [LOOKS_INTO_APP])
+    def test_includes_app_from_one_other_file(self):
+        self.assertEqual(includes_of_app(self.includes), [INCLUDES_APP])
 
-    def test_builds_its_libraries_by_height(self):
+    def test_builds_its_libraries_by_layer(self):
         build_file = (SOURCES / "CMakeLists.txt").read_text(encoding="utf-8")
         self.assertEqual(read_libraries(build_file),
-                         expected_libraries(self.ladder, self.includes))
+                         expected_libraries(self.layers, self.includes))
 
     def test_has_the_functions_that_the_page_draws(self):
         code = "\n".join(path.read_text(encoding="utf-8") for path in SOURCES.rglob("*.h"))
@@ -163,64 +165,65 @@ class TheTree(unittest.TestCase):
 
 
 class TheChecks(unittest.TestCase):
-    """A small house with two floors, and one fault at a time."""
+    """A small tree with two layers, and one fault at a time."""
 
-    page = ("text\n```ladder\n1  upper   ui/window  app/poll\n           app/main.cpp\n"
-            "0  lower   link/json\n```\n")
+    page = ("text\n```layers\nupper   ui/window  app/poll\n        app/main.cpp\n"
+            "lower   link/json\n```\n")
     sound = {"link/json.h": [], "link/json.cpp": ["link/json.h"], "app/poll.h": [],
              "ui/window.h": ["link/json.h"], "ui/window.cpp": ["ui/window.h", "link/json.h"],
              "app/main.cpp": ["ui/window.h", "app/poll.h"]}
 
     def setUp(self):
-        self.ladder = read_ladder(self.page)
+        self.layers = read_layers(self.page)
 
     def with_include(self, file, included):
         return {**self.sound, file: self.sound.get(file, []) + [included]}
 
-    def test_read_the_ladder(self):
-        self.assertEqual(self.ladder,
+    def test_read_the_layers(self):
+        self.assertEqual(self.layers,
                          {"ui/window": 1, "app/poll": 1, "app/main": 1, "link/json": 0})
 
-    def test_refuse_a_name_on_two_rungs(self):
+    def test_refuse_a_name_in_two_layers(self):
         with self.assertRaises(ValueError):
-            read_ladder("```ladder\n1  upper   ui/window\n0  lower   ui/window\n```\n")
+            read_layers("```layers\nupper   ui/window\nlower   ui/window\n```\n")
 
-    def test_let_a_sound_house_pass(self):
-        self.assertEqual(files_not_drawn(self.ladder, self.sound), [])
-        self.assertEqual(drawn_without_file(self.ladder, self.sound), [])
-        self.assertEqual(strange_includes(self.ladder, self.sound), [])
-        self.assertEqual(climbing_includes(self.ladder, self.sound), [])
-        self.assertIsNone(ring(self.sound))
-        self.assertEqual(looks_into_app(self.sound), [])
+    def test_let_a_sound_tree_pass(self):
+        self.assertEqual(files_not_listed(self.layers, self.sound), [])
+        self.assertEqual(listed_without_file(self.layers, self.sound), [])
+        self.assertEqual(strange_includes(self.layers, self.sound), [])
+        self.assertEqual(includes_of_higher_layers(self.layers, self.sound), [])
+        self.assertIsNone(cycle(self.sound))
+        self.assertEqual(includes_of_app(self.sound), [])
 
-    def test_notice_a_file_that_is_not_drawn(self):
-        self.assertEqual(files_not_drawn(self.ladder, {**self.sound, "ui/new.h": []}),
+    def test_notice_a_file_that_is_not_listed(self):
+        self.assertEqual(files_not_listed(self.layers, {**self.sound, "ui/new.h": []}),
                          ["ui/new.h"])
 
-    def test_notice_a_rung_without_a_file(self):
-        self.assertEqual(drawn_without_file({**self.ladder, "ui/gone": 1}, self.sound),
+    def test_notice_a_listed_name_without_a_file(self):
+        self.assertEqual(listed_without_file({**self.layers, "ui/gone": 1}, self.sound),
                          ["ui/gone"])
 
-    def test_notice_an_include_past_the_rooms(self):
+    def test_notice_an_include_without_its_folder(self):
         tree = self.with_include("ui/window.cpp", "window.h")
-        self.assertEqual(strange_includes(self.ladder, tree), [("ui/window.cpp", "window.h")])
+        self.assertEqual(strange_includes(self.layers, tree), [("ui/window.cpp", "window.h")])
 
-    def test_notice_an_include_that_climbs(self):
+    def test_notice_an_include_of_a_higher_layer(self):
         tree = self.with_include("link/json.cpp", "ui/window.h")
-        self.assertEqual(climbing_includes(self.ladder, tree), [("link/json.cpp", "ui/window.h")])
+        self.assertEqual(includes_of_higher_layers(self.layers, tree),
+                         [("link/json.cpp", "ui/window.h")])
 
-    def test_notice_a_ring_on_one_floor(self):
+    def test_notice_a_cycle_within_a_layer(self):
         tree = self.with_include("ui/window.cpp", "app/poll.h")
         tree["app/poll.cpp"] = ["app/poll.h", "ui/window.h"]
-        self.assertEqual(climbing_includes(self.ladder, tree), [])
-        self.assertEqual(ring(tree), ["app/poll", "ui/window", "app/poll"])
+        self.assertEqual(includes_of_higher_layers(self.layers, tree), [])
+        self.assertEqual(cycle(tree), ["app/poll", "ui/window", "app/poll"])
 
-    def test_notice_a_look_into_app(self):
+    def test_notice_an_include_of_app(self):
         tree = self.with_include("ui/window.cpp", "app/poll.h")
-        self.assertEqual(looks_into_app(tree), [("ui/window.cpp", "app/poll")])
+        self.assertEqual(includes_of_app(tree), [("ui/window.cpp", "app/poll")])
 
     def test_tell_the_libraries_apart(self):
-        libraries = expected_libraries(self.ladder, self.sound, core_height=0)
+        libraries = expected_libraries(self.layers, self.sound, core_layer=0)
         self.assertEqual(libraries, {"settings_core": {"link/json.cpp"},
                                      "settings_window": {"ui/window.cpp"}})
         self.assertEqual(

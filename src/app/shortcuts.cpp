@@ -2,10 +2,10 @@
 #include "app/shortcuts.h"
 
 #include "app/state_poll.h"
-#include "ui/accessibility.h"
-#include "ui/form_widgets.h"
 #include "ui/save_settings.h"
-#include "ui/widget_record.h"
+#include "ui/widgets/accessibility.h"
+#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/widget_record.h"
 
 #include <algorithm>
 

@@ -8,9 +8,9 @@
 #include "link/json_access.h"
 #include "link/service_link.h"
 #include "status/overview_page.h"
-#include "ui/form_widgets.h"
 #include "ui/load_form.h"
-#include "ui/pending_events.h"
+#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/pending_events.h"
 #include "ui/window.h"
 
 #include <boost/json/value.hpp>

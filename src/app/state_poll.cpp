@@ -6,7 +6,7 @@
 #include "status/internet_page.h"
 #include "status/overview_page.h"
 #include "status/render_state.h"
-#include "ui/widget_record.h"
+#include "ui/widgets/widget_record.h"
 
 #include <boost/json/value.hpp>
 

@@ -4,8 +4,8 @@
 #include "link/json_access.h"
 #include "link/service_link.h"
 #include "receivers/receiver_rows.h"
-#include "ui/form_widgets.h"
-#include "ui/pending_events.h"
+#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/pending_events.h"
 
 #include <boost/json/value.hpp>
 

@@ -4,10 +4,10 @@
 #include "link/format_text.h"
 #include "receivers/coverage.h"
 #include "receivers/row_focus.h"
-#include "ui/accessibility.h"
-#include "ui/change_tracking.h"
-#include "ui/form_widgets.h"
-#include "ui/spin_buttons.h"
+#include "ui/widgets/accessibility.h"
+#include "ui/widgets/change_tracking.h"
+#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/spin_buttons.h"
 
 #include <optional>
 #include <string>

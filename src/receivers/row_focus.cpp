@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "receivers/row_focus.h"
 
-#include "ui/widget_record.h"
+#include "ui/widgets/widget_record.h"
 
 #include <array>
 

@@ -4,8 +4,8 @@
 #include "link/format_text.h"
 #include "link/json_access.h"
 #include "status/overview_texts.h"
-#include "ui/accessibility.h"
-#include "ui/form_widgets.h"
+#include "ui/widgets/accessibility.h"
+#include "ui/widgets/form_widgets.h"
 
 #include <boost/json/value.hpp>
 

@@ -6,10 +6,10 @@
 #include "link/json_access.h"
 #include "link/service_link.h"
 #include "ui/field_rules.h"
-#include "ui/form_widgets.h"
 #include "ui/load_form.h"
-#include "ui/pending_events.h"
 #include "ui/save_settings.h"
+#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/pending_events.h"
 
 #include <boost/json/serialize.hpp>
 #include <boost/json/value.hpp>

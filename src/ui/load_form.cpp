@@ -6,10 +6,10 @@
 #include "receivers/linger.h"
 #include "receivers/receiver_rows.h"
 #include "status/render_state.h"
-#include "ui/change_tracking.h"
 #include "ui/field_checks.h"
 #include "ui/field_rules.h"
-#include "ui/form_widgets.h"
+#include "ui/widgets/change_tracking.h"
+#include "ui/widgets/form_widgets.h"
 
 #include <boost/json/value.hpp>
 

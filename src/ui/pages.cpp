@@ -8,12 +8,12 @@
 #include "status/listener_actions.h"
 #include "status/listeners_table.h"
 #include "status/registration.h"
-#include "ui/accessibility.h"
-#include "ui/change_tracking.h"
 #include "ui/field_checks.h"
-#include "ui/form_widgets.h"
-#include "ui/spin_buttons.h"
 #include "ui/station_link.h"
+#include "ui/widgets/accessibility.h"
+#include "ui/widgets/change_tracking.h"
+#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/spin_buttons.h"
 
 namespace {
 

@@ -4,11 +4,11 @@
 #include "link/json_access.h"
 #include "link/service_link.h"
 #include "receivers/receiver_rows.h"
-#include "ui/change_tracking.h"
-#include "ui/form_widgets.h"
 #include "ui/load_form.h"
-#include "ui/pending_events.h"
 #include "ui/settings_body.h"
+#include "ui/widgets/change_tracking.h"
+#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/pending_events.h"
 
 #include <boost/json/serialize.hpp>
 #include <boost/json/value.hpp>

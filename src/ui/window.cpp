@@ -2,15 +2,15 @@
 #include "ui/window.h"
 
 #include "link/build_constants.h"
-#include "ui/accessibility.h"
-#include "ui/change_tracking.h"
 #include "ui/field_checks.h"
-#include "ui/form_widgets.h"
 #include "ui/pages.h"
-#include "ui/pending_events.h"
 #include "ui/save_settings.h"
 #include "ui/station_link.h"
-#include "ui/theme.h"
+#include "ui/widgets/accessibility.h"
+#include "ui/widgets/change_tracking.h"
+#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/pending_events.h"
+#include "ui/widgets/theme.h"
 
 namespace {
 

@@ -11,10 +11,10 @@
 #include "status/render_state.h"
 #include "support/document_members.h"
 #include "support/window_fixture.h"
-#include "ui/change_tracking.h"
-#include "ui/form_widgets.h"
 #include "ui/load_form.h"
 #include "ui/save_settings.h"
+#include "ui/widgets/change_tracking.h"
+#include "ui/widgets/form_widgets.h"
 
 #include <algorithm>
 #include <sstream>

@@ -15,9 +15,9 @@
 #include "support/faults.h"
 #include "support/time_limits.h"
 #include "support/window_fixture.h"
-#include "ui/change_tracking.h"
 #include "ui/load_form.h"
 #include "ui/save_settings.h"
+#include "ui/widgets/change_tracking.h"
 
 #include <filesystem>
 #include <iterator>

@@ -9,8 +9,8 @@
 #include "status/registration.h"
 #include "support/window_fixture.h"
 #include "ui/load_form.h"
-#include "ui/pending_events.h"
 #include "ui/save_settings.h"
+#include "ui/widgets/pending_events.h"
 #include "ui/window.h"
 
 #include <algorithm>

@@ -5,7 +5,7 @@
 #include "support/row_parts.h"
 #include "support/user_locale.h"
 #include "support/window_fixture.h"
-#include "ui/form_widgets.h"
+#include "ui/widgets/form_widgets.h"
 
 #include <functional>
 

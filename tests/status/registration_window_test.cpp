@@ -4,8 +4,8 @@
 #include "link/build_constants.h"
 #include "link/json_access.h"
 #include "support/window_fixture.h"
-#include "ui/change_tracking.h"
-#include "ui/form_widgets.h"
+#include "ui/widgets/change_tracking.h"
+#include "ui/widgets/form_widgets.h"
 
 #include <atomic>
 

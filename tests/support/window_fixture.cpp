@@ -7,10 +7,10 @@
 #include "link/service_link.h"
 #include "status/render_state.h"
 #include "support/toplevels.h"
-#include "ui/change_tracking.h"
-#include "ui/form_widgets.h"
 #include "ui/load_form.h"
-#include "ui/pending_events.h"
+#include "ui/widgets/change_tracking.h"
+#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/pending_events.h"
 #include "ui/window.h"
 
 #include <algorithm>

@@ -15,7 +15,7 @@
 #include "support/fake_commands.h"
 #include "support/fake_service.h"
 #include "support/state_document.h"
-#include "ui/widget_record.h"
+#include "ui/widgets/widget_record.h"
 
 #include <boost/json.hpp>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/long_text.h"
+#include "ui/widgets/long_text.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "ui/pending_events.h"
+#include "ui/widgets/pending_events.h"
 
-#include "ui/widget_record.h"
+#include "ui/widgets/widget_record.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "ui/form_widgets.h"
+#include "ui/widgets/form_widgets.h"
 
 #include "link/format_text.h"
-#include "ui/accessibility.h"
-#include "ui/change_tracking.h"
-#include "ui/long_text.h"
+#include "ui/widgets/accessibility.h"
+#include "ui/widgets/change_tracking.h"
+#include "ui/widgets/long_text.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "ui/change_tracking.h"
+#include "ui/widgets/change_tracking.h"
 
 #include "support/window_fixture.h"
-#include "ui/form_widgets.h"
+#include "ui/widgets/form_widgets.h"
 
 #include <functional>
 

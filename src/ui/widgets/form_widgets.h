@@ -6,7 +6,7 @@
 #pragma once
 
 #include "status/status_line.h"
-#include "ui/widget_record.h"
+#include "ui/widgets/widget_record.h"
 
 #include <gtk/gtk.h>
 

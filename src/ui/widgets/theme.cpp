@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/theme.h"
+#include "ui/widgets/theme.h"
 
 #include <gtk/gtk.h>
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "ui/spin_buttons.h"
+#include "ui/widgets/spin_buttons.h"
 
-#include "ui/accessibility.h"
 #include "ui/field_rules.h"
-#include "ui/form_widgets.h"
+#include "ui/widgets/accessibility.h"
+#include "ui/widgets/form_widgets.h"
 
 #include <cstring>
 #include <string>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "ui/change_tracking.h"
+#include "ui/widgets/change_tracking.h"
 
-#include "ui/widget_record.h"
+#include "ui/widgets/widget_record.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "ui/widget_record.h"
+#include "ui/widgets/widget_record.h"
 
 WidgetRecord widgets;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/spin_buttons.h"
+#include "ui/widgets/spin_buttons.h"
 
 #include "link/json_access.h"
 #include "support/user_locale.h"

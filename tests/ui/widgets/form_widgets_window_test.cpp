@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/form_widgets.h"
+#include "ui/widgets/form_widgets.h"
 
 #include "link/format_text.h"
 

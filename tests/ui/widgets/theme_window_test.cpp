@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The style sheet's rules, and the colours that real widgets get from them.
-#include "ui/theme.h"
+#include "ui/widgets/theme.h"
 
 #include "app/state_poll.h"
 #include "support/window_fixture.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/accessibility.h"
+#include "ui/widgets/accessibility.h"
 
 #include <vector>
 
