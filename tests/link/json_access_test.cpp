@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "link/json_access.h"
 
+#include <boost/json.hpp>
 #include <gtest/gtest.h>
 
 #include <cmath>

@@ -3,6 +3,7 @@
 
 #include "link/json_access.h"
 
+#include <boost/json.hpp>
 #include <gtest/gtest.h>
 
 #include <exception>

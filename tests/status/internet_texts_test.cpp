@@ -4,6 +4,7 @@
 #include "link/build_constants.h"
 #include "support/user_locale.h"
 
+#include <boost/json.hpp>
 #include <gtest/gtest.h>
 
 #include <cstdint>

@@ -4,6 +4,7 @@
 #include "link/json_access.h"
 #include "support/user_locale.h"
 
+#include <boost/json.hpp>
 #include <gtest/gtest.h>
 
 #include <exception>
