@@ -4,6 +4,7 @@
 #include "link/json_access.h"
 #include "link/service_link.h"
 #include "receivers/receiver_rows.h"
+#include "ui/widgets/busy.h"
 #include "ui/widgets/form_widgets.h"
 #include "ui/widgets/pending_events.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "receivers/linger.h"
 
+#include "ui/widgets/busy.h"
 #include "ui/widgets/form_widgets.h"
-#include "ui/widgets/pending_events.h"
 
 namespace {
 

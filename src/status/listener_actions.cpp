@@ -7,6 +7,7 @@
 #include "link/service_link.h"
 #include "status/listeners_table.h"
 #include "ui/load_form.h"
+#include "ui/widgets/busy.h"
 #include "ui/widgets/form_widgets.h"
 #include "ui/widgets/pending_events.h"
 

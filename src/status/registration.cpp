@@ -8,6 +8,7 @@
 #include "ui/field_rules.h"
 #include "ui/load_form.h"
 #include "ui/save_settings.h"
+#include "ui/widgets/busy.h"
 #include "ui/widgets/form_widgets.h"
 #include "ui/widgets/pending_events.h"
 

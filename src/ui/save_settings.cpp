@@ -6,6 +6,7 @@
 #include "receivers/receiver_rows.h"
 #include "ui/load_form.h"
 #include "ui/settings_body.h"
+#include "ui/widgets/busy.h"
 #include "ui/widgets/change_tracking.h"
 #include "ui/widgets/form_widgets.h"
 #include "ui/widgets/pending_events.h"

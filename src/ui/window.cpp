@@ -7,6 +7,7 @@
 #include "ui/save_settings.h"
 #include "ui/station_link.h"
 #include "ui/widgets/accessibility.h"
+#include "ui/widgets/busy.h"
 #include "ui/widgets/change_tracking.h"
 #include "ui/widgets/form_widgets.h"
 #include "ui/widgets/pending_events.h"

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+#include "ui/widgets/busy.h"
+
+#include "support/window_fixture.h"
+
+namespace {
+
+class Busy : public WindowTest {
+protected:
+    Busy() {
+        load(state_document());
+        show_page_at_once("receivers");
+    }
+    static bool sensitive() { return gtk_widget_get_sensitive(widgets.find_devices_button); }
+    static GdkCursor* pointer() {
+        return gdk_window_get_cursor(gtk_widget_get_window(widgets.window));
+    }
+};
+
+bool never() {
+    return false;
+}
+
+TEST_F(Busy, GreysItsButtonAndShowsTheBusyPointer) {
+    {
+        const BusyWith busy{widgets.find_devices_button};
+        EXPECT_FALSE(sensitive());
+        EXPECT_NE(pointer(), nullptr);
+    }
+    EXPECT_EQ(pointer(), nullptr);
+    EXPECT_FALSE(sensitive()) << "presses that wait must find it grey";
+    drain_events();
+    EXPECT_TRUE(sensitive());
+}
+
+TEST_F(Busy, LosesThePressesThatWaited) {
+    int presses = 0;
+    const auto on_clicked = +[](GtkButton*, int* count) { ++*count; };
+    GtkWidget* button = widgets.copy_link_button;
+    show_page_at_once("overview");
+    const gulong handler = g_signal_connect(button, "clicked", G_CALLBACK(on_clicked), &presses);
+    { const BusyWith busy{button}; }
+    press_mouse(button);
+    release_mouse(button);
+    EXPECT_EQ(presses, 0);
+    drain_events();
+    press_mouse(button);
+    release_mouse(button);
+    EXPECT_EQ(presses, 1);
+    g_signal_handler_disconnect(button, handler);
+}
+
+TEST_F(Busy, LeavesTheButtonGreyWhereItsStateSaysSo) {
+    { const BusyWith busy{widgets.find_devices_button, never}; }
+    drain_events();
+    EXPECT_FALSE(sensitive());
+    gtk_widget_set_sensitive(widgets.find_devices_button, TRUE);
+}
+
+TEST_F(Busy, GivesTheFocusBackUnlessItMovedOn) {
+    gtk_widget_grab_focus(widgets.find_devices_button);
+    { const BusyWith busy{widgets.find_devices_button}; }
+    drain_events();
+    EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(widgets.window)), widgets.find_devices_button);
+    {
+        const BusyWith busy{widgets.find_devices_button};
+        gtk_widget_grab_focus(field("attach"));
+    }
+    drain_events();
+    EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(widgets.window)), field("attach"));
+}
+
+TEST_F(Busy, NeedsNoButton) {
+    {
+        const BusyWith busy{nullptr};
+        EXPECT_NE(pointer(), nullptr);
+    }
+    EXPECT_EQ(pointer(), nullptr);
+}
+
+TEST(OnlyOnceTest, LetsTheFirstInUntilItIsOver) {
+    bool running = false;
+    {
+        const OnlyOnce first{running};
+        EXPECT_TRUE(first.is_first());
+        {
+            const OnlyOnce second{running};
+            EXPECT_FALSE(second.is_first());
+        }
+        EXPECT_TRUE(running);
+    }
+    EXPECT_FALSE(running);
+}
+
+} // namespace
