@@ -35,13 +35,8 @@ ON_THE_AIR = "On the air"
 NOT_ANSWERING = "The Tarnwave service is not answering"
 
 
-def state_document():
-    text = (HERE.parent / "support" / "state_document.cpp").read_text()
-    return re.search(r'R"\((\{.*?\n\})\)"', text, re.S).group(1).encode()
-
-
 GOOD = {
-    ("GET", "/api/state"): state_document(),
+    ("GET", "/api/state"): (HERE.parent / "support" / "state.json").read_bytes(),
     ("PUT", "/api/settings"): b'{"restart":false}',
     ("GET", "/api/devices"): b'[{"backend":"sdrplay","serial":"2305012345","model":"RSPdx",'
                              b'"available":true}]',

@@ -12,7 +12,6 @@ import copy
 import json
 import os
 import random
-import re
 import signal
 import socketserver
 import statistics
@@ -35,8 +34,8 @@ MOST_MORE_SOURCES = 2         # the toolkit's own come and go
 
 
 def whole_document():
-    with open(os.path.join(HERE, "..", "support", "state_document.cpp"), encoding="utf-8") as file:
-        return json.loads(re.search(r'R"\((\{.*?\n\})\)"', file.read(), re.S).group(1))
+    with open(os.path.join(HERE, "..", "support", "state.json"), encoding="utf-8") as file:
+        return json.load(file)
 
 
 class Station:

@@ -2,6 +2,8 @@
 #include "support/state_document.h"
 
 #include <charconv>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -9,67 +11,6 @@
 namespace json = boost::json;
 
 namespace {
-
-constexpr std::string_view whole_document = R"({
-  "settings": {
-    "station": {
-      "name": "Hilltop SDR",
-      "callsign": "K1ABC",
-      "operator": "Ann Operator",
-      "location": "Asheville, North Carolina, USA",
-      "grid": "EM95",
-      "antenna": "80 m end-fed, 12 m up",
-      "contact": "https://hilltop.example/",
-      "description": "Two receivers on a quiet hill.",
-      "banner": ""
-    },
-    "attach": true,
-    "receivers": [
-      {"backend": "sdrplay", "serial": "2305012345", "model": "RSPdx",
-       "lo": 7000000, "hi": 7300000, "enabled": true},
-      {"backend": "rtl-sdr", "serial": "00000001", "model": "RTL-SDR Blog V4",
-       "lo": 144000000, "hi": 146000000, "enabled": true}
-    ],
-    "listeners": {
-      "max": 8,
-      "per_address": 2,
-      "session_minutes": 60,
-      "cooldown_minutes": 5,
-      "idle_minutes": 15
-    },
-    "content": {
-      "modes": ["USB", "LSB", "CW", "AM"],
-      "block_fm_broadcast": true,
-      "block_am_broadcast": false
-    },
-    "access": {"banned": ["203.0.113.9", "2001:db8::66"]},
-    "relay": {"enabled": false, "key": ""},
-    "network": {"port": 8073},
-    "directory": {
-      "listed": true,
-      "url": "https://stations.example/",
-      "id": "4711",
-      "email": "ann@hilltop.example"
-    }
-  },
-  "status": {
-    "broker": true,
-    "receivers": [
-      {"device": "RSPdx", "attached": false, "lo": 7000000, "hi": 7300000},
-      {"device": "RTL-SDR Blog V4", "attached": true, "lo": 144000000, "hi": 146000000}
-    ],
-    "started": [{"running": true, "serial": "2305012345", "log": ""}],
-    "listeners": [
-      {"number": 17, "address": "198.51.100.4", "seconds": 754, "f": 7074000, "mode": "USB",
-       "listening": true, "relayed": false},
-      {"number": 18, "address": "2001:db8::17", "seconds": 12}
-    ],
-    "directory": {"state": "checked in", "reachable": true, "address": "192.0.2.7:8073",
-                  "error": ""},
-    "relay": {"state": "off", "url": "https://relay.example/k1abc/", "listeners": 0, "error": ""},
-    "https": {"state": "active", "name": "k1abc.example", "expires": 1798761600, "error": ""}
-  }
-})";
 
 [[noreturn]] void refuse(std::string_view path) {
     throw std::invalid_argument{"no such place in the document: " + std::string{path}};
@@ -110,7 +51,11 @@ std::pair<json::value*, std::string_view> holder_of(json::value& document, std::
 } // namespace
 
 json::value state_document() {
-    return json::parse(whole_document);
+    static const json::value whole = [] {
+        std::ifstream file{STATE_FILE};
+        return json::parse(std::string{std::istreambuf_iterator<char>{file}, {}});
+    }();
+    return whole;
 }
 
 json::value with(json::value document, std::string_view path, json::value value) {
