@@ -530,6 +530,8 @@ class Program:
         button = wait_for(lambda: self.find(Role.PUSH_BUTTON, name, inside=dialog),
                           f"the dialog's button “{name}”")
         Atspi.Action.do_action(button, 0)
+        wait_for(lambda: self.process.poll() is not None or not is_showing(dialog),
+                 "the dialog to go")
         return self
 
     def field(self, role, label, at=0):

@@ -3,7 +3,6 @@
 
 import json
 import os
-import select
 import shutil
 import signal
 import socket
@@ -96,11 +95,15 @@ class Simulator:
         """Waits for something the simulator does; returns what the condition returned."""
         end = time.monotonic() + LIMIT_S
         while time.monotonic() < end:
-            result = condition()
-            if result:
+            ended = self.process.poll() is not None
+            if result := condition():
                 return result
-            # Its end is worth waking up for; otherwise look again soon.
-            select.select([], [], [], 0.005)
+            if ended:
+                break
+            try:
+                self.process.wait(0.005)  # nothing else tells when to look again
+            except subprocess.TimeoutExpired:
+                pass
         raise AssertionError("waited in vain; its log: " + self.log_text()[-2000:])
 
     def connect(self):
