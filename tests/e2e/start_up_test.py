@@ -189,13 +189,13 @@ class Arguments(Case):
 
     def test_help_and_version_need_no_display(self):
         environment = self.environment(DISPLAY=None)
-        for argument, beginning in (("--help", "Usage: tarnwave-settings [PAGE]\n"),
-                                    ("--version", "tarnwave-settings 0.6.0\n")):
+        for argument, beginning in (("--help", r"Usage: tarnwave-settings \[PAGE\]\n"),
+                                    ("--version", r"tarnwave-settings [0-9.]+\n$")):
             with self.subTest(argument=argument):
                 run = subprocess.run([PROGRAM, argument], env=environment, capture_output=True,
                                      text=True, check=False)
                 self.assertEqual((run.returncode, run.stderr), (0, ""))
-                self.assertTrue(run.stdout.startswith(beginning), run.stdout)
+                self.assertRegex(run.stdout, "^" + beginning)
 
 
 class BrokenDocuments(Case):

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/window.h"
 
+#include "link/build_constants.h"
 #include "link/json_access.h"
 #include "support/widget_outline.h"
 #include "support/window_fixture.h"
@@ -55,7 +56,8 @@ TEST_F(BuildWindow, PutsTheSidebarBesideThePages) {
 TEST_F(BuildWindow, PutsTheFooterBelow) {
     EXPECT_EQ(outline_of(parts().at(2)), R"(box horizontal 10 .footer
   label "" one line ellipsised .muted expands
-  label "Tarnwave 0.6.0" one line .small at end
+  label "Tarnwave )" + std::string{program_version} +
+                                             R"(" one line .small at end
 )");
 }
 
