@@ -180,7 +180,6 @@ void measure_pages_alike() {
 
 void finish_window_when_idle() {
     g_idle_add_full(G_PRIORITY_LOW, on_idle, nullptr, nullptr);
-    make_accessible_relations_when_idle();
 }
 
 bool confirm_close() {
