@@ -4,7 +4,6 @@
 #include "app/state_poll.h"
 #include "ui/save_settings.h"
 #include "ui/widgets/accessibility.h"
-#include "ui/widgets/form_widgets.h"
 #include "ui/widgets/widget_record.h"
 
 #include <algorithm>

@@ -9,8 +9,8 @@
 #include "link/service_link.h"
 #include "status/overview_page.h"
 #include "ui/load_form.h"
-#include "ui/widgets/form_widgets.h"
 #include "ui/widgets/pending_events.h"
+#include "ui/widgets/widget_record.h"
 #include "ui/window.h"
 
 #include <boost/json/value.hpp>

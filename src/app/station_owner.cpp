@@ -2,8 +2,8 @@
 #include "app/station_owner.h"
 
 #include "link/service_link.h"
-#include "ui/widgets/form_widgets.h"
 #include "ui/widgets/pending_events.h"
+#include "ui/widgets/setters.h"
 
 #include <cerrno>
 #include <ctime>

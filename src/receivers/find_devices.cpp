@@ -5,8 +5,8 @@
 #include "link/service_link.h"
 #include "receivers/receiver_rows.h"
 #include "ui/widgets/busy.h"
-#include "ui/widgets/form_widgets.h"
 #include "ui/widgets/pending_events.h"
+#include "ui/widgets/setters.h"
 
 #include <boost/json/value.hpp>
 

@@ -2,7 +2,7 @@
 #include "receivers/linger.h"
 
 #include "ui/widgets/busy.h"
-#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/setters.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include "link/json_access.h"
 #include "status/internet_texts.h"
 #include "status/lan_address.h"
-#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/setters.h"
 
 #include <boost/json/value.hpp>
 

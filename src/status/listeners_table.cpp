@@ -5,7 +5,7 @@
 #include "link/json_access.h"
 #include "status/column_widths.h"
 #include "status/overview_texts.h"
-#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/setters.h"
 
 #include <boost/json/value.hpp>
 

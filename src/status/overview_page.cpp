@@ -6,6 +6,7 @@
 #include "status/overview_texts.h"
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/form_widgets.h"
+#include "ui/widgets/setters.h"
 
 #include <boost/json/value.hpp>
 

@@ -9,8 +9,8 @@
 #include "ui/load_form.h"
 #include "ui/save_settings.h"
 #include "ui/widgets/busy.h"
-#include "ui/widgets/form_widgets.h"
 #include "ui/widgets/pending_events.h"
+#include "ui/widgets/setters.h"
 
 #include <boost/json/serialize.hpp>
 #include <boost/json/value.hpp>

@@ -2,7 +2,7 @@
 #include "ui/field_checks.h"
 
 #include "ui/field_rules.h"
-#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/setters.h"
 
 void check_grid_square() {
     const GridHint hint = grid_hint(gtk_entry_get_text(GTK_ENTRY(widgets.grid_entry)));

@@ -9,7 +9,7 @@
 #include "ui/field_checks.h"
 #include "ui/field_rules.h"
 #include "ui/widgets/change_tracking.h"
-#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/setters.h"
 
 #include <boost/json/value.hpp>
 

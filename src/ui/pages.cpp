@@ -13,6 +13,7 @@
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/change_tracking.h"
 #include "ui/widgets/form_widgets.h"
+#include "ui/widgets/setters.h"
 #include "ui/widgets/spin_buttons.h"
 
 namespace {
@@ -60,35 +61,6 @@ void on_max_listeners_changed(GtkSpinButton*, gpointer) {
 
 void on_relay_switch_toggled(GtkSwitch*, GParamSpec*, gpointer) {
     update_relay_visibility();
-}
-
-/// A small live hint under a row's label, that also describes the row's widget.
-GtkWidget* add_live_hint(GtkWidget* text_column, GtkWidget* described) {
-    GtkWidget* hint = make_label("", "small");
-    pack(text_column, hint);
-    describe_by_label(described, hint);
-    return hint;
-}
-
-GtkWidget* add_note(GtkWidget* box, const std::string& text, int top, int bottom) {
-    GtkWidget* note = make_label(escaped_markup(text).c_str(), "small");
-    set_vertical_margins(note, top, bottom);
-    pack(box, note);
-    return note;
-}
-
-void add_switch_row(GtkWidget* card, const char* key, const char* label, const char* hint) {
-    add_row(card, label, hint, bind_field(key, gtk_switch_new()));
-}
-
-void add_number_row(GtkWidget* card, const char* key, const char* label, const char* hint,
-                    double minimum, double maximum) {
-    add_row(card, label, hint, bind_field(key, make_number_spin(minimum, maximum)));
-}
-
-void add_entry_row(GtkWidget* card, const char* key, const char* label, const char* hint,
-                   const char* placeholder) {
-    add_row(card, label, hint, bind_entry(key, placeholder), RowWidth::wide);
 }
 
 void build_link_row(GtkWidget* card) {

@@ -8,8 +8,8 @@
 #include "ui/settings_body.h"
 #include "ui/widgets/busy.h"
 #include "ui/widgets/change_tracking.h"
-#include "ui/widgets/form_widgets.h"
 #include "ui/widgets/pending_events.h"
+#include "ui/widgets/setters.h"
 
 #include <boost/json/serialize.hpp>
 #include <boost/json/value.hpp>

@@ -2,7 +2,7 @@
 #include "ui/station_link.h"
 
 #include "link/json_access.h"
-#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/setters.h"
 
 void open_station_page() {
     const std::int32_t port = clamped_int32(setting_number("network.port"));

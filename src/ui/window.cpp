@@ -11,6 +11,7 @@
 #include "ui/widgets/change_tracking.h"
 #include "ui/widgets/form_widgets.h"
 #include "ui/widgets/pending_events.h"
+#include "ui/widgets/setters.h"
 #include "ui/widgets/theme.h"
 
 namespace {

@@ -14,7 +14,7 @@
 #include "ui/load_form.h"
 #include "ui/save_settings.h"
 #include "ui/widgets/change_tracking.h"
-#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/setters.h"
 
 #include <algorithm>
 #include <sstream>

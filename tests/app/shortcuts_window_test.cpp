@@ -4,7 +4,6 @@
 #include "link/json_access.h"
 #include "support/toplevels.h"
 #include "support/window_fixture.h"
-#include "ui/widgets/form_widgets.h"
 
 namespace {
 

@@ -5,7 +5,6 @@
 #include "support/row_parts.h"
 #include "support/user_locale.h"
 #include "support/window_fixture.h"
-#include "ui/widgets/form_widgets.h"
 
 #include <functional>
 

@@ -6,7 +6,7 @@
 #include "status/lan_address.h"
 #include "support/user_locale.h"
 #include "support/window_fixture.h"
-#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/setters.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include "status/listeners_table.h"
 #include "support/screen.h"
 #include "support/window_fixture.h"
-#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/setters.h"
 
 #include <atomic>
 

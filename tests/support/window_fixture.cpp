@@ -9,8 +9,8 @@
 #include "support/toplevels.h"
 #include "ui/load_form.h"
 #include "ui/widgets/change_tracking.h"
-#include "ui/widgets/form_widgets.h"
 #include "ui/widgets/pending_events.h"
+#include "ui/widgets/setters.h"
 #include "ui/window.h"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 
 #include "link/json_access.h"
 #include "support/window_fixture.h"
-#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/setters.h"
 
 namespace {
 

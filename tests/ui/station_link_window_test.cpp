@@ -4,7 +4,7 @@
 #include "link/json_access.h"
 #include "support/stub_browser.h"
 #include "support/window_fixture.h"
-#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/setters.h"
 
 namespace {
 

@@ -5,10 +5,8 @@
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/change_tracking.h"
 #include "ui/widgets/long_text.h"
-
-#include <algorithm>
-#include <cstring>
-#include <memory>
+#include "ui/widgets/setters.h"
+#include "ui/widgets/spin_buttons.h"
 
 namespace {
 
@@ -17,17 +15,6 @@ constexpr int wide_widget_width = 320;
 
 /// Key of the object data in which a card counts its rows.
 constexpr char row_count_key[] = "rows";
-
-struct FreeGlib {
-    void operator()(char* text) const { g_free(text); }
-};
-using GlibText = std::unique_ptr<char, FreeGlib>;
-
-constexpr struct {
-    StatusClass status_class;
-    const char* name;
-} status_class_names[] = {
-    {StatusClass::good, "good"}, {StatusClass::warning, "warning"}, {StatusClass::error, "error"}};
 
 } // namespace
 
@@ -42,14 +29,6 @@ GtkWidget* make_label(const char* text, const char* style_class, bool wrap) {
     if (style_class)
         add_style_class(label, style_class);
     return label;
-}
-
-std::string showable(std::string_view text) {
-    // A zero byte counts as invalid too.
-    if (g_utf8_validate_len(text.data(), text.size(), nullptr))
-        return std::string{text};
-    const GlibText mended{g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()))};
-    return mended.get();
 }
 
 GtkWidget* make_box(GtkOrientation orientation, int spacing, const char* style_class) {
@@ -72,10 +51,6 @@ void pack(GtkWidget* box, GtkWidget* child, bool expand) {
 
 void pack_end(GtkWidget* box, GtkWidget* child) {
     gtk_box_pack_end(GTK_BOX(box), child, FALSE, FALSE, 0);
-}
-
-void add_style_class(GtkWidget* widget, const char* style_class) {
-    gtk_style_context_add_class(gtk_widget_get_style_context(widget), style_class);
 }
 
 void set_vertical_margins(GtkWidget* widget, int top, int bottom) {
@@ -172,100 +147,30 @@ GtkWidget* bind_entry(const char* key, const char* placeholder) {
     return bind_field(key, entry);
 }
 
-void set_status_class(GtkWidget* widget, StatusClass status_class) {
-    for (const auto& known : status_class_names)
-        set_style_class(widget, known.name, known.status_class == status_class);
+void add_switch_row(GtkWidget* card, const char* key, const char* label, const char* hint) {
+    add_row(card, label, hint, bind_field(key, gtk_switch_new()));
 }
 
-void set_style_class(GtkWidget* widget, const char* style_class, bool wanted) {
-    // GTK restyles the widget even when nothing changes, so ask first.
-    GtkStyleContext* context = gtk_widget_get_style_context(widget);
-    if (static_cast<bool>(gtk_style_context_has_class(context, style_class)) == wanted)
-        return;
-    if (wanted)
-        gtk_style_context_add_class(context, style_class);
-    else
-        gtk_style_context_remove_class(context, style_class);
+void add_number_row(GtkWidget* card, const char* key, const char* label, const char* hint,
+                    double minimum, double maximum) {
+    add_row(card, label, hint, bind_field(key, make_number_spin(minimum, maximum)));
 }
 
-void set_label_text(GtkWidget* label, const std::string& text) {
-    const std::string shown = shortened(showable(text));
-    if (gtk_label_get_label(GTK_LABEL(label)) != shown)
-        show_in_label(label, shown.c_str(), gtk_label_set_text);
+void add_entry_row(GtkWidget* card, const char* key, const char* label, const char* hint,
+                   const char* placeholder) {
+    add_row(card, label, hint, bind_entry(key, placeholder), RowWidth::wide);
 }
 
-void set_label_markup(GtkWidget* label, const std::string& markup) {
-    if (gtk_label_get_label(GTK_LABEL(label)) != markup)
-        show_in_label(label, markup.c_str(), gtk_label_set_markup);
+GtkWidget* add_live_hint(GtkWidget* text_column, GtkWidget* widget) {
+    GtkWidget* hint = make_label("", "small");
+    pack(text_column, hint);
+    describe_by_label(widget, hint);
+    return hint;
 }
 
-void show_status_line(GtkWidget* label, const StatusLine& line) {
-    set_label_text(label, line.text);
-    set_status_class(label, line.status_class);
-}
-
-void ellipsise(GtkWidget* label) {
-    gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_END);
-    // A line feed in the text begins no line: it is drawn as a sign.
-    gtk_label_set_single_line_mode(GTK_LABEL(label), TRUE);
-}
-
-void limit_lines(GtkWidget* label, int lines) {
-    ellipsise(label);
-    gtk_label_set_lines(GTK_LABEL(label), lines);
-}
-
-void set_whole_text_tooltip(GtkWidget* label) {
-    gtk_widget_set_tooltip_text(
-        label, shortened(gtk_label_get_text(GTK_LABEL(label)), longest_tooltip).c_str());
-}
-
-void show_footer(const StatusLine& line) {
-    const bool same_words =
-        gtk_label_get_label(GTK_LABEL(widgets.footer_status)) == showable(line.text);
-    show_status_line(widgets.footer_status, line);
-    // Said again after a second press, the words are no change, but an answer.
-    if (same_words)
-        announce(widgets.footer_status);
-    set_whole_text_tooltip(widgets.footer_status);
-}
-
-void show_footer_error(const std::string& text) {
-    show_footer({text, StatusClass::error});
-}
-
-void set_text_of_entry(GtkWidget* entry, const std::string& text) {
-    const std::string shown = showable(text);
-    if (gtk_entry_get_text(GTK_ENTRY(entry)) == shown)
-        return;
-    // Whoever saves while typing goes on typing at the same place.
-    const gint cursor = gtk_editable_get_position(GTK_EDITABLE(entry));
-    gtk_entry_set_text(GTK_ENTRY(entry), shown.c_str());
-    if (gtk_widget_is_focus(entry))
-        gtk_editable_set_position(GTK_EDITABLE(entry), cursor);
-}
-
-std::string text_of_view(GtkWidget* text_view) {
-    GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(text_view));
-    GtkTextIter start;
-    GtkTextIter end;
-    gtk_text_buffer_get_bounds(buffer, &start, &end);
-    const GlibText text{gtk_text_buffer_get_text(buffer, &start, &end, FALSE)};
-    return text.get();
-}
-
-void set_text_of_view(GtkWidget* text_view, const std::string& text) {
-    const std::string shown = showable(text);
-    if (text_of_view(text_view) == shown)
-        return;
-    // The cursor stays, as in an entry.
-    GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(text_view));
-    GtkTextIter cursor;
-    gtk_text_buffer_get_iter_at_mark(buffer, &cursor, gtk_text_buffer_get_insert(buffer));
-    const gint offset = gtk_text_iter_get_offset(&cursor);
-    gtk_text_buffer_set_text(buffer, shown.c_str(), -1);
-    if (!gtk_widget_is_focus(text_view))
-        return;
-    gtk_text_buffer_get_iter_at_offset(buffer, &cursor, offset);
-    gtk_text_buffer_place_cursor(buffer, &cursor);
+GtkWidget* add_note(GtkWidget* box, const std::string& text, int top, int bottom) {
+    GtkWidget* note = make_label(escaped_markup(text).c_str(), "small");
+    set_vertical_margins(note, top, bottom);
+    pack(box, note);
+    return note;
 }

@@ -1,23 +1,18 @@
 // SPDX-License-Identifier: MIT
-// The builders that give every page the same look, and small setters for labels and classes.
+// The builders that give every page the same look.
 //
 // Builders return widgets that the tree of their parent owns; those without a parent return a
 // floating reference, which the container they are packed into takes over.
 #pragma once
 
-#include "status/status_line.h"
 #include "ui/widgets/widget_record.h"
 
 #include <gtk/gtk.h>
 
 #include <string>
-#include <string_view>
 
 /// Left-aligned label. `text` is Pango markup; `style_class` may be null.
 GtkWidget* make_label(const char* text, const char* style_class, bool wrap = true);
-
-/// A text from outside as GTK can show it: valid UTF-8, and U+FFFD in the place of U+0000.
-std::string showable(std::string_view text);
 
 GtkWidget* make_box(GtkOrientation orientation, int spacing, const char* style_class = nullptr);
 GtkWidget* make_button(const char* text, const char* style_class = nullptr);
@@ -26,7 +21,6 @@ GtkWidget* make_button(const char* text, const char* style_class = nullptr);
 void pack(GtkWidget* box, GtkWidget* child, bool expand = false);
 void pack_end(GtkWidget* box, GtkWidget* child);
 
-void add_style_class(GtkWidget* widget, const char* style_class);
 void set_vertical_margins(GtkWidget* widget, int top, int bottom);
 
 /// Adds a scrolling page to the stack under `name`; `title` and `subtitle` (null: none) are plain.
@@ -58,36 +52,15 @@ GtkWidget* bind_field(const char* key, GtkWidget* widget);
 /// A new entry, bound to a key.
 GtkWidget* bind_entry(const char* key, const char* placeholder);
 
-/// Leaves exactly the given one of the classes "good", "warning" and "error" on the widget.
-void set_status_class(GtkWidget* widget, StatusClass status_class);
+/// One row of a card with a new widget, bound to a key.
+void add_switch_row(GtkWidget* card, const char* key, const char* label, const char* hint);
+void add_number_row(GtkWidget* card, const char* key, const char* label, const char* hint,
+                    double minimum, double maximum);
+void add_entry_row(GtkWidget* card, const char* key, const char* label, const char* hint,
+                   const char* placeholder);
 
-void set_style_class(GtkWidget* widget, const char* style_class, bool wanted);
+/// Adds a small live hint under a row's label. It describes the row's widget.
+GtkWidget* add_live_hint(GtkWidget* text_column, GtkWidget* widget);
 
-/// Each writes only when the label shows something else, so that an unchanged text draws nothing.
-void set_label_text(GtkWidget* label, const std::string& text);
-void set_label_markup(GtkWidget* label, const std::string& markup);
-
-/// Text and colour together. The text is plain.
-void show_status_line(GtkWidget* label, const StatusLine& line);
-
-/// Keeps a label to one line, or to that many; what does not fit ends in an ellipsis.
-void ellipsise(GtkWidget* label);
-void limit_lines(GtkWidget* label, int lines);
-
-/// Longest tooltip, in bytes. Ours: about a dozen lines.
-inline constexpr std::size_t longest_tooltip = 2000;
-
-/// Shows a label's text as its tooltip, for labels that may end in an ellipsis. A text longer than
-/// a tooltip can be read is cut.
-void set_whole_text_tooltip(GtkWidget* label);
-
-/// Reports in the footer.
-void show_footer(const StatusLine& line);
-void show_footer_error(const std::string& text);
-
-/// The whole text of a text view, without hidden characters.
-std::string text_of_view(GtkWidget* text_view);
-
-/// Each leaves the cursor of a field that has the focus where it is.
-void set_text_of_entry(GtkWidget* entry, const std::string& text);
-void set_text_of_view(GtkWidget* text_view, const std::string& text);
+/// Adds a small plain text with margins above and below.
+GtkWidget* add_note(GtkWidget* box, const std::string& text, int top, int bottom);

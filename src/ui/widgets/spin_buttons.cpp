@@ -3,7 +3,6 @@
 
 #include "ui/field_rules.h"
 #include "ui/widgets/accessibility.h"
-#include "ui/widgets/form_widgets.h"
 
 #include <cstring>
 #include <string>

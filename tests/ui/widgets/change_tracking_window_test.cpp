@@ -2,7 +2,7 @@
 #include "ui/widgets/change_tracking.h"
 
 #include "support/window_fixture.h"
-#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/setters.h"
 
 #include <functional>
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widgets/form_widgets.h"
+#include "ui/widgets/setters.h"
 
 #include "link/format_text.h"
 

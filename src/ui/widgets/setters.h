@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+// Setters for labels, entries, text views and style classes.
+//
+// Each writes only what differs from what is shown, so that an unchanged value draws nothing.
+#pragma once
+
+#include "status/status_line.h"
+#include "ui/widgets/widget_record.h"
+
+#include <gtk/gtk.h>
+
+#include <string>
+#include <string_view>
+
+/// A text from outside as GTK can show it: valid UTF-8, and U+FFFD in the place of U+0000.
+std::string showable(std::string_view text);
+
+void add_style_class(GtkWidget* widget, const char* style_class);
+
+/// Leaves exactly the given one of the classes "good", "warning" and "error" on the widget.
+void set_status_class(GtkWidget* widget, StatusClass status_class);
+
+void set_style_class(GtkWidget* widget, const char* style_class, bool wanted);
+
+void set_label_text(GtkWidget* label, const std::string& text);
+void set_label_markup(GtkWidget* label, const std::string& markup);
+
+/// Text and colour together. The text is plain.
+void show_status_line(GtkWidget* label, const StatusLine& line);
+
+/// Keeps a label to one line, or to that many; what does not fit ends in an ellipsis.
+void ellipsise(GtkWidget* label);
+void limit_lines(GtkWidget* label, int lines);
+
+/// Longest tooltip, in bytes. Ours: about a dozen lines.
+inline constexpr std::size_t longest_tooltip = 2000;
+
+/// Shows a label's text as its tooltip, for labels that may end in an ellipsis. A text longer than
+/// a tooltip can be read is cut.
+void set_whole_text_tooltip(GtkWidget* label);
+
+/// Reports in the footer.
+void show_footer(const StatusLine& line);
+void show_footer_error(const std::string& text);
+
+/// The whole text of a text view, without hidden characters.
+std::string text_of_view(GtkWidget* text_view);
+
+/// Each leaves the cursor of a field that has the focus where it is.
+void set_text_of_entry(GtkWidget* entry, const std::string& text);
+void set_text_of_view(GtkWidget* text_view, const std::string& text);
