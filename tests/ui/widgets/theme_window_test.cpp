@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The style sheet's rules, and the colours that real widgets get from them.
+// The style sheets' rules, and the colours and sizes that real widgets get from them.
 #include "ui/widgets/theme.h"
 
 #include "app/state_poll.h"
 #include "link/build_constants.h"
 #include "support/window_fixture.h"
+#include "ui/widgets/style_additions.h"
+#include "ui/widgets/style_sheet.h"
 
 #include <algorithm>
 #include <utility>
@@ -39,18 +41,6 @@ Rules rules_of(std::string_view sheet) {
         sheet.remove_prefix(close + 1);
     }
     return rules;
-}
-
-/// The names in declarations, each with its colon.
-std::vector<std::string> properties_of(std::string_view declarations) {
-    std::vector<std::string> names;
-    while (!declarations.empty()) {
-        names.push_back(one_line(declarations.substr(0, declarations.find(':') + 1)));
-        declarations.remove_prefix(std::min(declarations.size(), declarations.find(';') + 1));
-        declarations.remove_prefix(
-            std::min(declarations.size(), declarations.find_first_not_of(' ')));
-    }
-    return names;
 }
 
 TEST_F(Theme, HasItsRulesInOrder) {
@@ -148,7 +138,7 @@ TEST_F(Theme, HasItsRulesInOrder) {
 }
 
 TEST_F(Theme, IsReadWithoutAnError) {
-    for (const char* sheet : {style_sheet, state_style_sheet}) {
+    for (const char* sheet : {style_sheet, added_styles, high_contrast_styles}) {
         GtkCssProvider* provider = gtk_css_provider_new();
         std::string errors;
         const auto on_error = +[](GtkCssProvider*, GtkCssSection*, GError* error,
@@ -160,14 +150,25 @@ TEST_F(Theme, IsReadWithoutAnError) {
     }
 }
 
-TEST_F(Theme, TheStateSheetRepeatsNoDeclarationOfTheOther) {
-    for (const auto& [selector, declarations] : rules_of(state_style_sheet))
-        for (const auto& [other, other_declarations] : rules_of(style_sheet))
-            if (selector == other) {
-                for (const std::string& property : properties_of(declarations))
-                    EXPECT_EQ(other_declarations.find(property), std::string::npos)
-                        << selector << " " << property;
-            }
+TEST_F(Theme, GivesTheStyleSheetsSizesInPoints) {
+    const auto size_in = [](const Rules& rules, const std::string& selector, double per_pixel) {
+        for (const auto& [rule, declarations] : rules) {
+            const std::size_t at = declarations.find("font-size: ");
+            if (rule == selector && at != declarations.npos)
+                return g_ascii_strtod(declarations.c_str() + at + 11, nullptr) / per_pixel;
+        }
+        return 0.0;
+    };
+    const Rules added = rules_of(added_styles);
+    for (const auto& [selector, declarations] : rules_of(style_sheet)) {
+        if (declarations.find("font-size") == declarations.npos)
+            continue;
+        EXPECT_EQ(size_in({{selector, declarations}}, selector, 1),
+                  size_in(added,
+                          selector == "window, dialog" ? "window, dialog, messagedialog" : selector,
+                          72.0 / 96))
+            << selector;
+    }
 }
 
 std::string hex(const GdkRGBA& colour) {
@@ -339,6 +340,26 @@ TEST_F(Theme, GreysTheDetailsOfAReceiverThatIsOff) {
     EXPECT_EQ(opacity(receiver.details_box), 1);
     gtk_switch_set_active(GTK_SWITCH(receiver.share_switch), FALSE);
     EXPECT_EQ(opacity(receiver.details_box), 0.45);
+}
+
+TEST_F(Theme, FollowsTheDesktopsTextScaleAtOnce) {
+    GtkSettings* settings = gtk_settings_get_default();
+    load(state_document());
+    g_object_set(settings, "gtk-xft-dpi", 2 * 96 * 1024, nullptr);
+    EXPECT_EQ(font_pixels(widgets.window), 26);
+    EXPECT_EQ(font_pixels(widgets.header_title), 42);
+    g_object_set(settings, "gtk-xft-dpi", 96 * 1024, nullptr);
+    EXPECT_EQ(font_pixels(widgets.header_title), 21);
+}
+
+TEST_F(Theme, HasStrongBordersWhileTheDesktopHasAHighContrastTheme) {
+    GtkSettings* settings = gtk_settings_get_default();
+    for (const char* theme : {"HighContrast", "HighContrastInverse"}) {
+        g_object_set(settings, "gtk-theme-name", theme, nullptr);
+        EXPECT_EQ(border(widgets.copy_link_button), "#9FB8CE") << theme;
+        gtk_settings_reset_property(settings, "gtk-theme-name");
+        EXPECT_EQ(border(widgets.copy_link_button), "#22384D") << theme;
+    }
 }
 
 } // namespace
