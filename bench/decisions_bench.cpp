@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // What needs no display: reading the document, the derived values, every sentence, the body of a
 // save.
-#include "link/format_text.h"
 #include "link/json_access.h"
+#include "link/text.h"
 #include "receivers/coverage.h"
 #include "receivers/receiver_list.h"
 #include "status/internet_texts.h"

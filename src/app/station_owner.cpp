@@ -2,6 +2,7 @@
 #include "app/station_owner.h"
 
 #include "link/service_link.h"
+#include "link/text.h"
 #include "ui/widgets/pending_events.h"
 #include "ui/widgets/setters.h"
 
@@ -21,7 +22,7 @@ constexpr long pause_ns = 200'000'000;
 bool user_wants_to_be_owner() {
     GtkWidget* dialog = gtk_message_dialog_new(
         GTK_WINDOW(widgets.window), GTK_DIALOG_MODAL, GTK_MESSAGE_QUESTION, GTK_BUTTONS_NONE,
-        "Make %s the station owner?", showable(g_get_user_name()).c_str());
+        "Make %s the station owner?", valid_utf8(g_get_user_name()).c_str());
     gtk_message_dialog_format_secondary_text(
         GTK_MESSAGE_DIALOG(dialog),
         "%s Only the station owner may change Tarnwave's settings and share receivers through it. "
@@ -65,7 +66,7 @@ std::string owner_sentence() {
     std::string owner;
     std::getline(file, owner);
     return owner.empty() ? "This station has no owner yet."
-                         : "The station owner is " + showable(owner) + ".";
+                         : "The station owner is " + valid_utf8(owner) + ".";
 }
 
 bool check_owner() {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "receivers/coverage.h"
 
-#include "link/format_text.h"
+#include "link/text.h"
 
 #include <glib.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "receivers/receiver_rows.h"
 
-#include "link/format_text.h"
+#include "link/text.h"
 #include "receivers/coverage.h"
 #include "receivers/row_focus.h"
 #include "ui/widgets/accessibility.h"
@@ -110,7 +110,7 @@ GtkWidget* make_header(Receiver& receiver, GtkWidget** title_out) {
     gtk_widget_set_tooltip_text(receiver.share_switch, "Share this receiver with listeners");
     set_accessible_name(
         receiver.share_switch,
-        showable("Share " + spoken_name(widgets.receiver_list, receiver) + " with listeners")
+        valid_utf8("Share " + spoken_name(widgets.receiver_list, receiver) + " with listeners")
             .c_str());
     describe_by_label(receiver.share_switch, subtitle);
     pack_end(header, receiver.share_switch);
@@ -120,7 +120,7 @@ GtkWidget* make_header(Receiver& receiver, GtkWidget** title_out) {
 GtkWidget* make_frequency_row(Receiver& receiver) {
     GtkWidget* row = make_box(GTK_ORIENTATION_HORIZONTAL, 8);
     // Several receivers stand on the page: whoever does not see it hears which one is meant.
-    const std::string of_it = " of " + showable(spoken_name(widgets.receiver_list, receiver));
+    const std::string of_it = " of " + valid_utf8(spoken_name(widgets.receiver_list, receiver));
     receiver.low_spin = make_frequency_spin(("Lowest frequency" + of_it + " in MHz").c_str());
     receiver.high_spin = make_frequency_spin(("Highest frequency" + of_it + " in MHz").c_str());
     gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver.low_spin),

@@ -2,8 +2,8 @@
 #include "status/internet_texts.h"
 
 #include "link/build_constants.h"
-#include "link/format_text.h"
 #include "link/json_access.h"
+#include "link/text.h"
 
 #include <boost/json/value.hpp>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "status/listeners_table.h"
 
-#include "link/format_text.h"
 #include "link/json_access.h"
+#include "link/text.h"
 #include "status/column_widths.h"
 #include "status/overview_texts.h"
 #include "ui/widgets/setters.h"
@@ -178,9 +178,9 @@ void write_record(TableWriter& table, const json::value& record) {
     row.time =
         session_time_text(clamped_int32(number_or_zero(required_member(listener, "seconds"))));
     const std::optional<Tuning> tuning = tuning_of(listener);
-    row.tuned_to = showable(tuned_to_text(tuning, optional_bool(listener, "relayed", false)));
+    row.tuned_to = valid_utf8(tuned_to_text(tuning, optional_bool(listener, "relayed", false)));
     row.number = clamped_int32(number_or_zero(required_member(listener, "number")));
-    row.address = showable(member_string(listener, "address"));
+    row.address = valid_utf8(member_string(listener, "address"));
     table.write(std::move(row));
     // The row is there before a missing address stops the pass.
     required_member(listener, "address");

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "status/overview_page.h"
 
-#include "link/format_text.h"
 #include "link/json_access.h"
+#include "link/text.h"
 #include "status/overview_texts.h"
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/form_widgets.h"
@@ -181,7 +181,7 @@ void draw_checklist(const StationState& state) {
 }
 
 void draw_station_link(const StationState& state) {
-    const std::string link = showable(state.station_link);
+    const std::string link = valid_utf8(state.station_link);
     GtkButton* button = GTK_BUTTON(widgets.station_link);
     if (gtk_button_get_label(button) != link) {
         gtk_button_set_label(button, link.c_str());

@@ -2,7 +2,7 @@
 #include "status/overview_texts.h"
 
 #include "link/build_constants.h"
-#include "link/format_text.h"
+#include "link/text.h"
 
 #include <cmath>
 

@@ -2,9 +2,9 @@
 #include "status/registration.h"
 
 #include "link/build_constants.h"
-#include "link/format_text.h"
 #include "link/json_access.h"
 #include "link/service_link.h"
+#include "link/text.h"
 #include "ui/field_rules.h"
 #include "ui/load_form.h"
 #include "ui/save_settings.h"

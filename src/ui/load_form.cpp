@@ -3,6 +3,7 @@
 
 #include "link/json_access.h"
 #include "link/service_link.h"
+#include "link/text.h"
 #include "receivers/linger.h"
 #include "receivers/receiver_rows.h"
 #include "status/render_state.h"
@@ -29,8 +30,8 @@ void keep_document(const std::string& body) {
     json::object& root = as_object(document, "the state document");
     json::object& settings = required_object(root, "settings");
     json::object& status = required_object(root, "status");
-    replace_object(settings_object, std::move(settings));
-    replace_object(status_object, std::move(status));
+    settings_object = std::move(settings);
+    status_object = std::move(status);
 }
 
 void show_field(const FieldBinding& field) {
@@ -81,8 +82,8 @@ void show_registration() {
 }
 
 void show_title() {
-    const std::string title =
-        showable(header_title(setting_string("station.name"), setting_string("station.callsign")));
+    const std::string title = valid_utf8(
+        header_title(setting_string("station.name"), setting_string("station.callsign")));
     set_label_text(widgets.header_title, title);
     set_whole_text_tooltip(widgets.header_title);
 }

@@ -2,7 +2,7 @@
 #include "ui/pages.h"
 
 #include "link/build_constants.h"
-#include "link/format_text.h"
+#include "link/text.h"
 #include "receivers/find_devices.h"
 #include "receivers/linger.h"
 #include "status/listener_actions.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "status/overview_texts.h"
 
-#include "link/format_text.h"
+#include "link/text.h"
 
 #include "link/build_constants.h"
 #include "support/user_locale.h"

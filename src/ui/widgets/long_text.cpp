@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widgets/long_text.h"
 
+#include "link/text.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -46,7 +48,7 @@ void ease_layout(GtkWidget* label) {
     bool second = false;
     for (std::size_t start = 0; length >= long_text && start < length; second = !second) {
         std::size_t end = std::min(start + long_text_piece, length);
-        while (end < length && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
+        while (end < length && is_continuation_byte(text[end]))
             ++end; // not inside a character
         PangoAttribute* piece = pango_attr_language_new(languages[second ? 1 : 0]);
         piece->start_index = static_cast<guint>(start);

@@ -1,18 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widgets/setters.h"
 
-#include "link/format_text.h"
+#include "link/text.h"
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/long_text.h"
 
-#include <memory>
-
 namespace {
-
-struct FreeGlib {
-    void operator()(char* text) const { g_free(text); }
-};
-using GlibText = std::unique_ptr<char, FreeGlib>;
 
 constexpr struct {
     StatusClass status_class;
@@ -21,14 +14,6 @@ constexpr struct {
     {StatusClass::good, "good"}, {StatusClass::warning, "warning"}, {StatusClass::error, "error"}};
 
 } // namespace
-
-std::string showable(std::string_view text) {
-    // A zero byte counts as invalid too.
-    if (g_utf8_validate_len(text.data(), text.size(), nullptr))
-        return std::string{text};
-    const GlibText mended{g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()))};
-    return mended.get();
-}
 
 void add_style_class(GtkWidget* widget, const char* style_class) {
     gtk_style_context_add_class(gtk_widget_get_style_context(widget), style_class);
@@ -51,7 +36,7 @@ void set_style_class(GtkWidget* widget, const char* style_class, bool wanted) {
 }
 
 void set_label_text(GtkWidget* label, const std::string& text) {
-    const std::string shown = shortened(showable(text));
+    const std::string shown = shortened(valid_utf8(text));
     if (gtk_label_get_label(GTK_LABEL(label)) != shown)
         show_in_label(label, shown.c_str(), gtk_label_set_text);
 }
@@ -84,7 +69,7 @@ void set_whole_text_tooltip(GtkWidget* label) {
 
 void show_footer(const StatusLine& line) {
     const bool same_words =
-        gtk_label_get_label(GTK_LABEL(widgets.footer_status)) == showable(line.text);
+        gtk_label_get_label(GTK_LABEL(widgets.footer_status)) == valid_utf8(line.text);
     show_status_line(widgets.footer_status, line);
     // Said again after a second press, the words are no change, but an answer.
     if (same_words)
@@ -97,7 +82,7 @@ void show_footer_error(const std::string& text) {
 }
 
 void set_text_of_entry(GtkWidget* entry, const std::string& text) {
-    const std::string shown = showable(text);
+    const std::string shown = valid_utf8(text);
     if (gtk_entry_get_text(GTK_ENTRY(entry)) == shown)
         return;
     // Whoever saves while typing goes on typing at the same place.
@@ -117,7 +102,7 @@ std::string text_of_view(GtkWidget* text_view) {
 }
 
 void set_text_of_view(GtkWidget* text_view, const std::string& text) {
-    const std::string shown = showable(text);
+    const std::string shown = valid_utf8(text);
     if (text_of_view(text_view) == shown)
         return;
     // The cursor stays, as in an entry.

@@ -10,10 +10,6 @@
 #include <gtk/gtk.h>
 
 #include <string>
-#include <string_view>
-
-/// A text from outside as GTK can show it: valid UTF-8, and U+FFFD in the place of U+0000.
-std::string showable(std::string_view text);
 
 void add_style_class(GtkWidget* widget, const char* style_class);
 

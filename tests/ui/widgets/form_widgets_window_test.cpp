@@ -2,7 +2,7 @@
 #include "ui/widgets/form_widgets.h"
 #include "ui/widgets/setters.h"
 
-#include "link/format_text.h"
+#include "link/text.h"
 
 #include "support/widget_outline.h"
 #include "support/window_fixture.h"
@@ -269,29 +269,6 @@ TEST_F(HeaderTitleLabel, IsTwoLinesHighAtMostWhateverTheName) {
     const int height_of_one_line = height_with("Hilltop");
     EXPECT_GT(height_with(words), height_of_one_line * 3 / 2);
     EXPECT_LT(height_with(lines), height_of_one_line * 3);
-}
-
-using Showable = WindowTest;
-
-TEST_F(Showable, IsValidTextWithoutNulls) {
-    const struct {
-        const char* what;
-        std::string text;
-        std::string expected;
-    } cases[] = {
-        {"nothing", "", ""},
-        {"plain", "plain", "plain"},
-        {"letters of several bytes", "Ä–…", "Ä–…"},
-        {"a lone byte", "a\xFFz", "a\uFFFDz"},
-        {"a letter cut short", "a\xC3", "a\uFFFD"},
-        {"a null", std::string{"a\0z", 3}, "a\uFFFDz"},
-        {"nulls alone", std::string{"\0\0", 2}, "\uFFFD\uFFFD"},
-        {"a null and a lone byte", std::string{"\0\xFE", 2}, "\uFFFD\uFFFD"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        EXPECT_EQ(showable(c.text), c.expected);
-    }
 }
 
 using LabelSetters = Builders;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "link/format_text.h"
+#include "link/text.h"
 
 #include "support/user_locale.h"
 
@@ -15,6 +15,27 @@ TEST(FormatText, TakesTextOfAnyLength) {
 TEST(FormatText, WritesADotForAUserWithADecimalComma) {
     const UserLocale german{"de_DE.UTF-8"};
     EXPECT_EQ(format_text("%.3f", 7.3), "7.300");
+}
+
+TEST(ValidUtf8, HasNoZeroCharacters) {
+    const struct {
+        const char* what;
+        std::string text;
+        std::string expected;
+    } cases[] = {
+        {"nothing", "", ""},
+        {"plain", "plain", "plain"},
+        {"letters of several bytes", "Ä–…", "Ä–…"},
+        {"a lone byte", "a\xFFz", "a\uFFFDz"},
+        {"a letter cut short", "a\xC3", "a\uFFFD"},
+        {"a null", std::string{"a\0z", 3}, "a\uFFFDz"},
+        {"nulls alone", std::string{"\0\0", 2}, "\uFFFD\uFFFD"},
+        {"a null and a lone byte", std::string{"\0\xFE", 2}, "\uFFFD\uFFFD"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_EQ(valid_utf8(c.text), c.expected);
+    }
 }
 
 TEST(EscapedMarkup, KeepsPlainText) {

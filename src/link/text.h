@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+// Text that is formatted, converted, shortened or escaped. No GTK: the sentences are made from it,
+// and so are the labels that show them.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+
+struct GlibFree {
+    void operator()(char* text) const;
+};
+
+/// A text that GLib has allocated.
+using GlibText = std::unique_ptr<char, GlibFree>;
+
+/// Formats like printf. Numbers follow LC_NUMERIC, which start-up sets to "C". Text from outside
+/// is an argument, never the format.
+[[gnu::format(printf, 1, 2)]] std::string format_text(const char* format, ...);
+
+/// Converts a text of the user's locale, such as a month's name, to UTF-8; "" where it cannot be.
+std::string utf8_of_locale(std::string_view text);
+
+/// A text from outside as GTK can show it: valid UTF-8, and U+FFFD in the place of U+0000.
+std::string valid_utf8(std::string_view text);
+
+/// True for the second and later bytes of a UTF-8 character.
+constexpr bool is_continuation_byte(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
+/// Longest text from outside that a label shows, in bytes. Nobody reads more, and the layout of a
+/// megabyte takes seconds.
+inline constexpr std::size_t longest_shown_text = 131'072;
+
+/// Cuts a longer text after at most `most_bytes`, between two characters, and appends an ellipsis.
+/// `text` is valid UTF-8.
+std::string shortened(std::string_view text, std::size_t most_bytes = longest_shown_text);
+
+/// The same, but keeps the end of the text.
+std::string shortened_in_front(std::string_view text, std::size_t most_bytes = longest_shown_text);
+
+/// Shortens text and escapes it for Pango markup, control characters included. `text` is valid
+/// UTF-8, as all JSON is. U+0000 ends the text, as it does in GTK's labels: inside markup it would
+/// cut off the closing tags.
+std::string escaped_markup(std::string_view text);
