@@ -64,12 +64,13 @@ bool answer_without_display(std::string_view argument) {
         try {
             std::rethrow_exception(error);
         } catch (const std::exception& known) {
-            std::fprintf(stderr, "tarnwave-settings: %s\n", broken_contract(known.what()).c_str());
+            std::fprintf(stderr, "tarnwave-settings: %s\n",
+                         contract_error_message(known.what()).c_str());
             std::abort();
         } catch (...) {
         }
     }
-    std::fprintf(stderr, "tarnwave-settings: %s\n", broken_contract(message).c_str());
+    std::fprintf(stderr, "tarnwave-settings: %s\n", contract_error_message(message).c_str());
     std::abort();
 }
 // GCOVR_EXCL_STOP

@@ -35,8 +35,7 @@ gboolean poll_state(gpointer) {
         return G_SOURCE_CONTINUE;
     }
     json::value document = parse_reply(reply.body);
-    replace_object(status_object,
-                   std::move(required_object(as_object(document, "the state document"), "status")));
+    status_object = std::move(required_object(as_object(document, "the state document"), "status"));
     shown_document.clear();
     render_state();
     shown_document = std::move(reply.body);

@@ -1,25 +1,30 @@
 // SPDX-License-Identifier: MIT
 #include "link/json_access.h"
 
-#include <boost/json/monotonic_resource.hpp>
 #include <boost/json/parse.hpp>
 #include <boost/json/value.hpp>
 
 #include <cmath>
 #include <limits>
-#include <memory>
 
 json::object settings_object;
 json::object status_object;
 
 namespace {
 
-const char* current_step = nullptr;
-const char* last_strict_read = nullptr;
+/// What `contract_error_message` tells.
+struct {
+    const char* step = nullptr;
+    const char* failed_read = nullptr;
+} reading;
 
-/// Bytes of the first block of a document's arena for each byte of its text. Ours: a state
-/// document of twenty listeners then fits into one block.
-constexpr std::size_t arena_bytes_per_text_byte = 4;
+/// Runs a strict read. Its name is kept only when it throws.
+template <class Read> decltype(auto) read_strictly(const char* name, Read read) {
+    reading.failed_read = name;
+    decltype(auto) result = read();
+    reading.failed_read = nullptr;
+    return result;
+}
 
 template <class Object, class Value> Value* walk(Object& root, std::string_view key) {
     Object* object = &root;
@@ -53,12 +58,6 @@ template <class Integer> Integer clamped(double number) {
 }
 
 } // namespace
-
-void replace_object(json::object& target, json::object&& source) {
-    // Assignment would copy: the two hold their members in different memory.
-    std::destroy_at(&target);
-    std::construct_at(&target, std::move(source));
-}
 
 const json::value* find_path(const json::object& root, std::string_view dotted_key) {
     return walk<const json::object, const json::value>(root, dotted_key);
@@ -112,31 +111,35 @@ std::int64_t clamped_int64(double number) {
 }
 
 json::value parse_reply(std::string_view body) {
-    last_strict_read = "the text as JSON";
-    return json::parse(body, json::make_shared_resource<json::monotonic_resource>(
-                                 body.size() * arena_bytes_per_text_byte + 256));
+    return read_strictly("the text as JSON", [&] {
+        return json::parse({body.data(), body.size()});
+    });
 }
 
 const json::value& required_member(const json::object& object, const char* name) {
-    last_strict_read = name;
-    return object.at(name);
+    return read_strictly(
+        name, [&]() -> auto& { return object.at(name); });
+}
+
+json::value& required_member(json::object& object, const char* name) {
+    return read_strictly(
+        name, [&]() -> auto& { return object.at(name); });
 }
 
 const json::object& required_object(const json::object& object, const char* name) {
-    return required_member(object, name).as_object();
+    return as_object(required_member(object, name), name);
 }
 
 json::object& required_object(json::object& object, const char* name) {
-    last_strict_read = name;
-    return object.at(name).as_object();
+    return as_object(required_member(object, name), name);
 }
 
 const json::array& required_array(const json::object& object, const char* name) {
-    return required_member(object, name).as_array();
+    return as_array(required_member(object, name), name);
 }
 
 bool required_bool(const json::object& object, const char* name) {
-    return required_member(object, name).as_bool();
+    return as_bool(required_member(object, name), name);
 }
 
 bool optional_bool(const json::object& object, const char* name, bool otherwise) {
@@ -145,40 +148,36 @@ bool optional_bool(const json::object& object, const char* name, bool otherwise)
 }
 
 const json::object& as_object(const json::value& value, const char* what) {
-    last_strict_read = what;
-    return value.as_object();
+    return read_strictly(
+        what, [&]() -> auto& { return value.as_object(); });
 }
 
 json::object& as_object(json::value& value, const char* what) {
-    last_strict_read = what;
-    return value.as_object();
+    return read_strictly(
+        what, [&]() -> auto& { return value.as_object(); });
 }
 
 const json::array& as_array(const json::value& value, const char* what) {
-    last_strict_read = what;
-    return value.as_array();
+    return read_strictly(
+        what, [&]() -> auto& { return value.as_array(); });
 }
 
 bool as_bool(const json::value& value, const char* what) {
-    last_strict_read = what;
-    return value.as_bool();
+    return read_strictly(what, [&] { return value.as_bool(); });
 }
 
-ReadingStep::ReadingStep(const char* step) : outer_{current_step} {
-    current_step = step;
+ReadingStep::ReadingStep(const char* step) : outer_{reading.step} {
+    reading = {step, nullptr};
 }
 
 ReadingStep::~ReadingStep() {
-    current_step = outer_;
+    reading = {outer_, nullptr};
 }
 
-std::string broken_contract(const char* library_message) {
-    // Without a document at hand the fault is not the service's.
-    if (!current_step)
+std::string contract_error_message(const char* library_message) {
+    // Without a read that failed, the fault is not the service's.
+    if (!reading.step || !reading.failed_read)
         return std::string{"stopped by an unexpected error ("} + library_message + ").";
-    std::string sentence = "the Tarnwave service sent a reply that this program cannot use, while ";
-    sentence.append(current_step);
-    if (last_strict_read)
-        sentence.append(": cannot read ").append(last_strict_read);
-    return sentence.append(" (").append(library_message).append(").");
+    return std::string{"the Tarnwave service sent a reply that this program cannot use, while "} +
+           reading.step + ": cannot read " + reading.failed_read + " (" + library_message + ").";
 }

@@ -3,8 +3,8 @@
 //
 // Lenient accessors never fail: what is missing or of another kind is nothing, "" or 0. Strict
 // accessors throw what the JSON library throws; nobody between them and the main loop catches it,
-// so a document that breaks the service's contract ends the program, and `broken_contract` says
-// in words which member was at fault.
+// so a document that breaks the service's contract ends the program, and `contract_error_message`
+// says in words which member was at fault.
 #pragma once
 
 #include <boost/json/fwd.hpp>
@@ -22,9 +22,6 @@ extern json::object settings_object;
 /// The `status` member of the last state document; empty before the first. Replaced whole, by
 /// `load_form` and `poll_state` only.
 extern json::object status_object;
-
-/// Makes `target` the object `source`, memory and all, without copying its members.
-void replace_object(json::object& target, json::object&& source);
 
 /// Finds the value at a dotted key such as "station.name", one object level per segment. Returns
 /// null when there is none. A full stop at the end is ignored, an empty key finds nothing, an
@@ -55,13 +52,13 @@ std::int32_t clamped_int32(double number);
 std::int64_t clamped_int64(double number);
 
 /// Parses a whole reply body: standard JSON, valid UTF-8, at most 32 levels deep. Throws on
-/// anything else, the empty text included. The value keeps the memory it was parsed into, which
-/// is given back in one piece with it.
+/// anything else, the empty text included.
 json::value parse_reply(std::string_view body);
 
 /// Strict access. Each throws when the member is missing or has another kind. `name` must outlive
-/// the call: the sentence of `broken_contract` reads it after a failure.
+/// the call: `contract_error_message` reads it after a failure.
 const json::value& required_member(const json::object& object, const char* name);
+json::value& required_member(json::object& object, const char* name);
 const json::object& required_object(const json::object& object, const char* name);
 json::object& required_object(json::object& object, const char* name);
 const json::array& required_array(const json::object& object, const char* name);
@@ -70,15 +67,15 @@ bool required_bool(const json::object& object, const char* name);
 /// A boolean that may be missing (then `otherwise`) but has no other kind: throws on one.
 bool optional_bool(const json::object& object, const char* name, bool otherwise);
 
-/// Reads a value that is the element of an array or the root of a document, named in words for
-/// `broken_contract`. Throws when it is of another kind.
+/// Reads the root of a document or the element of an array, which `what` names in words for
+/// `contract_error_message`. Throws when it is of another kind.
 const json::object& as_object(const json::value& value, const char* what);
 json::object& as_object(json::value& value, const char* what);
 const json::array& as_array(const json::value& value, const char* what);
 bool as_bool(const json::value& value, const char* what);
 
-/// Says what the program is doing with a document, for `broken_contract`. The innermost one that
-/// is alive counts; one that an error left unwound still does.
+/// Says what the program is doing with a document while the object exists. Of several, the
+/// innermost counts.
 class ReadingStep {
 public:
     explicit ReadingStep(const char* step);
@@ -90,7 +87,6 @@ private:
     const char* outer_;
 };
 
-/// One sentence for a person: at which step the service's reply broke the contract, and which
-/// member did; outside every step, that it was another error. Meant for the moment in which an
-/// error of the strict accessors ends the program.
-std::string broken_contract(const char* library_message);
+/// One sentence for a person, for the moment in which an error ends the program: at which step a
+/// strict read failed and of what, or that it was another error.
+std::string contract_error_message(const char* library_message);

@@ -27,8 +27,7 @@ void write_field(json::value& target, const FieldValue& field) {
 
 /// The member of a member, to be written over. Throws when it is missing.
 json::value& required_place(json::object& root, const char* outer, const char* inner) {
-    required_member(required_object(root, outer), inner); // says which one is missing
-    return root.at(outer).as_object().at(inner);
+    return required_member(required_object(root, outer), inner);
 }
 
 std::string ascii_upper(std::string text) {
@@ -62,8 +61,7 @@ void make_finite(json::value& value) {
 
 json::object settings_body(const json::object& loaded, const FormValues& form,
                            const std::vector<Receiver>& receivers) {
-    // With memory of its own: the loaded object's may belong to the reply it came with.
-    json::object body(loaded, json::storage_ptr{});
+    json::object body = loaded;
     for (const FieldValue& field : form.fields)
         if (json::value* found = find_path(body, field.key))
             write_field(*found, field);

@@ -233,15 +233,6 @@ TEST(ParseReply, ThrowsOnEverythingElse) {
     }
 }
 
-TEST(ReplaceObject, TakesTheMemoryAlongWithTheMembers) {
-    json::object target = object_of(R"({"old": 1})");
-    {
-        json::value reply = parse_reply(R"({"settings": {"station": {"name": "Hilltop"}}})");
-        replace_object(target, std::move(reply.as_object().at("settings").as_object()));
-    }
-    EXPECT_EQ(target, object_of(R"({"station": {"name": "Hilltop"}})"));
-}
-
 TEST(StrictAccess, GivesWhatIsThere) {
     const json::object object =
         object_of(R"({"object": {"a": 1}, "array": [1, 2], "bool": true, "off": false})");
@@ -289,37 +280,50 @@ TEST(StrictAccess, ThrowsForEveryOtherKind) {
     }
 }
 
-TEST(BrokenContract, NamesTheStepAndTheMember) {
+TEST(ContractErrorMessage, NamesTheStepAndTheMember) {
     const ReadingStep step{"loading the form"};
     EXPECT_THROW(required_object(json::object{}, "settings"), std::exception);
-    EXPECT_EQ(broken_contract("out of range"),
+    EXPECT_EQ(contract_error_message("out of range"),
               "the Tarnwave service sent a reply that this program cannot use, while loading the "
               "form: cannot read settings (out of range).");
 }
 
-TEST(BrokenContract, NamesTheInnermostStepThatIsAlive) {
+TEST(ContractErrorMessage, NamesTheInnermostStepThatIsAlive) {
     const ReadingStep outer{"loading the form"};
     {
         const ReadingStep inner{"drawing the listeners"};
         EXPECT_THROW(required_bool(json::object{}, "relayed"), std::exception);
-        EXPECT_EQ(broken_contract("why"),
+        EXPECT_EQ(contract_error_message("why"),
                   "the Tarnwave service sent a reply that this program cannot use, while drawing "
                   "the listeners: cannot read relayed (why).");
     }
     EXPECT_THROW(as_array(json::value{}, "the devices"), std::exception);
-    EXPECT_EQ(broken_contract("why"),
+    EXPECT_EQ(contract_error_message("why"),
               "the Tarnwave service sent a reply that this program cannot use, while loading the "
               "form: cannot read the devices (why).");
 }
 
-TEST(BrokenContract, SaysWhenTheTextIsNoJson) {
+TEST(ContractErrorMessage, SaysWhenTheTextIsNoJson) {
     const ReadingStep step{"loading the form"};
     EXPECT_THROW(parse_reply("<html>"), std::exception);
-    EXPECT_EQ(broken_contract("syntax error"),
+    EXPECT_EQ(contract_error_message("syntax error"),
               "the Tarnwave service sent a reply that this program cannot use, while loading the "
               "form: cannot read the text as JSON (syntax error).");
 }
 
-TEST(BrokenContract, DoesNotBlameTheServiceOutsideEveryStep) {
-    EXPECT_EQ(broken_contract("bad alloc"), "stopped by an unexpected error (bad alloc).");
+TEST(ContractErrorMessage, BlamesNoMemberThatWasReadWell) {
+    const ReadingStep step{"loading the form"};
+    EXPECT_TRUE(required_bool(object_of(R"({"broker": true})"), "broker"));
+    EXPECT_EQ(contract_error_message("bad alloc"), "stopped by an unexpected error (bad alloc).");
+}
+
+TEST(ContractErrorMessage, ForgetsAFailureOfAnEarlierStep) {
+    EXPECT_THROW(parse_reply(""), std::exception);
+    const ReadingStep step{"loading the form"};
+    EXPECT_EQ(contract_error_message("bad alloc"), "stopped by an unexpected error (bad alloc).");
+}
+
+TEST(ContractErrorMessage, DoesNotBlameTheServiceOutsideEveryStep) {
+    EXPECT_THROW(parse_reply(""), std::exception);
+    EXPECT_EQ(contract_error_message("bad alloc"), "stopped by an unexpected error (bad alloc).");
 }

@@ -341,5 +341,5 @@ TEST(StationState, LinksToTheWayThatListenersTake) {
 TEST(StationStateContract, NamesTheWishToBeListedWhenItIsNoBoolean) {
     const ReadingStep step{"loading the form"};
     EXPECT_THROW(derive(R"({"directory": {"listed": "yes"}})", status_with("{}")), std::exception);
-    EXPECT_NE(broken_contract("").find("cannot read directory.listed ("), std::string::npos);
+    EXPECT_NE(contract_error_message("").find("cannot read directory.listed ("), std::string::npos);
 }

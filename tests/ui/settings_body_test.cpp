@@ -111,7 +111,7 @@ TEST(SettingsBody, OutlivesTheReplyThatItCameFrom) {
     json::object body;
     {
         json::object settings;
-        replace_object(settings, std::move(parse_reply(loaded_text).as_object()));
+        settings = std::move(parse_reply(loaded_text).as_object());
         json::object made = settings_body(settings, loaded_form(), {});
         EXPECT_EQ(*made.storage(), *json::storage_ptr{});
         body = std::move(made);
@@ -234,12 +234,14 @@ TEST(SettingsBody, ThrowsWithoutTheMembersThatItWritesInPlace) {
         json::object without_member = loaded();
         without_member.at(outer).as_object().erase(inner);
         EXPECT_THROW(settings_body(without_member, loaded_form(), {}), std::exception);
-        EXPECT_NE(broken_contract("").find(std::string{"cannot read "} + inner), std::string::npos);
+        EXPECT_NE(contract_error_message("").find(std::string{"cannot read "} + inner),
+                  std::string::npos);
 
         json::object without_object = loaded();
         without_object.erase(outer);
         EXPECT_THROW(settings_body(without_object, loaded_form(), {}), std::exception);
-        EXPECT_NE(broken_contract("").find(std::string{"cannot read "} + outer), std::string::npos);
+        EXPECT_NE(contract_error_message("").find(std::string{"cannot read "} + outer),
+                  std::string::npos);
 
         json::object other_kind = loaded();
         other_kind[outer] = "text";
