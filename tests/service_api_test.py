@@ -22,8 +22,9 @@ import jsonschema
 import yaml
 
 HERE = os.path.dirname(os.path.abspath(__file__))
-sys.path.insert(0, os.path.join(HERE, "simulator"))
+sys.path[:0] = [os.path.join(HERE, "simulator"), os.path.join(HERE, "support")]
 from simulator_process import Simulator
+from stand_in_service import REQUESTS
 
 PROGRAM = None
 API_FILE = os.path.join(HERE, "..", "docs", "service-api.yaml")
@@ -244,6 +245,14 @@ class Document(unittest.TestCase):
                       for parameter in operation["parameters"]}
             self.assertEqual(fields, {"Host": "tarnwave", "X-Tarnwave": "1",
                                       "Content-Type": "application/json"}, f"{method} {target}")
+
+
+    def test_the_service_of_the_tests_answers_every_request_as_described(self):
+        self.assertEqual({f"{method} {target}" for target, method, _ in operations()},
+                         REQUESTS.keys(), "tests/support/stand_in_service.py")
+        for key, request in REQUESTS.items():
+            with self.subTest(key):
+                self.assertEqual(faults(reply_schema(*key.split(" "), 200), request.reply), [])
 
 
 class Scenarios(unittest.TestCase):

@@ -5,9 +5,6 @@
 #include "link/build_constants.h"
 #include "link/json_access.h"
 #include "link/service_link.h"
-#include "support/bad_connection.h"
-#include "support/faults.h"
-#include "support/time_limits.h"
 #include "support/toplevels.h"
 #include "support/window_fixture.h"
 
@@ -258,29 +255,6 @@ TEST_F(StartUp, AsksAboutTheOwnerWhenOnlyTheSocketsFileIsThere) {
     answer_next_dialog(GTK_RESPONSE_DELETE_EVENT);
     EXPECT_EQ(run({}), 1);
     EXPECT_EQ(dialogs.size(), 1U);
-}
-
-TEST_F(StartUp, MeetsEveryFaultAtTheFirstContact) {
-    for (const Fault& fault : faults()) {
-        SCOPED_TRACE(testing::Message() << fault);
-        dialogs.clear();
-        if (fault.connection.empty())
-            service.next_connection(steps_of(fault, json::serialize(state_document())));
-        shorter_time_limit_ms = fault.limit_ms;
-        const BadConnection bad{service.socket_path(), fault.connection};
-        if (fault.status == 200) {
-            // Whatever it holds: the form has a request of its own.
-            EXPECT_EQ(run({}), 0);
-            EXPECT_TRUE(was_in_main_loop);
-        } else {
-            answer_next_dialog(GTK_RESPONSE_CLOSE);
-            EXPECT_EQ(run({}), 1);
-            ASSERT_EQ(dialogs.size(), 1U);
-            EXPECT_EQ(dialogs[0].type,
-                      fault.connection == "absent" ? GTK_MESSAGE_ERROR : GTK_MESSAGE_QUESTION);
-        }
-        shorter_time_limit_ms = 0;
-    }
 }
 
 TEST_F(StartUp, GoesOnWithANewOwner) {

@@ -142,7 +142,7 @@ class Spoken(Case):
         service = self.scripted_service()
         program = self.open()
         self.wait_until_said(f"On the air · 1 receiver · 0 of 20 listening · listed on {HOST}")
-        service.answers("GET", "/api/state", 500, {"error": "Oops."})
+        service.answers("GET /api/state", 500, {"error": "Oops."})
         program.poll()
         self.wait_until_said("The Tarnwave service is not answering")
 

@@ -32,7 +32,7 @@ from gi.repository import Atspi, GLib  # noqa: E402 (the version comes first)
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "tests" / "support"))
-from received_request import received_request  # noqa: E402 (the path comes first)
+from stand_in_service import StandInService, reply_bytes  # noqa: E402 (the path comes first)
 
 BUILD = pathlib.Path(os.environ.get("TARNWAVE_BUILD", ROOT / "build" / "test"))
 PROGRAM = BUILD / "src" / "tarnwave-settings"
@@ -258,8 +258,8 @@ class Station:
         lines = re.findall(r"^([A-Z]+) (/\S+) (\d+)$", self.log_path.read_text(), re.MULTILINE)
         return [(method, target, int(status)) for method, target, status in lines]
 
-    def count(self, method, target):
-        return sum(1 for request in self.requests() if request[:2] == (method, target))
+    def count(self, key):
+        return sum(1 for method, target, _ in self.requests() if f"{method} {target}" == key)
 
     def bodies(self, name):
         """The bodies of one kind of request, in order: name is like "PUT-settings"."""
@@ -282,61 +282,34 @@ class ScriptedService:
     """A station service that answers word for word what a test tells it to."""
 
     def __init__(self, socket_path):
-        self.requests = []
         self.gate = threading.Event()  # closed: answers wait for it
         self.gate.set()
         self._path = socket_path
         self._answers = {}
-        self._listener = socket.socket(socket.AF_UNIX)
-        self._listener.bind(str(socket_path))
-        self._listener.listen(16)
-        self._thread = threading.Thread(target=self._serve, daemon=True)
-        self._thread.start()
+        self._service = StandInService(socket_path, self._answer)
+        self.requests = self._service.requests
 
-    def answers(self, method, target, status, document):
-        """From now on. `document` is sent as JSON, or as it is when it is a text."""
-        self.answers_in_turn(method, target, [(status, document)])
+    def answers(self, key, status, document):
+        """From now on, for requests like "GET /api/state"."""
+        self.answers_in_turn(key, [(status, document)])
 
-    def answers_in_turn(self, method, target, answers):
+    def answers_in_turn(self, key, answers):
         """One answer after the other; the last one stays."""
-        self._answers[method, target] = [
-            (status, (document if isinstance(document, str) else json.dumps(document)).encode())
-            for status, document in answers]
+        self._answers[key] = list(answers)
 
-    def count(self, method, target):
-        return sum(1 for r in self.requests if (r.method, r.target) == (method, target))
+    def count(self, key):
+        return sum(1 for request in self.requests if request.key == key)
 
     def stop(self):
-        if self._listener.fileno() < 0:
-            return
-        self.gate.set()
-        os.unlink(self._path)
-        self._listener.shutdown(socket.SHUT_RDWR)
-        self._thread.join(DEADLINE)
-        self._listener.close()
+        if os.path.exists(self._path):
+            self.gate.set()
+            os.unlink(self._path)
+            self._service.stop()
 
-    def _serve(self):
-        while True:
-            try:
-                connection, _ = self._listener.accept()
-            except OSError:
-                return
-            with connection:
-                try:
-                    self._answer(connection)
-                except OSError:  # the program went away
-                    pass
-
-    def _answer(self, connection):
-        request = received_request(connection)
-        if request is None:
-            return
-        self.requests.append(request)
+    def _answer(self, request):
         self.gate.wait(DEADLINE)
-        answers = self._answers[request.method, request.target]
-        status, reply = answers.pop(0) if len(answers) > 1 else answers[0]
-        connection.sendall(b"HTTP/1.1 %d Scripted\r\nContent-Type: application/json\r\n"
-                           b"Content-Length: %d\r\n\r\n%s" % (status, len(reply), reply))
+        answers = self._answers[request.key]
+        return reply_bytes(*(answers.pop(0) if len(answers) > 1 else answers[0]))
 
 
 def state_document():
@@ -775,7 +748,7 @@ class Case(unittest.TestCase):
         """A service that answers the state with this document, and nothing else yet."""
         service = ScriptedService(self.socket_path)
         self.addCleanup(service.stop)
-        service.answers("GET", "/api/state", 200, document or state_document())
+        service.answers("GET /api/state", 200, document or state_document())
         return service
 
     def start(self, *arguments, wrapper=(), **environment):

@@ -41,13 +41,13 @@ class Reach(Case):
         status = document["status"]
         status["directory"]["reachable"] = False
         status["https"] = {"state": "failed", "error": "No name yet."}
-        service.answers("GET", "/api/state", 200, document)
+        service.answers("GET /api/state", 200, document)
         program.poll().wait_for_label(f"✗ {HOST} could not reach the station at "
                                       "203.0.113.17:8073. Check the port forward.")
         program.wait_for_label("✗ No certificate yet: No name yet. Trying again later.")
         program.wait_for_label(f"Checked in. Listed as soon as {HOST} can reach the station.")
         status["directory"] = {"state": "check-in failed", "error": "Timed out."}
-        service.answers("GET", "/api/state", 200, document)
+        service.answers("GET /api/state", 200, document)
         program.poll().wait_for_label(f"Cannot reach {HOST}: Timed out.")
         self.assertEqual(program.header(), "On the air · 1 receiver · 0 of 20 listening · cannot "
                                            f"reach {HOST}")
@@ -91,7 +91,7 @@ class Registration(Case):
             with self.subTest(wrong=wrong):
                 program.type_into(EMAIL, wrong).press("Register this station")
                 program.wait_for_footer("Enter your email address.")
-        self.assertEqual(station.count("POST", "/api/register"), 0)
+        self.assertEqual(station.count("POST /api/register"), 0)
         self.assertFalse(program.is_unsaved())
 
     def test_enter_in_the_address_registers(self):
@@ -140,19 +140,19 @@ class Registration(Case):
         document["settings"]["directory"].update(id="", email="")
         document["status"]["directory"] = {"state": "not registered"}
         service = self.scripted_service(document)
-        service.answers("POST", "/api/register", 409, {"error": "Not today."})
+        service.answers("POST /api/register", 409, {"error": "Not today."})
         program = self.open("internet")
         program.toggle("I understand", Role.CHECK_BOX)
         program.type_into(EMAIL, "owner@k1abc.example")
         button = program.focus(program.field(Role.PUSH_BUTTON, "Register this station"))
         service.gate.clear()
         program.keys("space", "space")
-        wait_for(lambda: service.count("POST", "/api/register") == 1, "the request")
+        wait_for(lambda: service.count("POST /api/register") == 1, "the request")
         service.gate.set()
         program.wait_for_footer("Not registered: Not today.")
         wait_for(lambda: has_state(button, State.SENSITIVE), "the button to come back")
         program.poll()
-        self.assertEqual(service.count("POST", "/api/register"), 1)
+        self.assertEqual(service.count("POST /api/register"), 1)
 
 
 class Listing(Case):

@@ -71,7 +71,7 @@ class Checklist(Page):
         self.assertEqual(len(buttons), 3)
         program.focus(buttons[0])
         document["status"]["receivers"] = state_document()["status"]["receivers"]
-        service.answers("GET", "/api/state", 200, document)
+        service.answers("GET /api/state", 200, document)
         program.poll()
         wait_for(lambda: program.header().startswith("On the air"), "the receiver on the air")
         self.assertEqual(program.focused().get_name(), "Go there →")
@@ -116,7 +116,7 @@ class OnTheAir(Page):
         program = self.open()
         at = extents(program.get(Role.PUSH_BUTTON, "Copy link"))
         xdotool("mousemove", at.x + at.width // 2, at.y + at.height // 2, "mousedown", 1)
-        service.answers("GET", "/api/state", 200, listeners(listener(2, "203.0.113.8")))
+        service.answers("GET /api/state", 200, listeners(listener(2, "203.0.113.8")))
         program.poll()
         wait_for(lambda: [row[0] for row in self.rows(program)] == ["2"], "the poll's news")
         xdotool("mouseup", 1)
@@ -197,12 +197,12 @@ class Listeners(Page):
                                                   listener(2, "203.0.113.2")))
         program = self.open()
         self.select(program, 1)
-        service.answers("GET", "/api/state", 200, listeners(listener(2, "203.0.113.2"),
+        service.answers("GET /api/state", 200, listeners(listener(2, "203.0.113.2"),
                                                             listener(3, "203.0.113.3")))
         program.poll()
         wait_for(lambda: [r[0] for r in self.rows(program)] == ["2", "3"], "the news")
         self.assertEqual(self.selected(program), [0])
-        service.answers("GET", "/api/state", 200, listeners(listener(3, "203.0.113.3")))
+        service.answers("GET /api/state", 200, listeners(listener(3, "203.0.113.3")))
         program.poll()
         wait_for(lambda: [r[0] for r in self.rows(program)] == ["3"], "the listener to leave")
         self.assertEqual(self.selected(program), [])
@@ -218,7 +218,7 @@ class Listeners(Page):
         # A cell that is out of view has no place on the screen.
         wait_for(lambda: extents(last).y > 0, "the last row in view")
         before = extents(last).y
-        service.answers("GET", "/api/state", 200, listeners(
+        service.answers("GET /api/state", 200, listeners(
             *everybody[:20], *[dict(other, seconds=80) for other in everybody[20:]]))
         program.poll()
         wait_for(lambda: self.rows(program)[39][3] == "1:20", "the news")
@@ -239,9 +239,9 @@ class Health(Page):
     def test_an_error_counts_as_no_answer_and_the_clock_brings_the_news(self):
         service = self.scripted_service()
         program = self.open()
-        service.answers("GET", "/api/state", 500, {"error": "Oops."})
+        service.answers("GET /api/state", 500, {"error": "Oops."})
         program.wait_for_header("The Tarnwave service is not answering")
-        service.answers("GET", "/api/state", 200, state_document())
+        service.answers("GET /api/state", 200, state_document())
         program.wait_for_header(
             f"On the air · 1 receiver · 0 of 20 listening · listed on {HOST}")
 

@@ -67,7 +67,7 @@ class FindDevices(Case):
 
     def test_an_rx888_has_no_frequencies_to_choose(self):
         service = self.scripted_service()
-        service.answers("GET", "/api/devices", 200, [
+        service.answers("GET /api/devices", 200, [
             {"backend": "rx888", "serial": "0009072C00D6", "model": "RX-888", "available": True}])
         program = self.open("receivers")
         program.press("Find devices").wait_for_label("1 found, 1 new: switch on the ones to share.")
@@ -77,18 +77,18 @@ class FindDevices(Case):
 
     def test_the_button_is_insensitive_while_the_service_looks(self):
         service = self.scripted_service()
-        service.answers("GET", "/api/devices", 200, [])
+        service.answers("GET /api/devices", 200, [])
         program = self.open("receivers")
         button = program.get(Role.PUSH_BUTTON, "Find devices")
         program.focus(button)
         service.gate.clear()
         # A second press waits in the queue and finds the button insensitive.
         program.keys("space", "space")
-        wait_for(lambda: service.count("GET", "/api/devices") == 1, "the request")
+        wait_for(lambda: service.count("GET /api/devices") == 1, "the request")
         service.gate.set()
         wait_for(lambda: has_state(button, State.SENSITIVE), "the button to come back")
         program.poll()
-        self.assertEqual(service.count("GET", "/api/devices"), 1)
+        self.assertEqual(service.count("GET /api/devices"), 1)
 
 
 class Ranges(Case):

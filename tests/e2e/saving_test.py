@@ -27,15 +27,15 @@ class Saving(Case):
     def test_ctrl_s_on_an_unchanged_form_sends_nothing(self):
         station = self.station("quiet")
         program = self.open("station")
-        polls = station.count("GET", "/api/state")
+        polls = station.count("GET /api/state")
         program.keys("ctrl+s").poll()
-        wait_for(lambda: station.count("GET", "/api/state") > polls, "the poll")
-        self.assertEqual(station.count("PUT", "/api/settings"), 0)
+        wait_for(lambda: station.count("GET /api/state") > polls, "the poll")
+        self.assertEqual(station.count("PUT /api/settings"), 0)
         self.assertEqual(program.footer(), "")
 
     def test_a_refusal_is_shown_and_keeps_the_edits(self):
         service = self.scripted_service()
-        service.answers("PUT", "/api/settings", 409, {"error": "The port is taken."})
+        service.answers("PUT /api/settings", 409, {"error": "The port is taken."})
         program = self.open("station")
         program.type_into("Operator", "Sam").press("Save changes")
         program.wait_for_footer("Not saved: The port is taken.")
@@ -61,9 +61,9 @@ class Saving(Case):
         station = self.station("quiet")
         program = self.open("station")
         program.type_into("Operator", "Sam")
-        polls = station.count("GET", "/api/state")
+        polls = station.count("GET /api/state")
         program.poll()
-        wait_for(lambda: station.count("GET", "/api/state") > polls, "the poll")
+        wait_for(lambda: station.count("GET /api/state") > polls, "the poll")
         self.assertEqual(program.text_of("Operator"), "Sam")
         self.assertTrue(program.is_unsaved())
 
@@ -208,12 +208,12 @@ class Keys(Case):
     def test_f5_asks_at_once(self):
         service = self.scripted_service()
         program = self.open()
-        before, start = service.count("GET", "/api/state"), time.monotonic()
+        before, start = service.count("GET /api/state"), time.monotonic()
         program.keys("F5", "F5", "F5", "F5", "F5")
 
         def polls_by_the_clock():
             return (time.monotonic() - start) // 3 + 1
-        wait_for(lambda: service.count("GET", "/api/state") - before > polls_by_the_clock(),
+        wait_for(lambda: service.count("GET /api/state") - before > polls_by_the_clock(),
                  "more polls than the clock alone can bring")
 
     def test_ctrl_question_mark_shows_the_shortcuts_and_escape_hides_them(self):

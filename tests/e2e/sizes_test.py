@@ -106,9 +106,9 @@ class LongTexts(Sizes):
         self.assertEqual(self.size(program), (1000, 780))
         # Five polls and a page within the time that the window is given for anything. One run of
         # so many letters, laid out in one piece, takes minutes.
-        before = service.count("GET", "/api/state")
+        before = service.count("GET /api/state")
         program.keys("F5", "F5", "F5", "F5", "F5", "ctrl+2")
-        wait_for(lambda: service.count("GET", "/api/state") >= before + 5, "the polls")
+        wait_for(lambda: service.count("GET /api/state") >= before + 5, "the polls")
         wait_for(lambda: program.shown_page() == "station", "the page")
         self.assertEqual(self.size(program), (1000, 780))
 

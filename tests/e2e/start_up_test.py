@@ -98,17 +98,17 @@ class Owner(Case):
         program.answer("Make me the owner")
         self.assertEqual((program.wait_for_end(), program.errors()), (1, ""))
         self.assertEqual(self.commands("pkexec"), ["pkexec /usr/lib/tarnwave/set-owner"])
-        self.assertEqual(station.count("GET", "/api/state"), 1)
+        self.assertEqual(station.count("GET /api/state"), 1)
 
     def test_a_service_that_refuses_again_brings_the_question_back(self):
         self.stand_in("pkexec", "exit 0\n")
         service = self.scripted_service()
         refusal = (403, {"error": "Only the station owner may use this station."})
         # The try after the change is accepted, the probe that follows it is not.
-        service.answers_in_turn("GET", "/api/state", [refusal, (200, state_document()), refusal])
+        service.answers_in_turn("GET /api/state", [refusal, (200, state_document()), refusal])
         program = self.start()
         program.answer("Make me the owner")
-        wait_for(lambda: service.count("GET", "/api/state") == 3, "the second probe")
+        wait_for(lambda: service.count("GET /api/state") == 3, "the second probe")
         self.assertEqual(program.dialog_texts()[0], self.PRIMARY)
         program.answer("Close")
         self.assertEqual((program.wait_for_end(), program.errors()), (1, ""))
@@ -158,7 +158,7 @@ class Broker(Case):
         for first in (text, missing, [], "no JSON"):
             with self.subTest(first=first):
                 service = self.scripted_service()
-                service.answers_in_turn("GET", "/api/state",
+                service.answers_in_turn("GET /api/state",
                                         [(200, first), (200, state_document())])
                 program = self.open()
                 self.assertEqual(self.commands("systemctl"), [])
@@ -238,46 +238,46 @@ class BrokenDocuments(Case):
         for when, document in cases.items():
             with self.subTest(when):
                 service = self.scripted_service()
-                service.answers("GET", "/api/state", 200, document)
+                service.answers("GET /api/state", 200, document)
                 self.assert_ends_with_a_sentence(self.start())
                 service.stop()
 
     def test_a_poll_that_brings_an_array_ends_the_program(self):
         service = self.scripted_service()
         program = self.open()
-        service.answers("GET", "/api/state", 200, [])
+        service.answers("GET /api/state", 200, [])
         self.assert_ends_with_a_sentence(program)
 
     def test_a_refused_save_without_a_reason_ends_the_program(self):
         service = self.scripted_service()
-        service.answers("PUT", "/api/settings", 409, {})
+        service.answers("PUT /api/settings", 409, {})
         program = self.open("station")
         program.type_into("Operator", "Alex").keys("ctrl+s")
         self.assert_ends_with_a_sentence(program)
 
 
 class Exchange(Case):
-    HEADER = ["Host: tarnwave", "X-Tarnwave: 1", "Content-Type: application/json"]
+    HEADER = [("Host", "tarnwave"), ("X-Tarnwave", "1"), ("Content-Type", "application/json")]
 
     def test_requests_carry_exactly_the_fields_of_the_contract(self):
         service = self.scripted_service()
-        service.answers("PUT", "/api/settings", 200, {"restart": False})
+        service.answers("PUT /api/settings", 200, {"restart": False})
         program = self.open("station")
         program.type_into("Operator", "Alex").save()
-        state, save = (next(r for r in service.requests if r.method == method)
+        state, save = (next(r for r in service.requests if r.command == method)
                        for method in ("GET", "PUT"))
-        self.assertEqual((state.line, state.fields, state.body),
+        self.assertEqual((state.requestline, state.headers.items(), state.body),
                          ("GET /api/state HTTP/1.1", self.HEADER, b""))
-        self.assertEqual((save.line, save.fields),
+        self.assertEqual((save.requestline, save.headers.items()),
                          ("PUT /api/settings HTTP/1.1",
-                          [*self.HEADER, f"Content-Length: {len(save.body)}"]))
+                          [*self.HEADER, ("Content-Length", f"{len(save.body)}")]))
         program.quit()
 
     def test_the_window_is_drawn_before_a_slow_service_has_answered(self):
         service = self.scripted_service()
         service.gate.clear()
         program = self.start()
-        wait_for(lambda: service.count("GET", "/api/state") == 1, "the first request")
+        wait_for(lambda: service.count("GET /api/state") == 1, "the first request")
         shot = self.folder / "first.png"
         picture(shot, program.window_id())
         colours = subprocess.run(["identify", "-format", "%k", shot], capture_output=True,

@@ -7,14 +7,7 @@
 //     poll, save, find, register, end, block, close      as the user or the timer would
 //     edit TEXT       types the station's name
 //     answer NUMBER   gives the next dialog this response; its texts are the answer
-//     limit MS        sends and receives are given up after so long; 0: when the program says so
-//     connection WAY [FINE] [once]
-//                     connections to the service end up so (support/bad_connection.h), after so
-//                     many fine ones, and once only; without a way all is well again
-// The last two may stand in TARNWAVE_TEST_START too, for the program's first request.
-#include "support/bad_connection.h"
 #include "support/real_window.h"
-#include "support/time_limits.h"
 
 #include <boost/json.hpp>
 #include <unistd.h>
@@ -24,7 +17,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
-#include <optional>
 #include <string_view>
 
 namespace json = boost::json;
@@ -41,7 +33,6 @@ constexpr guint look_interval_ms = 5;
 GSourceFunc program_poll = nullptr;
 gpointer program_data = nullptr;
 std::deque<int> responses;
-constinit std::optional<BadConnection> bad_connection;
 
 void say(const json::object& answer) {
     std::printf("%s\n", json::serialize(answer).c_str());
@@ -104,27 +95,6 @@ std::string_view next_word(std::string_view& line) {
     return word;
 }
 
-/// What needs no window. False when the line is something else.
-bool prepare(std::string_view line) {
-    const std::string_view verb = next_word(line);
-    if (verb == "limit") {
-        shorter_time_limit_ms = number_in(line);
-    } else if (verb == "connection") {
-        bad_connection.reset();
-        const std::string_view way = next_word(line);
-        if (!way.empty()) {
-            const long fine_before = number_in(next_word(line));
-            bad_connection.emplace(required_variable("TARNWAVE_SETTINGS_SOCKET"), way,
-                                   static_cast<int>(fine_before));
-            if (next_word(line) == "once")
-                bad_connection->end_once_met();
-        }
-    } else {
-        return false;
-    }
-    return true;
-}
-
 void obey(std::string_view line) {
     std::string_view words = line;
     const std::string_view verb = next_word(words);
@@ -132,10 +102,6 @@ void obey(std::string_view line) {
     if (verb == "answer") {
         responses.push_back(static_cast<int>(number_in(rest)));
         g_timeout_add(look_interval_ms, answer_dialog, nullptr);
-        return;
-    }
-    if (prepare(line)) {
-        report();
         return;
     }
     if (verb == "poll")
@@ -180,12 +146,6 @@ gboolean report_once(gpointer) {
 }
 
 __attribute__((constructor)) void listen_to_commands() {
-    if (const char* lines = std::getenv("TARNWAVE_TEST_START"))
-        for (std::string_view rest = lines; !rest.empty();) {
-            const std::string_view line = rest.substr(0, rest.find('\n'));
-            rest.remove_prefix(std::min(line.size() + 1, rest.size()));
-            prepare(line);
-        }
     // The commands that the program runs are left alone.
     unsetenv("LD_PRELOAD");
     GIOChannel* channel = g_io_channel_unix_new(STDIN_FILENO);

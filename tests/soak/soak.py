@@ -2,27 +2,25 @@
 # SPDX-License-Identifier: MIT
 """Runs the real program through thousands of polls and holds that what it uses stays flat.
 
-soak.py PROGRAM LIBRARY POLLS [--faults]: the library is the preloaded hurry.cpp. The service is in
-here: each state document differs in its listeners, receivers, relay and certificate, except while
-the quiet file is there. With --faults a third of its answers are none, each kind of request meets
-one fault after the other, and the program has to live on. Needs a display (scripts/soak brings
-one).
+soak.py PROGRAM LIBRARY POLLS [--faults]: the library is the preloaded hurry.cpp. Each state
+document differs in its listeners, receivers, relay and certificate, except while the quiet file is
+there. With --faults each kind of request meets, one after the other, the faults of faults.json that
+must not end the program. Needs a display (scripts/soak brings one).
 """
 import copy
 import json
 import os
 import random
 import signal
-import socketserver
 import statistics
 import subprocess
 import sys
 import tempfile
-import threading
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, os.path.join(HERE, "..", "support"))
-from received_request import received_request  # noqa: E402 (the path comes first)
+from stand_in_service import (  # noqa: E402 (the path comes first)
+    FAULTS, REQUESTS, StandInService, fault_bytes, reply_bytes)
 
 
 # What may change from the first third of the figures to the last one.
@@ -33,19 +31,15 @@ MOST_MORE_WIDGETS = 0
 MOST_MORE_SOURCES = 2         # the toolkit's own come and go
 
 
-def whole_document():
-    with open(os.path.join(HERE, "..", "support", "state.json"), encoding="utf-8") as file:
-        return json.load(file)
-
-
 class Station:
     def __init__(self, socket_path, quiet_file, faulty):
         self.socket_path = socket_path
         self.quiet_file = quiet_file
         self.faulty = faulty
         self.answers = 0
+        self.faults = {}  # of each kind of request, in the order in which it meets them
         self.faults_met = {}
-        self.document = whole_document()
+        self.document = copy.deepcopy(REQUESTS["GET /api/state"].reply)
         self.quiet_settings = copy.deepcopy(self.document["settings"])
         self.chance = random.Random(1)
         self.newest = 100
@@ -82,28 +76,36 @@ class Station:
                                                       "not registered", "registered"])
         return document
 
-    def next_fault(self, method, target):
-        """The fault that takes the place of an answer, or None. Each kind of request meets them in
-        turn; the silence, which takes as long as the time limit, only a poll and only twice."""
+    def next_fault(self, key):
+        """The fault that takes the place of an answer, or None. Each kind of request meets in turn
+        those that it must outlive; the silence, as long as the time limit, only twice."""
         self.answers += 1
         if not self.faulty or self.answers <= 2 or os.path.exists(self.quiet_file):
             return None
-        key = f"{method} {target}"
         if self.chance.random() > (0.3 if key == "GET /api/state" else 0.6):
             return None
-        while True:
-            seen = self.faults_met.setdefault(key, [])
-            fault = list(FAULTS)[len(seen) % len(FAULTS)]
-            seen.append(fault)
-            if fault != "stays silent" or (key == "GET /api/state" and seen.count(fault) <= 2):
-                return fault
+        faults = self.faults.setdefault(key, faults_outlived_by(key))
+        fault = faults.pop(0)
+        if not fault.get("silent"):
+            faults.append(fault)
+        self.faults_met.setdefault(key, []).append(fault["fault"])
+        return fault
 
-    def go_away(self):
-        """The socket file is gone at the next request; the library brings it back after it."""
-        os.rename(self.socket_path, self.socket_path + ".away")
+    def reply(self, request):
+        """The bytes of the answer, good or not."""
+        good = self.answer(request.key, request.body)
+        fault = self.next_fault(request.key)
+        if fault is None:
+            return reply_bytes(200, good)
+        if "connection" in fault:
+            # The socket file is gone at the next request; the library brings it back after it.
+            os.rename(self.socket_path, self.socket_path + ".away")
+            return b""
+        if fault.get("silent"):
+            request.rfile.read(1)  # until the program hangs up
+        return fault_bytes(fault, good)
 
-    def answer(self, method, target, body):
-        key = f"{method} {target}"
+    def answer(self, key, body):
         self.requests[key] = self.requests.get(key, 0) + 1
         if key == "GET /api/state":
             return self.state()
@@ -114,52 +116,18 @@ class Station:
         if key == "GET /api/devices":
             return [{"backend": "rtl-sdr", "serial": str(self.chance.randrange(4)), "model": "V4",
                      "available": self.chance.random() < 0.5} for _ in range(3)]
-        return {}
+        return REQUESTS[key].reply
 
 
-OK = b"HTTP/1.1 200 OK\r\n"
-
-# What a service may do instead of answering. Each ends without a whole reply or with another status
-# than 200 and a reason; what would end the program by its contract is not among them.
-FAULTS = {
-    "hangs up": b"",
-    "ends in the status line": b"HTTP/1.1 20",
-    "ends in the header": OK + b"Content-Le",
-    "ends in the body": OK + b'Content-Length: 20\r\n\r\n{"settings":',
-    "ends in a chunk": OK + b'Transfer-Encoding: chunked\r\n\r\n40\r\n{"settings":',
-    "a negative length": OK + b"Content-Length: -2\r\n\r\n{}",
-    "two lengths": OK + b"Content-Length: 2\r\nContent-Length: 3\r\n\r\n{} ",
-    "a huge length": OK + b"Content-Length: 99999999999999999999\r\n\r\n{}",
-    "a body above the limit": OK + b"Content-Length: 8388609\r\n\r\n" + b" " * 65536,
-    "a header above the limit": OK + b"X: " + b"x" * 8200 + b"\r\n\r\n",
-    "bare line feeds": b"HTTP/1.1 200 OK\nContent-Length: 2\n\n{}",
-    "another HTTP": b"HTTP/2.0 200 OK\r\nContent-Length: 2\r\n\r\n{}",
-    "status 1000": b"HTTP/1.1 1000 OK\r\nContent-Length: 2\r\n\r\n{}",
-    "not HTTP": b"\x00\x01\x02\xff" * 20,
-    **{f"status {status}": b"HTTP/1.1 " + status.encode() + b" \r\nContent-Length: 15\r\n\r\n"
-       b'{"error":"no."}' for status in ("099", "404", "500", "599", "999")},
-    "goes away": None,
-    "stays silent": None,
-}
-
-
-class Handler(socketserver.BaseRequestHandler):
-    def handle(self):
-        request = received_request(self.request)
-        if request is None:
-            return
-        station = self.server.station
-        method, target = request.method, request.target
-        reply = json.dumps(station.answer(method, target, request.body)).encode()
-        fault = station.next_fault(method, target)
-        if fault is None:
-            self.request.sendall(OK + b"Content-Length: %d\r\n\r\n" % len(reply) + reply)
-        elif fault == "stays silent":
-            self.request.recv(1)  # until the program hangs up
-        elif fault == "goes away":
-            station.go_away()
-        else:
-            self.request.sendall(FAULTS[fault])
+def faults_outlived_by(key):
+    """Those of one kind of request that leave the program alive. Of those that take time there is
+    one silence, which a poll meets twice."""
+    chosen = [fault for fault in FAULTS
+              if not REQUESTS[key].ends_program(fault) and not fault.get("silent") and
+              "gap_ms" not in fault and fault.get("connection", "absent") == "absent"]
+    if key == "GET /api/state":
+        chosen += 2 * [fault for fault in FAULTS if fault.get("silent")][:1]
+    return chosen
 
 
 def main():
@@ -168,10 +136,8 @@ def main():
     with tempfile.TemporaryDirectory() as folder:
         socket_path = os.path.join(folder, "socket")
         quiet_file = os.path.join(folder, "quiet")
-        server = socketserver.ThreadingUnixStreamServer(socket_path, Handler)
-        server.daemon_threads = True
-        server.station = Station(socket_path, quiet_file, faulty)
-        threading.Thread(target=server.serve_forever, daemon=True).start()
+        station = Station(socket_path, quiet_file, faulty)
+        server = StandInService(socket_path, station.reply)
         # No command of the system is run: none is on this search path.
         environment = dict(os.environ, TARNWAVE_SETTINGS_SOCKET=socket_path, LD_PRELOAD=library,
                            TARNWAVE_SOAK_POLLS=polls, TARNWAVE_SOAK_QUIET_FILE=quiet_file,
@@ -186,9 +152,9 @@ def main():
             words = line.split()
             figures.append({name: int(value) for name, value in zip(words[::2], words[1::2])})
         status = program_run.wait(timeout=60)
-        server.shutdown()
+        server.stop()
         print("requests:", ", ".join(f"{count} {key}" for key, count in
-                                     sorted(server.station.requests.items())))
+                                     sorted(station.requests.items())))
         if status != 0:
             sys.exit(f"the program ended with {status}")
     # The rest is warming up: caches of the toolkit, fonts, the widest texts.
@@ -213,11 +179,10 @@ def main():
                        ("widgets", MOST_MORE_WIDGETS)):
         if rise(name) > most:
             faults.append(f"the {name} grow")
-    for key in ("PUT /api/settings", "GET /api/devices", "POST /api/kick", "POST /api/ban",
-                "POST /api/register"):
-        if key not in server.station.requests:
+    for key in REQUESTS:
+        if key not in station.requests:
             faults.append(f"nobody ever asked {key}")
-    for key, met in server.station.faults_met.items():
+    for key, met in station.faults_met.items():
         print(f"faults met by {key}: {len(met)}, of {len(set(met))} kinds")
     sys.exit("; ".join(faults) or None)
 

@@ -1,0 +1,103 @@
+# SPDX-License-Identifier: MIT
+"""A station service for tests: what it can be asked, its good answers and its faults.
+
+REQUESTS is the list of the requests that the program makes; service_api_test.py compares it with
+docs/service-api.yaml. FAULTS is the table faults.json.
+"""
+import http.server
+import json
+import pathlib
+import socketserver
+import sys
+import threading
+
+HERE = pathlib.Path(__file__).resolve().parent
+
+FAULTS = json.loads((HERE.parent / "faults" / "faults.json").read_text())
+
+
+class Request:
+    """One kind of request: a good answer, and which answers the program reads. One that it reads
+    and that is not as described ends the program."""
+
+    def __init__(self, reply, reads_reply=False, reads_refusal=False):
+        self.reply = reply
+        self.reads_reply = reads_reply
+        self.reads_refusal = reads_refusal
+
+    def ends_program(self, fault):
+        if fault["status"] == 200:
+            return self.reads_reply and fault["body"] != "own"
+        return fault["status"] != 0 and self.reads_refusal and fault["body"] == "empty"
+
+
+REQUESTS = {
+    "GET /api/state": Request(json.loads((HERE / "state.json").read_text()), reads_reply=True),
+    "PUT /api/settings": Request({"restart": False}, reads_reply=True, reads_refusal=True),
+    "GET /api/devices": Request([{"backend": "sdrplay", "serial": "2305012345", "model": "RSPdx",
+                                  "available": True}], reads_reply=True),
+    "POST /api/register": Request({"id": "4711"}, reads_refusal=True),
+    "POST /api/kick": Request({}),
+    "POST /api/ban": Request({}),
+}
+
+
+def reply_bytes(status, document):
+    """A whole reply. A document that is a text is sent as it is."""
+    body = (document if isinstance(document, str) else json.dumps(document)).encode()
+    return b"HTTP/1.1 %d Reason\r\nContent-Type: application/json\r\nContent-Length: %d\r\n\r\n%s" \
+        % (status, len(body), body)
+
+
+def fault_bytes(fault, document):
+    """What a fault sends in the place of a good answer."""
+    body = json.dumps(document).encode()
+    body += b" " * (fault.get("body_size", 0) - len(body))
+    parts = {b"{size}": b"%d" % len(body), b"{hex}": b"%x" % len(body),
+             b"{half}": body[:len(body) // 2], b"{body}": body, b"{filler}": b""}
+    reply = fault["send"].encode()
+    if "header_size" in fault:
+        header = reply.partition(b"{body}")[0]
+        for name, part in parts.items():
+            header = header.replace(name, part)
+        parts[b"{filler}"] = b"x" * (fault["header_size"] - len(header))
+    for name, part in parts.items():
+        reply = reply.replace(name, part)
+    return reply
+
+
+class Handler(http.server.BaseHTTPRequestHandler):
+    """One request: `key` is like "GET /api/state"."""
+
+    def answer(self):
+        self.body = self.rfile.read(int(self.headers.get("Content-Length", 0)))
+        self.key = f"{self.command} {self.path}"
+        self.server.requests.append(self)
+        self.wfile.write(self.server.answer(self))
+
+    do_GET = do_PUT = do_POST = answer
+
+    def log_message(self, *_):
+        pass
+
+
+class StandInService(socketserver.ThreadingUnixStreamServer):
+    """Listens from now on. `answer` takes a request's handler and returns the reply's bytes."""
+
+    daemon_threads = True
+    request_queue_size = 16
+
+    def __init__(self, path, answer):
+        super().__init__(str(path), Handler)
+        self.answer = answer
+        self.requests = []
+        threading.Thread(target=self.serve_forever, args=(0.01,), daemon=True).start()
+
+    def handle_error(self, *arguments):
+        """The program may have gone before its reply; anything else is an error of the test."""
+        if not isinstance(sys.exc_info()[1], ConnectionError):
+            super().handle_error(*arguments)
+
+    def stop(self):
+        self.shutdown()
+        self.server_close()
