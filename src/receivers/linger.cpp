@@ -1,18 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "receivers/linger.h"
 
-#include "ui/widgets/busy.h"
-#include "ui/widgets/setters.h"
+#include "ui/widgets/widget_record.h"
 
-namespace {
-
-gboolean on_idle(gpointer) {
-    if (widgets.window)
-        set_linger();
-    return G_SOURCE_REMOVE;
-}
-
-} // namespace
+#include <string>
 
 bool query_linger() {
     const std::string command =
@@ -29,29 +20,4 @@ void show_linger() {
     widgets.linger_guard = true;
     gtk_switch_set_active(GTK_SWITCH(widgets.linger_switch), query_linger());
     widgets.linger_guard = false;
-}
-
-void set_linger() {
-    const BusyWith busy{nullptr};
-    const bool wanted = gtk_switch_get_active(GTK_SWITCH(widgets.linger_switch));
-    // Whether it worked is read back from the system, not from the command.
-    g_spawn_command_line_sync(wanted ? "loginctl enable-linger" : "loginctl disable-linger",
-                              nullptr, nullptr, nullptr, nullptr);
-    show_linger();
-    if (query_linger() != wanted)
-        show_footer_error("The system did not allow that change.");
-    else if (wanted)
-        show_footer({"Your receivers now stay shared when you log out and after a restart.",
-                     StatusClass::good});
-    else
-        show_footer({"Your receivers are shared only while you are logged in.", StatusClass::good});
-}
-
-void on_linger_switch_toggled(GtkSwitch*, GParamSpec*, gpointer) {
-    if (widgets.linger_guard)
-        return;
-    // "notify" does not recurse: a switch moved back in here would call this handler again after
-    // it has returned, with the guard off, and ask for the opposite. So the work waits for the
-    // main loop, but not behind the next event, which may be a second press.
-    g_idle_add_full(G_PRIORITY_HIGH, on_idle, nullptr, nullptr);
 }

@@ -2,6 +2,7 @@
 #include "receivers/receiver_rows.h"
 
 #include "link/text.h"
+#include "receivers/band_menu.h"
 #include "receivers/coverage.h"
 #include "receivers/row_focus.h"
 #include "ui/widgets/accessibility.h"
@@ -17,19 +18,8 @@ namespace {
 
 constexpr double hertz_per_megahertz = 1e6;
 
-/// Least width of the band menu, in characters.
-constexpr int band_menu_chars = 9;
-
 /// Space above and below the words that stand for an empty list, in pixels.
 constexpr int empty_list_margin = 14;
-
-/// Key of the object data in which a band menu keeps its receiver's index.
-constexpr char index_key[] = "receiver";
-
-Receiver* receiver_at(gpointer index) {
-    const std::size_t at = GPOINTER_TO_SIZE(index);
-    return at < widgets.receiver_list.size() ? &widgets.receiver_list[at] : nullptr;
-}
 
 double spin_value(GtkWidget* spin) {
     return gtk_spin_button_get_value(GTK_SPIN_BUTTON(spin));
@@ -37,57 +27,6 @@ double spin_value(GtkWidget* spin) {
 
 void on_range_changed(GtkSpinButton*, gpointer index) {
     check_receiver_range(GPOINTER_TO_SIZE(index));
-}
-
-void on_band_changed(GtkComboBox* menu, gpointer index) {
-    const Receiver* receiver = receiver_at(index);
-    const char* id = gtk_combo_box_get_active_id(menu);
-    const std::optional<BandRange> range = band_range(id ? id : "");
-    if (!receiver || !receiver->low_spin || !range)
-        return;
-    // What is typed and not yet a value must not win over the band.
-    gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver->low_spin), range->low_mhz);
-    gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver->high_spin), range->high_mhz);
-}
-
-void on_band_item_activated(GtkMenuItem*, gpointer menu) {
-    const gpointer index = g_object_get_data(G_OBJECT(menu), index_key);
-    on_band_changed(GTK_COMBO_BOX(menu), index);
-}
-
-/// A combo box is silent when its active item is chosen again, but the item is not: it asks for its
-/// band once more, after the range was edited. The items are there once the list was opened.
-void on_band_list_shown(GtkComboBox* menu, GParamSpec*, gpointer) {
-    for (GList* list = gtk_menu_get_for_attach_widget(GTK_WIDGET(menu)); list; list = list->next) {
-        GList* items = gtk_container_get_children(GTK_CONTAINER(list->data));
-        for (GList* item = items; item; item = item->next) {
-            // The list shows more than once.
-            g_signal_handlers_disconnect_by_func(
-                item->data, reinterpret_cast<gpointer>(on_band_item_activated), menu);
-            g_signal_connect_object(item->data, "activate", G_CALLBACK(on_band_item_activated),
-                                    menu, GConnectFlags{});
-        }
-        g_list_free(items);
-    }
-}
-
-void on_share_switch_toggled(GtkSwitch* share, GParamSpec*, gpointer index) {
-    const Receiver* receiver = receiver_at(index);
-    if (receiver && receiver->details_box)
-        gtk_widget_set_sensitive(receiver->details_box, gtk_switch_get_active(share));
-}
-
-GtkWidget* make_band_menu() {
-    GtkWidget* menu = gtk_combo_box_text_new();
-    for (const BandPreset& preset : band_presets())
-        gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(menu), preset.id, preset.text);
-    gtk_combo_box_set_active(GTK_COMBO_BOX(menu), 0);
-    // The longest band must not decide how narrow the window can be.
-    GList* cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(menu));
-    g_object_set(cells->data, "ellipsize", PANGO_ELLIPSIZE_END, "width-chars", band_menu_chars,
-                 nullptr);
-    g_list_free(cells);
-    return menu;
 }
 
 /// The receiver's names and its switch. `title_out` receives the label with the model.
@@ -145,7 +84,7 @@ void add_details(Receiver& receiver, std::size_t index, GtkWidget* title) {
         return;
     }
     GtkWidget* row = make_frequency_row(receiver);
-    GtkWidget* menu = make_band_menu();
+    GtkWidget* menu = make_band_menu(index);
     // No name of its own: GTK names a menu by the item that it shows.
     name_by_label(menu, title);
     pack_end(row, menu);
@@ -158,15 +97,11 @@ void add_details(Receiver& receiver, std::size_t index, GtkWidget* title) {
     // From now on: what a load or a search brings is read when its field is reached.
     announce_changes(receiver.coverage_label);
 
-    const gpointer data = GSIZE_TO_POINTER(index);
-    g_object_set_data(G_OBJECT(menu), index_key, data);
-    g_signal_connect(menu, "changed", G_CALLBACK(on_band_changed), data);
-    g_signal_connect(menu, "notify::popup-shown", G_CALLBACK(on_band_list_shown), nullptr);
     for (GtkWidget* spin : {receiver.low_spin, receiver.high_spin}) {
-        g_signal_connect(spin, "value-changed", G_CALLBACK(on_range_changed), data);
+        g_signal_connect(spin, "value-changed", G_CALLBACK(on_range_changed),
+                         GSIZE_TO_POINTER(index));
         track_changes(spin);
     }
-    let_wheel_pass(menu);
 }
 
 void add_receiver_card(std::size_t index) {
@@ -183,10 +118,9 @@ void add_receiver_card(std::size_t index) {
     receiver.coverage_label = nullptr;
     add_details(receiver, index, title);
 
-    g_signal_connect(receiver.share_switch, "notify::active", G_CALLBACK(on_share_switch_toggled),
-                     GSIZE_TO_POINTER(index));
+    g_object_bind_property(receiver.share_switch, "active", receiver.details_box, "sensitive",
+                           G_BINDING_SYNC_CREATE);
     track_changes(receiver.share_switch);
-    gtk_widget_set_sensitive(receiver.details_box, receiver.enabled);
 }
 
 void forget_row(Receiver& receiver) {

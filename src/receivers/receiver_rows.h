@@ -14,8 +14,8 @@ void rebuild_receiver_rows();
 /// Takes `list` for the receiver list and makes the cards anew.
 void replace_receivers(std::vector<Receiver> list);
 
-/// Copies what the cards' widgets hold back into the receiver list: the share switch, and the
-/// range of a receiver that tunes.
+/// Commits what is typed in spin buttons, then copies the cards' values into the receiver list: the
+/// share switch, and the range of a receiver that tunes.
 void capture_row_edits();
 
 /// Shows whether the range typed for the receiver at `index` of the list fits it. Does nothing for

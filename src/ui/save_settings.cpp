@@ -7,7 +7,6 @@
 #include "ui/load_form.h"
 #include "ui/settings_body.h"
 #include "ui/widgets/busy.h"
-#include "ui/widgets/change_tracking.h"
 #include "ui/widgets/pending_events.h"
 #include "ui/widgets/setters.h"
 
@@ -57,7 +56,6 @@ bool save_settings() {
     draw_now();
     if (!widgets.window)
         return false;
-    commit_typed_values();
     capture_row_edits();
     const json::object body = settings_body(settings_object, form_values(), widgets.receiver_list);
     const ServiceReply reply =

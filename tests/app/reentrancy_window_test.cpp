@@ -4,7 +4,7 @@
 #include "app/state_poll.h"
 #include "link/json_access.h"
 #include "receivers/find_devices.h"
-#include "receivers/linger.h"
+#include "receivers/set_linger.h"
 #include "status/listener_actions.h"
 #include "status/registration.h"
 #include "support/window_fixture.h"
