@@ -4,9 +4,8 @@
 #include "app/state_poll.h"
 #include "ui/save_settings.h"
 #include "ui/widgets/accessibility.h"
+#include "ui/widgets/page_stack.h"
 #include "ui/widgets/widget_record.h"
-
-#include <algorithm>
 
 namespace {
 
@@ -22,18 +21,6 @@ void close_window() {
 
 void poll_now() {
     poll_state(nullptr);
-}
-
-/// Shows the page that many places further down the sidebar. Stays at both ends.
-void turn_pages(int distance) {
-    GList* pages = gtk_container_get_children(GTK_CONTAINER(widgets.stack));
-    const int count = static_cast<int>(g_list_length(pages));
-    const int current = g_list_index(pages, gtk_stack_get_visible_child(GTK_STACK(widgets.stack)));
-    const int wanted = std::clamp(current + distance, 0, count - 1);
-    if (wanted != current)
-        gtk_stack_set_visible_child(GTK_STACK(widgets.stack),
-                                    GTK_WIDGET(g_list_nth_data(pages, static_cast<guint>(wanted))));
-    g_list_free(pages);
 }
 
 void turn_to_next_page() {
@@ -65,18 +52,13 @@ constexpr Shortcut shortcuts[] = {
     {GDK_KEY_question, GdkModifierType(GDK_CONTROL_MASK | GDK_SHIFT_MASK), show_shortcuts},
 };
 
-constexpr int page_count = 5;
-
 gboolean on_shortcut(GtkAccelGroup*, GObject*, guint, GdkModifierType, gpointer shortcut) {
     static_cast<const Shortcut*>(shortcut)->action();
     return TRUE;
 }
 
 gboolean on_page_number(GtkAccelGroup*, GObject*, guint, GdkModifierType, gpointer index) {
-    GList* pages = gtk_container_get_children(GTK_CONTAINER(widgets.stack));
-    if (gpointer page = g_list_nth_data(pages, GPOINTER_TO_UINT(index)))
-        gtk_stack_set_visible_child(GTK_STACK(widgets.stack), GTK_WIDGET(page));
-    g_list_free(pages);
+    show_page_at(GPOINTER_TO_INT(index));
     return TRUE;
 }
 
@@ -166,7 +148,7 @@ void add_shortcuts() {
         gtk_accel_group_connect(
             keys, shortcut.key, shortcut.modifiers, GtkAccelFlags{},
             g_cclosure_new(G_CALLBACK(on_shortcut), const_cast<Shortcut*>(&shortcut), nullptr));
-    for (int page = 0; page < page_count; ++page)
+    for (int page = 0; page < page_count(); ++page)
         gtk_accel_group_connect(
             keys, static_cast<guint>(GDK_KEY_1 + page), control, GtkAccelFlags{},
             g_cclosure_new(G_CALLBACK(on_page_number), GINT_TO_POINTER(page), nullptr));

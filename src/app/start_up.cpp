@@ -7,8 +7,8 @@
 #include "link/build_constants.h"
 #include "link/json_access.h"
 #include "link/service_link.h"
-#include "status/overview_page.h"
 #include "ui/load_form.h"
+#include "ui/widgets/page_stack.h"
 #include "ui/widgets/pending_events.h"
 #include "ui/widgets/widget_record.h"
 #include "ui/window.h"
@@ -150,16 +150,14 @@ int start_up(int argc, char** argv) {
         return EXIT_FAILURE;
     start_broker_if_down(*state_document);
     load_form();
-    if (argc > 1) {
-        measure_pages_alike();
+    if (argc > 1)
         show_page(argv[1]);
-    }
     g_timeout_add_seconds(poll_interval_s, poll_state, nullptr);
     // What is done when idle would run while the frame with the state waits for its turn.
     draw_now();
     if (!widgets.window)
         return EXIT_SUCCESS;
-    finish_window_when_idle();
+    make_stack_homogeneous_when_idle();
     gtk_main();
     return EXIT_SUCCESS;
 }

@@ -3,8 +3,8 @@
 
 #include "link/json_access.h"
 #include "link/service_link.h"
+#include "status/header_line.h"
 #include "status/internet_page.h"
-#include "status/overview_page.h"
 #include "status/render_state.h"
 #include "ui/widgets/widget_record.h"
 

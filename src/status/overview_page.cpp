@@ -6,6 +6,7 @@
 #include "status/overview_texts.h"
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/form_widgets.h"
+#include "ui/widgets/page_stack.h"
 #include "ui/widgets/setters.h"
 
 #include <boost/json/value.hpp>
@@ -147,22 +148,6 @@ private:
 };
 
 } // namespace
-
-void show_page(const char* name) {
-    GtkWidget* page = gtk_stack_get_child_by_name(GTK_STACK(widgets.stack), name);
-    if (page)
-        gtk_stack_set_visible_child(GTK_STACK(widgets.stack), page);
-}
-
-void show_header_line(const StatusLine& line) {
-    set_label_text(widgets.header_status, line.text);
-    set_status_class(widgets.header_dot, line.status_class);
-}
-
-void draw_header_line(const StationState& state) {
-    const bool broker_running = optional_bool(status_object, "broker", false);
-    show_header_line(header_line(state, broker_running));
-}
 
 void draw_checklist(const StationState& state) {
     const StationIdentity identity{setting_string("station.name"),

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Draws the header line and the Overview page, but for the listeners table.
+// Draws the Overview page, but for the listeners table.
 //
 // Each function draws one section from the status object and what was derived from it, and throws
 // the JSON library's error where a record is broken. Rows are kept while their content stays, so
@@ -7,15 +7,7 @@
 #pragma once
 
 #include "status/station_state.h"
-#include "status/status_line.h"
 
-/// Shows a sentence in the header line; its class goes on the dot beside it.
-void show_header_line(const StatusLine& line);
-
-void draw_header_line(const StationState& state);
 void draw_checklist(const StationState& state);
 void draw_station_link(const StationState& state);
 void draw_receivers_on_air(const StationState& state);
-
-/// Shows a page of the window by its name. An unknown name changes nothing.
-void show_page(const char* name);

@@ -2,6 +2,7 @@
 #include "status/render_state.h"
 
 #include "link/json_access.h"
+#include "status/header_line.h"
 #include "status/internet_page.h"
 #include "status/listeners_table.h"
 #include "status/overview_page.h"

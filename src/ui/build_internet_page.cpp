@@ -8,6 +8,7 @@
 #include "ui/field_checks.h"
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/form_widgets.h"
+#include "ui/widgets/page_stack.h"
 #include "ui/widgets/setters.h"
 
 namespace {

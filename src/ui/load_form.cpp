@@ -3,9 +3,9 @@
 
 #include "link/json_access.h"
 #include "link/service_link.h"
-#include "link/text.h"
 #include "receivers/linger.h"
 #include "receivers/receiver_rows.h"
+#include "status/header_line.h"
 #include "status/render_state.h"
 #include "ui/field_checks.h"
 #include "ui/field_rules.h"
@@ -81,13 +81,6 @@ void show_registration() {
                    registered_text(id, setting_string("directory.email")));
 }
 
-void show_title() {
-    const std::string title = valid_utf8(
-        header_title(setting_string("station.name"), setting_string("station.callsign")));
-    set_label_text(widgets.header_title, title);
-    set_whole_text_tooltip(widgets.header_title);
-}
-
 } // namespace
 
 void load_form() {
@@ -105,7 +98,7 @@ void load_form() {
     show_blocked_addresses();
     show_receivers();
     show_registration();
-    show_title();
+    show_header_title();
     check_grid_square();
     update_upload_estimate();
     update_relay_visibility();

@@ -10,6 +10,7 @@
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/change_tracking.h"
 #include "ui/widgets/form_widgets.h"
+#include "ui/widgets/page_stack.h"
 #include "ui/widgets/setters.h"
 #include "ui/widgets/spin_buttons.h"
 

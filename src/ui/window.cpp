@@ -10,6 +10,7 @@
 #include "ui/widgets/busy.h"
 #include "ui/widgets/change_tracking.h"
 #include "ui/widgets/form_widgets.h"
+#include "ui/widgets/page_stack.h"
 #include "ui/widgets/pending_events.h"
 #include "ui/widgets/setters.h"
 #include "ui/widgets/theme.h"
@@ -18,7 +19,6 @@ namespace {
 
 constexpr int default_width = 1000;
 constexpr int default_height = 780;
-constexpr int sidebar_width = 190;
 
 /// Responses of the question about unsaved changes.
 enum CloseAnswer : gint { discard = 1, save = 2 };
@@ -40,12 +40,6 @@ void on_open_page_clicked(GtkButton*, gpointer) {
 
 void on_save_clicked(GtkButton*, gpointer) {
     save_settings();
-}
-
-gboolean on_idle(gpointer) {
-    if (widgets.window)
-        measure_pages_alike();
-    return G_SOURCE_REMOVE;
 }
 
 GtkWidget* make_header_texts() {
@@ -84,58 +78,12 @@ GtkWidget* make_header() {
     return header;
 }
 
-/// Tab enters the list of pages at the page shown and leaves it at once. GTK alone would walk
-/// through all rows, and turn a page with each.
-gboolean on_page_list_focus(GtkWidget* list, GtkDirectionType direction, gpointer) {
-    if (direction != GTK_DIR_TAB_FORWARD && direction != GTK_DIR_TAB_BACKWARD)
-        return FALSE;
-    g_signal_stop_emission_by_name(list, "focus");
-    if (gtk_container_get_focus_child(GTK_CONTAINER(list)))
-        return FALSE;
-    GtkListBoxRow* row = gtk_list_box_get_selected_row(GTK_LIST_BOX(list));
-    if (!row)
-        return FALSE;
-    gtk_widget_grab_focus(GTK_WIDGET(row));
-    return TRUE;
-}
-
-void find_list_box(GtkWidget* widget, gpointer found) {
-    // What the list scrolls in is no stop for the keyboard.
-    if (GTK_IS_SCROLLED_WINDOW(widget))
-        gtk_widget_set_can_focus(widget, FALSE);
-    if (GTK_IS_LIST_BOX(widget))
-        *static_cast<GtkWidget**>(found) = widget;
-    else if (GTK_IS_CONTAINER(widget))
-        gtk_container_forall(GTK_CONTAINER(widget), find_list_box, found);
-}
-
-/// GTK gives the rows of the list their words, but no name.
-void name_row(GtkWidget* row, gpointer) {
-    name_by_label(row, gtk_bin_get_child(GTK_BIN(row)));
-}
-
-/// The list of the pages that the stack holds.
-GtkWidget* make_sidebar() {
-    GtkWidget* sidebar = gtk_stack_sidebar_new();
-    gtk_widget_set_size_request(sidebar, sidebar_width, -1);
-    GtkWidget* list = nullptr;
-    find_list_box(sidebar, &list);
-    g_signal_connect(list, "focus", G_CALLBACK(on_page_list_focus), nullptr);
-    gtk_stack_sidebar_set_stack(GTK_STACK_SIDEBAR(sidebar), GTK_STACK(widgets.stack));
-    gtk_container_foreach(GTK_CONTAINER(list), name_row, nullptr);
-    widgets.page_list = list;
-    return sidebar;
-}
-
 GtkWidget* make_body() {
     GtkWidget* body = make_box(GTK_ORIENTATION_HORIZONTAL, 0);
-    widgets.stack = gtk_stack_new();
-    gtk_stack_set_transition_type(GTK_STACK(widgets.stack), GTK_STACK_TRANSITION_TYPE_CROSSFADE);
-    // The first frame shows one page: the others are measured when there is time.
-    gtk_stack_set_homogeneous(GTK_STACK(widgets.stack), FALSE);
+    GtkWidget* stack = make_page_stack();
     build_pages();
-    pack(body, make_sidebar());
-    pack(body, widgets.stack, true);
+    pack(body, make_page_list());
+    pack(body, stack, true);
     return body;
 }
 
@@ -173,14 +121,6 @@ void build_window() {
     update_relay_visibility();
     // Last, so that the first frame shows the window as it is.
     gtk_widget_show(widgets.window);
-}
-
-void measure_pages_alike() {
-    gtk_stack_set_homogeneous(GTK_STACK(widgets.stack), TRUE);
-}
-
-void finish_window_when_idle() {
-    g_idle_add_full(G_PRIORITY_LOW, on_idle, nullptr, nullptr);
 }
 
 bool confirm_close() {

@@ -452,12 +452,4 @@ TEST_F(OverviewPage, StaysScrolledWhereItWas) {
     EXPECT_EQ(gtk_adjustment_get_value(place), 400);
 }
 
-TEST_F(OverviewPage, ShowsNoPageOfAnUnknownName) {
-    show_page_at_once("station");
-    show_page("no such page");
-    EXPECT_EQ(page_shown(), "station");
-    show_page("internet");
-    EXPECT_EQ(page_shown(), "internet");
-}
-
 } // namespace

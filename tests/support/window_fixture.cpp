@@ -9,6 +9,7 @@
 #include "support/toplevels.h"
 #include "ui/load_form.h"
 #include "ui/widgets/change_tracking.h"
+#include "ui/widgets/page_stack.h"
 #include "ui/widgets/pending_events.h"
 #include "ui/widgets/setters.h"
 #include "ui/window.h"
@@ -181,7 +182,7 @@ class TheWindow : public testing::Environment {
 public:
     void SetUp() override {
         start_up_as_the_program_does();
-        finish_window_when_idle();
+        make_stack_homogeneous_when_idle();
         drain_events();
     }
     void TearDown() override {

@@ -270,34 +270,6 @@ TEST_F(Closing, SavesNothingOnceTheWindowIsGone) {
     EXPECT_TRUE(service.requests().empty());
 }
 
-class PageList : public FreshWindowTest {
-protected:
-    static GtkWidget* list() {
-        for (GtkWidget* widget : tree_of(widgets.window))
-            if (GTK_IS_LIST_BOX(widget))
-                return widget;
-        ADD_FAILURE() << "there is no list of pages";
-        return nullptr;
-    }
-};
-
-TEST_F(PageList, LetsArrowsWalkThroughItsRows) {
-    ASSERT_TRUE(gtk_widget_child_focus(list(), GTK_DIR_TAB_FORWARD));
-    GtkWidget* const first = gtk_window_get_focus(GTK_WINDOW(widgets.window));
-    ASSERT_TRUE(gtk_widget_child_focus(list(), GTK_DIR_DOWN));
-    GtkWidget* const second = gtk_window_get_focus(GTK_WINDOW(widgets.window));
-    EXPECT_TRUE(GTK_IS_LIST_BOX_ROW(second));
-    EXPECT_NE(second, first);
-}
-
-TEST_F(PageList, IsPassedByWithoutAPageShown) {
-    GtkListBox* const rows = GTK_LIST_BOX(list());
-    GtkListBoxRow* const selected = gtk_list_box_get_selected_row(rows);
-    gtk_list_box_unselect_all(rows);
-    EXPECT_FALSE(gtk_widget_child_focus(list(), GTK_DIR_TAB_FORWARD));
-    gtk_list_box_select_row(rows, selected);
-}
-
 TEST_F(Closing, EndsTheMainLoop) {
     const auto close = +[](gpointer) -> gboolean {
         gtk_window_close(GTK_WINDOW(widgets.window));

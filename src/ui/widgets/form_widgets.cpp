@@ -58,25 +58,6 @@ void set_vertical_margins(GtkWidget* widget, int top, int bottom) {
     gtk_widget_set_margin_bottom(widget, bottom);
 }
 
-GtkWidget* add_page(const char* name, const char* title, const char* subtitle) {
-    GtkWidget* page = make_box(GTK_ORIENTATION_VERTICAL, 14);
-    gtk_widget_set_margin_start(page, 26);
-    gtk_widget_set_margin_end(page, 26);
-    set_vertical_margins(page, 20, 26);
-    GtkWidget* heading = make_label(escaped_markup(title).c_str(), "page-title");
-    pack(page, heading);
-    if (subtitle)
-        pack(page, make_label(escaped_markup(subtitle).c_str(), "muted"));
-
-    GtkWidget* scroll = gtk_scrolled_window_new(nullptr, nullptr);
-    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scroll), GTK_POLICY_NEVER,
-                                   GTK_POLICY_AUTOMATIC);
-    gtk_container_add(GTK_CONTAINER(scroll), page);
-    name_by_label(scroll, heading);
-    gtk_stack_add_titled(GTK_STACK(widgets.stack), scroll, name, title);
-    return page;
-}
-
 GtkWidget* add_card(GtkWidget* parent, const char* title) {
     GtkWidget* card = make_box(GTK_ORIENTATION_VERTICAL, 0, "card");
     if (title) {

@@ -23,10 +23,6 @@ void pack_end(GtkWidget* box, GtkWidget* child);
 
 void set_vertical_margins(GtkWidget* widget, int top, int bottom);
 
-/// Adds a scrolling page to the stack under `name`; `title` and `subtitle` (null: none) are plain.
-/// Returns the box for the page's cards.
-GtkWidget* add_page(const char* name, const char* title, const char* subtitle);
-
 /// Adds a card to a page. `title` is plain; null gives a card without one.
 GtkWidget* add_card(GtkWidget* parent, const char* title);
 

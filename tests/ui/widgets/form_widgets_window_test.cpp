@@ -150,28 +150,6 @@ TEST_F(Builders, ABoundEntryShowsItsPlaceholder) {
     EXPECT_TRUE(widgets.dirty);
 }
 
-class AddPage : public FreshWindowTest {};
-
-TEST_F(AddPage, ShowsTitleAndSubtitleLiterally) {
-    GtkWidget* page = add_page("extra", "A & <B>", "c < d & e");
-    gtk_widget_show_all(widgets.stack);
-    const std::vector<GtkWidget*> texts = children_of(page);
-    ASSERT_EQ(texts.size(), 2U);
-    EXPECT_EQ(text_of(texts[0]), "A & <B>");
-    EXPECT_TRUE(has_class(texts[0], "page-title"));
-    EXPECT_EQ(text_of(texts[1]), "c < d & e");
-    EXPECT_TRUE(has_class(texts[1], "muted"));
-    EXPECT_EQ(outline_of(page).substr(0, outline_of(page).find('\n')),
-              "box vertical 14 [26 26 20 26]");
-    GtkWidget* in_stack = gtk_stack_get_child_by_name(GTK_STACK(widgets.stack), "extra");
-    ASSERT_TRUE(GTK_IS_SCROLLED_WINDOW(in_stack));
-    EXPECT_TRUE(gtk_widget_is_ancestor(page, in_stack));
-}
-
-TEST_F(AddPage, NeedsNoSubtitle) {
-    EXPECT_EQ(children_of(add_page("extra", "Extra", nullptr)).size(), 1U);
-}
-
 using StatusClasses = Builders;
 
 TEST_F(StatusClasses, LeaveExactlyTheWantedOne) {

@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: MIT
+#include "ui/widgets/page_stack.h"
+
+#include "link/text.h"
+#include "ui/widgets/accessibility.h"
+#include "ui/widgets/form_widgets.h"
+
+#include <algorithm>
+
+namespace {
+
+/// Width of the list of pages, in pixels.
+constexpr int page_list_width = 190;
+
+GtkStack* stack() {
+    return GTK_STACK(widgets.stack);
+}
+
+/// Needed before another page than the first is shown: a narrow one would let a small window grow
+/// taller than its screen, since GTK computes the least height at the least width.
+void make_stack_homogeneous() {
+    gtk_stack_set_homogeneous(stack(), TRUE);
+}
+
+gboolean on_idle(gpointer) {
+    if (widgets.window)
+        make_stack_homogeneous();
+    return G_SOURCE_REMOVE;
+}
+
+int current_page() {
+    GList* pages = gtk_container_get_children(GTK_CONTAINER(widgets.stack));
+    const int index = g_list_index(pages, gtk_stack_get_visible_child(stack()));
+    g_list_free(pages);
+    return index;
+}
+
+/// Tab enters the list of pages at the page shown and leaves it at once. GTK alone would move the
+/// focus through all rows, and show a page with each.
+gboolean on_page_list_focus(GtkWidget* list, GtkDirectionType direction, gpointer) {
+    if (direction != GTK_DIR_TAB_FORWARD && direction != GTK_DIR_TAB_BACKWARD)
+        return FALSE;
+    g_signal_stop_emission_by_name(list, "focus");
+    if (gtk_container_get_focus_child(GTK_CONTAINER(list)))
+        return FALSE;
+    GtkListBoxRow* row = gtk_list_box_get_selected_row(GTK_LIST_BOX(list));
+    if (!row)
+        return FALSE;
+    gtk_widget_grab_focus(GTK_WIDGET(row));
+    return TRUE;
+}
+
+void find_list_box(GtkWidget* widget, gpointer found) {
+    // The scrolled window around the list is no stop for the keyboard.
+    if (GTK_IS_SCROLLED_WINDOW(widget))
+        gtk_widget_set_can_focus(widget, FALSE);
+    if (GTK_IS_LIST_BOX(widget))
+        *static_cast<GtkWidget**>(found) = widget;
+    else if (GTK_IS_CONTAINER(widget))
+        gtk_container_forall(GTK_CONTAINER(widget), find_list_box, found);
+}
+
+/// GTK gives the rows of the list a label each, but no accessible name.
+void name_row(GtkWidget* row, gpointer) {
+    name_by_label(row, gtk_bin_get_child(GTK_BIN(row)));
+}
+
+} // namespace
+
+GtkWidget* make_page_stack() {
+    widgets.stack = gtk_stack_new();
+    gtk_stack_set_transition_type(stack(), GTK_STACK_TRANSITION_TYPE_CROSSFADE);
+    gtk_stack_set_homogeneous(stack(), FALSE);
+    return widgets.stack;
+}
+
+GtkWidget* make_page_list() {
+    GtkWidget* sidebar = gtk_stack_sidebar_new();
+    gtk_widget_set_size_request(sidebar, page_list_width, -1);
+    find_list_box(sidebar, &widgets.page_list);
+    g_signal_connect(widgets.page_list, "focus", G_CALLBACK(on_page_list_focus), nullptr);
+    gtk_stack_sidebar_set_stack(GTK_STACK_SIDEBAR(sidebar), stack());
+    gtk_container_foreach(GTK_CONTAINER(widgets.page_list), name_row, nullptr);
+    return sidebar;
+}
+
+GtkWidget* add_page(const char* name, const char* title, const char* subtitle) {
+    GtkWidget* page = make_box(GTK_ORIENTATION_VERTICAL, 14);
+    gtk_widget_set_margin_start(page, 26);
+    gtk_widget_set_margin_end(page, 26);
+    set_vertical_margins(page, 20, 26);
+    GtkWidget* heading = make_label(escaped_markup(title).c_str(), "page-title");
+    pack(page, heading);
+    if (subtitle)
+        pack(page, make_label(escaped_markup(subtitle).c_str(), "muted"));
+
+    GtkWidget* scroll = gtk_scrolled_window_new(nullptr, nullptr);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scroll), GTK_POLICY_NEVER,
+                                   GTK_POLICY_AUTOMATIC);
+    gtk_container_add(GTK_CONTAINER(scroll), page);
+    name_by_label(scroll, heading);
+    gtk_stack_add_titled(stack(), scroll, name, title);
+    return page;
+}
+
+int page_count() {
+    GList* pages = gtk_container_get_children(GTK_CONTAINER(widgets.stack));
+    const int count = static_cast<int>(g_list_length(pages));
+    g_list_free(pages);
+    return count;
+}
+
+void show_page(const char* name) {
+    // GTK warns of an unknown name.
+    GtkWidget* page = gtk_stack_get_child_by_name(stack(), name);
+    if (!page)
+        return;
+    make_stack_homogeneous();
+    gtk_stack_set_visible_child(stack(), page);
+}
+
+void show_page_at(int index) {
+    GList* pages = gtk_container_get_children(GTK_CONTAINER(widgets.stack));
+    if (gpointer page = g_list_nth_data(pages, static_cast<guint>(index)))
+        gtk_stack_set_visible_child(stack(), GTK_WIDGET(page));
+    g_list_free(pages);
+}
+
+void turn_pages(int distance) {
+    show_page_at(std::clamp(current_page() + distance, 0, page_count() - 1));
+}
+
+void make_stack_homogeneous_when_idle() {
+    g_idle_add_full(G_PRIORITY_LOW, on_idle, nullptr, nullptr);
+}

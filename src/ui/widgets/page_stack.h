@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+// The stack of pages and the list beside it: adding a page, showing one, turning pages.
+#pragma once
+
+#include <gtk/gtk.h>
+
+/// Makes the stack, still without pages, and writes it into the widget record.
+GtkWidget* make_page_stack();
+
+/// Makes the list of the pages that the stack holds, and writes its list box into the record.
+GtkWidget* make_page_list();
+
+/// Adds a scrolling page to the stack under `name`; `title` and `subtitle` (null: none) are plain.
+/// Returns the box for the page's cards.
+GtkWidget* add_page(const char* name, const char* title, const char* subtitle);
+
+int page_count();
+
+/// Shows a page by its name, or by its index in the stack. An unknown one changes nothing.
+void show_page(const char* name);
+void show_page_at(int index);
+
+/// Shows the page `distance` places after the current one, and stays at both ends.
+void turn_pages(int distance);
+
+/// Makes the stack homogeneous once the program has nothing else to do, so that the window keeps
+/// its least size from page to page. The stack is not made so, because GTK would then measure all
+/// pages before the first frame.
+void make_stack_homogeneous_when_idle();
