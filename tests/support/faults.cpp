@@ -44,6 +44,8 @@ std::vector<Fault> read_faults() {
                 fault.status = value.to_number<int>();
             else if (key == "body")
                 fault.body = value.as_string();
+            else if (key == "outcome")
+                fault.outcome = value.as_string();
             else
                 throw std::invalid_argument{"unknown in the table of faults: " + std::string{key}};
         }

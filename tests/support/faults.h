@@ -23,6 +23,9 @@ struct Fault {
     // What the link makes of it.
     int status = 0;     ///< 0: no answer
     std::string body{}; ///< "own": the good one; "empty"; "cut": its first byte; "refusal"
+    /// What that is to every sender: "no answer", "good answer", "broken document", "refusal with a
+    /// reason" or "refusal without a reason".
+    std::string outcome{};
 };
 std::ostream& operator<<(std::ostream& out, const Fault& fault);
 
