@@ -4,7 +4,6 @@
 // What the toolkit warns about counts as a fault. No command is run meanwhile.
 #include "app/state_poll.h"
 #include "fed_link.h"
-#include "status/render_state.h"
 #include "ui/load_form.h"
 #include "ui/widgets/widget_record.h"
 #include "ui/window.h"
@@ -40,13 +39,11 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     feed_reply(reply_with_body({reinterpret_cast<const char*>(data), size}));
-    shown_document.clear();
     try {
         load_form();
     } catch (const std::exception&) {
         widgets.loading = false; // in the program the error ends everything
     }
-    shown_document.clear();
     try {
         poll_state(nullptr);
     } catch (const std::exception&) {

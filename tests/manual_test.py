@@ -18,9 +18,10 @@ PAGE = PROJECT / "docs" / "manual.md"
 
 # Where the lines come from that tell how the station is doing or what came of an action.
 EXPLAINED_FILES = [
-    "app/state_poll.cpp", "receivers/coverage.cpp", "receivers/find_devices.cpp",
+    "receivers/coverage.cpp", "receivers/find_devices.cpp",
     "receivers/set_linger.cpp", "receivers/receiver_list.cpp", "status/internet_texts.cpp",
-    "status/listener_actions.cpp", "status/overview_texts.cpp", "status/registration.cpp",
+    "status/listener_actions.cpp", "status/overview_texts.cpp", "status/refresh_status.cpp",
+    "status/registration.cpp",
     "ui/field_rules.cpp", "ui/save_settings.cpp", "ui/station_link.cpp"]
 
 # What stands in those files and is no line to explain.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/shortcuts.h"
 
-#include "app/state_poll.h"
+#include "status/refresh_status.h"
 #include "ui/save_settings.h"
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/page_stack.h"
@@ -17,10 +17,6 @@ void save_if_edited() {
 
 void close_window() {
     gtk_window_close(GTK_WINDOW(widgets.window));
-}
-
-void poll_now() {
-    poll_state(nullptr);
 }
 
 void turn_to_next_page() {
@@ -47,7 +43,7 @@ constexpr Shortcut shortcuts[] = {
     {GDK_KEY_Page_Up, control, turn_to_previous_page},
     {GDK_KEY_KP_Page_Down, control, turn_to_next_page},
     {GDK_KEY_KP_Page_Up, control, turn_to_previous_page},
-    {GDK_KEY_F5, GdkModifierType{}, poll_now},
+    {GDK_KEY_F5, GdkModifierType{}, refresh_status},
     {GDK_KEY_question, control, show_shortcuts},
     {GDK_KEY_question, GdkModifierType(GDK_CONTROL_MASK | GDK_SHIFT_MASK), show_shortcuts},
 };

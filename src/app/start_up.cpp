@@ -28,7 +28,6 @@
 namespace {
 
 constexpr int probe_time_limit_s = 3;
-constexpr guint poll_interval_s = 3;
 
 constexpr char help_text[] =
     "Usage: tarnwave-settings [PAGE]\n"

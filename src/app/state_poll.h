@@ -4,8 +4,10 @@
 
 #include <glib.h>
 
-/// Fetches the state document once and redraws the status pages from it; when the service does not
-/// answer, the header says so and everything else stays. The form is never touched. A GLib timeout
-/// callback that keeps its timeout; the argument is ignored. Throws the JSON library's error when
-/// the document breaks the contract.
+/// Time from one poll to the next, in seconds. Short enough to follow listeners as they come and
+/// go.
+inline constexpr guint poll_interval_s = 3;
+
+/// Runs `refresh_status` while there is a window. A GLib timeout callback that keeps its timeout;
+/// the argument is ignored.
 gboolean poll_state(gpointer);

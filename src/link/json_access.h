@@ -20,7 +20,7 @@ namespace json = boost::json;
 extern json::object settings_object;
 
 /// The `status` member of the last state document; empty before the first. Replaced whole, by
-/// `load_form` and `poll_state` only.
+/// `load_form` and `refresh_status` only.
 extern json::object status_object;
 
 /// Finds the value at a dotted key such as "station.name", one object level per segment. Returns

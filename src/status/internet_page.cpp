@@ -9,16 +9,12 @@
 #include <boost/json/value.hpp>
 
 void draw_internet_status(const StationState& state) {
-    draw_port_instructions();
+    set_label_markup(widgets.reachability_label,
+                     port_instructions_markup(state.port, lan_address()));
     show_status_line(widgets.port_status_label, reach_line(state));
     const json::value* https = status_object.if_contains("https");
     const json::object* certificate = https ? https->if_object() : nullptr;
     show_status_line(widgets.port_hint_label,
                      certificate_line(certificate ? *certificate : json::object{}, state));
     show_status_line(widgets.listing_status_label, listing_line(state));
-}
-
-void draw_port_instructions() {
-    const std::int32_t port = clamped_int32(setting_number("network.port"));
-    set_label_markup(widgets.reachability_label, port_instructions_markup(port, lan_address()));
 }

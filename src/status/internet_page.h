@@ -6,7 +6,3 @@
 
 /// Draws port instructions, reach line, certificate line and listing line, in this order.
 void draw_internet_status(const StationState& state);
-
-/// Draws the port instructions alone: this computer's address may change when the service has
-/// nothing new to say.
-void draw_port_instructions();

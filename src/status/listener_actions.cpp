@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "status/listener_actions.h"
 
-// The only room that looks into app: the table must drop the ended listener at once.
-#include "app/state_poll.h"
 #include "link/json_access.h"
 #include "link/service_link.h"
 #include "status/listeners_table.h"
+#include "status/refresh_status.h"
 #include "ui/load_form.h"
 #include "ui/widgets/busy.h"
 #include "ui/widgets/pending_events.h"
@@ -63,7 +62,7 @@ void listener_action(bool block) {
         load_form();
     show_footer({(block ? "Blocked " : "Ended the session of ") + listener->address + ".",
                  StatusClass::good});
-    poll_state(nullptr);
+    refresh_status();
 }
 
 void end_listener_session() {

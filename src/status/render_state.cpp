@@ -8,8 +8,6 @@
 #include "status/overview_page.h"
 #include "status/station_state.h"
 
-std::string shown_document;
-
 void render_state() {
     const StationState state = derive_station_state(settings_object, status_object);
     draw_header_line(state);

@@ -2,13 +2,6 @@
 // One pass over everything that shows the station's state.
 #pragma once
 
-#include <string>
-
-/// The text of the state document that the status pages show; empty when they show anything else,
-/// such as that the service does not answer. A document that says the same again needs no pass.
-/// Written by whoever calls `render_state`.
-extern std::string shown_document;
-
 /// Redraws the header line, the Overview page and the Internet page's status lines from the
 /// settings and the status object, in this order, writing only what differs from what is shown. An
 /// error of the JSON library stops the pass where the document is broken: what was drawn before

@@ -85,7 +85,8 @@ void show_registration() {
 
 void load_form() {
     const ReadingStep step{"loading the settings"};
-    ServiceReply reply = service_request(HttpMethod::get, "/api/state", "", load_time_limit_s);
+    const ServiceReply reply =
+        service_request(HttpMethod::get, "/api/state", "", load_time_limit_s);
     if (reply.status != 200)
         return;
     keep_document(reply.body);
@@ -106,7 +107,5 @@ void load_form() {
     mark_clean();
 
     show_linger();
-    shown_document.clear();
     render_state();
-    shown_document = std::move(reply.body);
 }

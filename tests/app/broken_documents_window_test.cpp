@@ -8,7 +8,6 @@
 #include "link/json_access.h"
 #include "receivers/find_devices.h"
 #include "status/registration.h"
-#include "status/render_state.h"
 #include "support/document_members.h"
 #include "support/window_fixture.h"
 #include "ui/load_form.h"
@@ -142,7 +141,6 @@ protected:
 
     /// The window is alive: it shows a sound document as it always did.
     void expect_recovery() {
-        shown_document.clear();
         load(state_document());
         clear_what_actions_left();
         EXPECT_EQ(contents_of_window(), sound_contents_);
@@ -151,7 +149,6 @@ protected:
     void show_sound(const DocumentMember& member) {
         service.will_answer_state(
             json::serialize(member.document == "state" ? document_with(member) : state_document()));
-        shown_document.clear();
         load_form();
     }
 
@@ -167,7 +164,6 @@ protected:
 
 private:
     void read(const std::string& document, const std::string& text) {
-        shown_document.clear();
         if (document == "state") {
             service.will_answer_state(text);
             load_form();

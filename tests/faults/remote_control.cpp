@@ -7,6 +7,7 @@
 //     poll, save, find, register, end, block, close      as the user or the timer would
 //     edit TEXT       types the station's name
 //     answer NUMBER   gives the next dialog this response; its texts are the answer
+#include "app/state_poll.h"
 #include "support/real_window.h"
 
 #include <boost/json.hpp>
@@ -23,9 +24,6 @@ namespace json = boost::json;
 using namespace real_window;
 
 namespace {
-
-/// The program's own timer is known by its interval.
-constexpr guint poll_interval_s = 3;
 
 /// How often a look is taken for a dialog, in milliseconds.
 constexpr guint look_interval_ms = 5;
@@ -157,6 +155,7 @@ __attribute__((constructor)) void listen_to_commands() {
 
 /// Takes the place of GLib's function, for the program and for its libraries.
 extern "C" guint g_timeout_add_seconds(guint seconds, GSourceFunc function, gpointer data) {
+    // The program's own timer is known by its interval.
     if (seconds != poll_interval_s)
         return g_timeout_add_seconds_full(G_PRIORITY_DEFAULT, seconds, function, data, nullptr);
     program_poll = function;

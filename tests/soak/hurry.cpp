@@ -5,6 +5,7 @@
 // the program has nothing else to do, and between the polls a user turns pages, edits, saves, looks
 // for receivers and ends sessions. Every so many polls the service is asked for the same quiet
 // document, by a file that it looks for, and a line with the figures goes to the standard output.
+#include "app/state_poll.h"
 #include "support/real_window.h"
 
 #include <malloc.h>
@@ -23,9 +24,6 @@
 using namespace real_window;
 
 namespace {
-
-/// The program's own timer is known by its interval.
-constexpr guint poll_interval_s = 3;
 
 /// Polls from one line of figures to the next. The last three before it see the quiet document.
 constexpr long polls_in_a_round = 100;
@@ -161,7 +159,7 @@ extern "C" int connect(int descriptor, const sockaddr* address, socklen_t size) 
 /// Takes the place of GLib's function, for the program and for its libraries.
 extern "C" guint g_timeout_add_seconds(guint seconds, GSourceFunc function, gpointer data) {
     if (seconds != poll_interval_s) {
-        // A timer of the toolkit.
+        // A timer of the toolkit: the program's own is known by its interval.
         return g_timeout_add_seconds_full(G_PRIORITY_DEFAULT, seconds, function, data, nullptr);
     }
     program_poll = function;

@@ -6,7 +6,6 @@
 #include "status/lan_address.h"
 #include "support/user_locale.h"
 #include "support/window_fixture.h"
-#include "ui/widgets/setters.h"
 
 namespace {
 
@@ -206,18 +205,6 @@ TEST_F(InternetPage, NamesTheMonthInTheUsersLanguage) {
     EXPECT_EQ(text_of(widgets.port_hint_label),
               "✓ Secure address: https://k1abc.example:8073/ (certificate renews itself; good "
               "until 5 März 2026).");
-}
-
-TEST_F(InternetPage, FollowsThePortAlone) {
-    load(state_document());
-    const Line before = line_of(widgets.port_status_label);
-    settings_object["network"] = {{"port", 9000}};
-    set_label_markup(widgets.reachability_label, "");
-    draw_port_instructions();
-    EXPECT_EQ(markup_of(widgets.reachability_label)
-                  .find("On your router, forward TCP port <b>9000</b> to this computer"),
-              0U);
-    EXPECT_EQ(line_of(widgets.port_status_label), before);
 }
 
 } // namespace

@@ -5,7 +5,6 @@
 #include "app/state_poll.h"
 #include "link/json_access.h"
 #include "link/service_link.h"
-#include "status/render_state.h"
 #include "support/toplevels.h"
 #include "ui/load_form.h"
 #include "ui/widgets/change_tracking.h"
@@ -372,7 +371,6 @@ WindowTest::WindowTest() : socket_path_before_{settings_socket_path} {
     settings_socket_path = service.socket_path();
     settings_object = {};
     status_object = {};
-    shown_document.clear();
     set_label_text(widgets.footer_status, "");
     set_status_class(widgets.footer_status, StatusClass::none);
     set_label_text(widgets.receivers_status, "");
