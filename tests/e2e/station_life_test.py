@@ -3,7 +3,8 @@
 
 import unittest
 
-from harness import Atspi, Case, HOST, Role, text_in, wait_for
+from accessible import Atspi, Role, text_in, wait_for
+from harness import HOST, Case
 
 EMAIL = "Your email (not shown on the list)"
 BLOCKED = "One per line: an address such as 203.0.113.7, or a range such as 203.0.113.0/24."
@@ -105,7 +106,8 @@ class Life(Case):
         station.stop()
         program.poll().wait_for_header("The Tarnwave service is not answering")
         station = self.play("first-run", "--speed", "60")
-        wait_for(lambda: program.poll().header().startswith("On the air · 1 receiver"),
+        # By itself: nobody asks for news.
+        wait_for(lambda: program.header().startswith("On the air · 1 receiver"),
                  "the station to be back")
         return station
 
@@ -147,14 +149,6 @@ class Relay(Case):
                                "/r/1042/ (20 at once through the relay).")
         program.page("overview")
         program.get(Role.PUSH_BUTTON, f"https://{HOST}/r/1042/")
-
-    def test_a_port_that_is_forwarded_brings_the_station_on_the_list(self):
-        station = self.station("unreachable", "--speed", "60")
-        program = self.open()
-        self.assertTrue(program.header().endswith(" · not reachable from the internet"))
-        station.remove_obstacle()
-        wait_for(lambda: program.poll().header().endswith(f" · listed on {HOST}"),
-                 "the station on the list")
 
 
 if __name__ == "__main__":
