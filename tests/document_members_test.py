@@ -58,6 +58,14 @@ def described(node, path=""):
     return found
 
 
+def member_at(node, path):
+    """What is written about a member; a reference is followed, what stands beside it counts too."""
+    for step in path.split("."):
+        node = resolved(node)
+        node = node["items"] if step == "0" else node["properties"][step]
+    return node
+
+
 def arguments(text, start):
     """The arguments of a call whose parenthesis opens before `start`, split at its own commas."""
     depth, begin, result = 0, start, []
@@ -95,6 +103,18 @@ class DocumentMembers(unittest.TestCase):
             with self.subTest(document):
                 rows = {row["path"]: row["kind"] for row in TABLE if row["document"] == document}
                 self.assertEqual(rows, described(API["components"]["schemas"][schema]))
+
+    def test_the_description_says_what_the_window_does_without_a_member(self):
+        members = [row for row in TABLE if row["path"].rsplit(".", 1)[-1] not in ("", "0")]
+        for row in members:
+            with self.subTest(row["document"] + ": " + row["path"]):
+                member = member_at(API["components"]["schemas"][SCHEMA_OF[row["document"]]],
+                                   row["path"])
+                words = member.get("x-when-missing")
+                self.assertNotEqual(words is None, "default" not in member, "one of both")
+                self.assertEqual((words or "").startswith("the window ends"), row["missing"] == "ends")
+                if "default" in member:
+                    self.assertEqual(row["missing"], {"like": member["default"]})
 
     def test_no_member_is_there_twice(self):
         places = [(row["document"], row["path"]) for row in TABLE]
