@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+// CPU time of one exchange, as the program makes it and in plain C, by turns. The service is
+// another process, so that only this side of the exchange counts.
+//
+// Usage: bench_exchange SOCKET COUNT
+#include "link/service_link.h"
+#include "plain_exchange.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+
+namespace {
+
+constexpr int exchanges_in_a_turn = 50;
+constexpr int time_limit_s = 3;
+
+double cpu_us() {
+    timespec now{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) * 1e6 + static_cast<double>(now.tv_nsec) / 1e3;
+}
+
+void exchange_or_end() {
+    if (service_request(HttpMethod::get, "/api/state", "", time_limit_s).status != 200)
+        std::exit(EXIT_FAILURE);
+}
+
+void exchange_in_plain_c_or_end() {
+    std::size_t size = 0;
+    char* body = plain_exchange(settings_socket_path.c_str(), &size);
+    if (!body)
+        std::exit(EXIT_FAILURE);
+    std::free(body);
+}
+
+double time_of_a_turn(void (*exchange)()) {
+    const double began = cpu_us();
+    for (int i = 0; i < exchanges_in_a_turn; ++i)
+        exchange();
+    return cpu_us() - began;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 3)
+        return EXIT_FAILURE;
+    settings_socket_path = argv[1];
+    const int turns = std::atoi(argv[2]) / exchanges_in_a_turn;
+    double program = 0;
+    double floor = 0;
+    for (int turn = -1; turn < turns; ++turn) {
+        const double one = time_of_a_turn(exchange_or_end);
+        const double other = time_of_a_turn(exchange_in_plain_c_or_end);
+        // The first turn warms up.
+        program += turn < 0 ? 0 : one;
+        floor += turn < 0 ? 0 : other;
+    }
+    std::printf("{\"program\": %f, \"floor\": %f}\n", program / turns / exchanges_in_a_turn,
+                floor / turns / exchanges_in_a_turn);
+    return EXIT_SUCCESS;
+}
