@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""Holds the table of the documents' members (tests/support/document_members.json) complete.
+"""Compares the table of the documents' members (document_members.json) with what is described.
 
 Every member that docs/service-api.yaml describes in a document the program reads is in it, with its
 kind, and nothing else is; and so is every name that the sources look up in a document.

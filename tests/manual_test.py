@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Holds docs/manual.md against the sentences that the program can say.
+"""Compares docs/manual.md with the sentences that the program can say.
 
 A sentence of the code is a chain of string literals with values in between: "✓ Listed at ", a
 value, "/websdr.html." The manual quotes it in straight quotation marks with examples for the

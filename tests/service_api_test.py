@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""Holds docs/service-api.yaml against what the simulator sends, and bodies against it.
+"""Compares docs/service-api.yaml with what the simulator sends, and bodies with it.
 
 Usage: service_api_test.py PROGRAM [unittest arguments]
        service_api_test.py --bodies FOLDER

@@ -93,8 +93,8 @@ json::value document_with(const DocumentMember& member) {
 }
 
 std::vector<json::value> values_of_other_kinds(const DocumentMember& member) {
-    std::vector<json::value> values = {
-        nullptr, true, 5, -7.5, "text", json::array{"text", 5}, json::object{{"name", 5}}};
+    std::vector<json::value> values = {nullptr, 5, "text", json::array{"text", 5},
+                                       json::object{{"name", 5}}};
     std::erase_if(values, [&](const json::value& value) {
         return value.is_number() ? member.kind == json::kind::double_ : value.kind() == member.kind;
     });

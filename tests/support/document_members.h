@@ -2,8 +2,8 @@
 // Every member of every document that the service sends and the program reads, with what becomes
 // of the program when the service breaks its word about it.
 //
-// The table is document_members.json; document_members_test.py holds it against the description of
-// the service's documents and against the names that the sources look up.
+// The table is document_members.json; document_members_test.py compares it with the description of
+// the service's documents and with the names that the sources look up.
 #pragma once
 
 #include <boost/json.hpp>

@@ -26,9 +26,8 @@ class Request:
         self.reads_refusal = reads_refusal
 
     def ends_program(self, fault):
-        if fault["status"] == 200:
-            return self.reads_reply and fault["body"] != "own"
-        return fault["status"] != 0 and self.reads_refusal and fault["body"] == "empty"
+        return {"broken document": self.reads_reply,
+                "refusal without a reason": self.reads_refusal}.get(fault["outcome"], False)
 
 
 REQUESTS = {
