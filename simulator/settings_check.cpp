@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <functional>
 #include <set>
 #include <span>
 #include <string_view>
@@ -15,45 +14,35 @@
 
 namespace {
 
-enum class Kind { text, boolean, whole_number, list };
+// The service's own, and what a registration sets.
+constexpr std::array<std::string_view, 6> not_edited = {
+    "format",       "station.timezone", "listeners.greeting",
+    "network.bind", "directory.id",     "directory.email"};
 
-/// A setting that the owner may change.
+/// A setting with limits or with a name that its owner knows. Its kind is that of the stored value;
+/// a number that is not here may be any.
 struct Rule {
     std::string_view path;
     std::string_view words; ///< as the owner knows it
-    Kind kind = Kind::text;
-    int low = 0; ///< of a whole number
+    int low = 0;            ///< of a number
     int high = 0;
 };
 
 constexpr std::array rules = {
-    Rule{"station.name", "station name"},
-    Rule{"station.callsign", "callsign"},
-    Rule{"station.operator", "operator"},
-    Rule{"station.location", "location"},
-    Rule{"station.grid", "grid square"},
-    Rule{"station.antenna", "antenna"},
-    Rule{"station.contact", "contact"},
-    Rule{"station.description", "description"},
-    Rule{"station.banner", "message on the station page"},
-    Rule{"attach", "sharing of Dialhouse's receivers", Kind::boolean},
-    Rule{"receivers", "list of receivers", Kind::list},
-    Rule{"listeners.max", "number of listeners at once", Kind::whole_number, 1, 200},
-    Rule{"listeners.per_address", "number of listeners from one address", Kind::whole_number, 1,
-         20},
-    Rule{"listeners.session_minutes", "session length", Kind::whole_number, 0, 1440},
-    Rule{"listeners.cooldown_minutes", "wait before listening again", Kind::whole_number, 0, 1440},
-    Rule{"listeners.idle_minutes", "time before asking “Still listening?”", Kind::whole_number, 1,
-         1440},
-    Rule{"content.modes", "list of modes", Kind::list},
-    Rule{"content.block_fm_broadcast", "block on FM broadcast audio", Kind::boolean},
-    Rule{"content.block_am_broadcast", "block on AM broadcast audio", Kind::boolean},
-    Rule{"access.banned", "list of blocked addresses", Kind::list},
-    Rule{"relay.enabled", "relay switch", Kind::boolean},
-    Rule{"relay.key", "relay key"},
-    Rule{"network.port", "public port", Kind::whole_number, 1024, 65535},
-    Rule{"directory.listed", "listing switch", Kind::boolean},
-    Rule{"directory.url", "station list address"},
+    Rule{"attach", "sharing of Dialhouse's receivers"},
+    Rule{"receivers", "list of receivers"},
+    Rule{"listeners.max", "number of listeners at once", 1, 200},
+    Rule{"listeners.per_address", "number of listeners from one address", 1, 20},
+    Rule{"listeners.session_minutes", "session length", 0, 1440},
+    Rule{"listeners.cooldown_minutes", "wait before listening again", 0, 1440},
+    Rule{"listeners.idle_minutes", "time before asking “Still listening?”", 1, 1440},
+    Rule{"content.modes", "list of modes"},
+    Rule{"content.block_fm_broadcast", "block on FM broadcast audio"},
+    Rule{"content.block_am_broadcast", "block on AM broadcast audio"},
+    Rule{"access.banned", "list of blocked addresses"},
+    Rule{"relay.enabled", "relay switch"},
+    Rule{"network.port", "public port", 1024, 65535},
+    Rule{"directory.listed", "listing switch"},
 };
 
 constexpr std::array<std::string_view, 5> known_modes = {"USB", "LSB", "CW", "AM", "FM"};
@@ -77,23 +66,26 @@ std::string quoted(std::string_view text) {
     return "“" + std::string{text} + "”";
 }
 
-std::string kind_fault(const Rule& rule, const json::value& value) {
-    const std::string subject = "The " + std::string{rule.words};
-    const std::string where = " (" + std::string{rule.path} + ").";
-    switch (rule.kind) {
-    case Kind::text:
+/// What is wrong with a value that takes the place of a stored one; "" when nothing is.
+std::string kind_fault(const std::string& path, const json::value& stored,
+                       const json::value& value) {
+    const auto* found = std::find_if(rules.begin(), rules.end(),
+                                     [&](const Rule& rule) { return rule.path == path; });
+    const bool known = found != rules.end();
+    const std::string subject = known ? "The " + std::string{found->words} : "The setting " + path;
+    const std::string where = known ? " (" + path + ")." : ".";
+    if (stored.is_string())
         return value.is_string() ? "" : subject + " must be a text" + where;
-    case Kind::boolean:
+    if (stored.is_bool())
         return value.is_bool() ? "" : subject + " must be on or off" + where;
-    case Kind::list:
+    if (stored.is_array())
         return value.is_array() ? "" : subject + " must be a list" + where;
-    case Kind::whole_number:
-        if (is_whole_number(value, rule.low, rule.high))
-            return "";
-        return subject + " must be a whole number from " + std::to_string(rule.low) + " to " +
-               std::to_string(rule.high) + where;
-    }
-    return "";
+    if (!known)
+        return value.is_number() ? "" : subject + " must be a number" + where;
+    if (is_whole_number(value, found->low, found->high))
+        return "";
+    return subject + " must be a whole number from " + std::to_string(found->low) + " to " +
+           std::to_string(found->high) + where;
 }
 
 /// Compares member by member, so that the first fault names the member it is about.
@@ -104,21 +96,19 @@ std::string members_fault(const json::object& stored, const json::object& propos
         const json::value* value = proposed.if_contains(key);
         if (!value)
             return "The setting " + path + " is missing.";
-        const auto* rule =
-            std::find_if(rules.begin(), rules.end(), [&](const Rule& r) { return r.path == path; });
-        if (rule != rules.end()) {
-            if (std::string fault = kind_fault(*rule, *value); !fault.empty())
-                return fault;
-        } else if (stored_value.is_object()) {
-            if (!value->is_object())
-                return "The setting " + path + " must be a group of settings.";
-            std::string fault =
-                members_fault(stored_value.get_object(), value->get_object(), path + ".");
-            if (!fault.empty())
-                return fault;
-        } else if (*value != stored_value) {
-            return "The setting " + path + " must come back as it was read. Load it again.";
+        std::string fault;
+        if (std::find(not_edited.begin(), not_edited.end(), path) != not_edited.end()) {
+            if (*value != stored_value)
+                fault = "The setting " + path + " must come back as it was read. Load it again.";
+        } else if (!stored_value.is_object()) {
+            fault = kind_fault(path, stored_value, *value);
+        } else if (value->is_object()) {
+            fault = members_fault(stored_value.get_object(), value->get_object(), path + ".");
+        } else {
+            fault = "The setting " + path + " must be a group of settings.";
         }
+        if (!fault.empty())
+            return fault;
     }
     for (const auto& member : proposed)
         if (!stored.contains(member.key()))
@@ -196,6 +186,16 @@ std::string list_address_fault(std::string_view url) {
     return "The station list address must begin with https:// or http://.";
 }
 
+void settle(json::value& value) {
+    if (value.is_number())
+        value = std::llround(as_double(value));
+    else if (json::object* members = value.if_object())
+        settle_numbers(*members);
+    else if (json::array* elements = value.if_array())
+        for (json::value& element : *elements)
+            settle(element);
+}
+
 } // namespace
 
 std::string settings_fault(const json::object& stored, const json::object& proposed) {
@@ -213,16 +213,6 @@ std::string settings_fault(const json::object& stored, const json::object& propo
 }
 
 void settle_numbers(json::object& settings) {
-    for (const char* name :
-         {"max", "per_address", "session_minutes", "cooldown_minutes", "idle_minutes"}) {
-        json::value& number = settings.at("listeners").as_object().at(name);
-        number = std::llround(as_double(number));
-    }
-    json::value& port = settings.at("network").as_object().at("port");
-    port = std::llround(as_double(port));
-    for (json::value& receiver : settings.at("receivers").as_array())
-        for (const char* name : {"lo", "hi"}) {
-            json::value& frequency = receiver.as_object().at(name);
-            frequency = std::llround(as_double(frequency));
-        }
+    for (json::key_value_pair& member : settings)
+        settle(member.value());
 }

@@ -99,8 +99,8 @@ TEST(SettingsCheck, HoldsEachMemberToItsKind) {
         std::string_view fault;
     };
     const std::vector<Case> cases = {
-        {"/station/name", 5, "The station name must be a text (station.name)."},
-        {"/station/description", nullptr, "The description must be a text (station.description)."},
+        {"/station/name", 5, "The setting station.name must be a text."},
+        {"/station/description", nullptr, "The setting station.description must be a text."},
         {"/attach", 1, "The sharing of Dialhouse's receivers must be on or off (attach)."},
         {"/relay/enabled", "yes", "The relay switch must be on or off (relay.enabled)."},
         {"/directory/listed", nullptr, "The listing switch must be on or off (directory.listed)."},
@@ -114,6 +114,16 @@ TEST(SettingsCheck, HoldsEachMemberToItsKind) {
         SCOPED_TRACE(c.pointer);
         EXPECT_EQ(fault_of(with(c.pointer, c.value)), c.fault);
     }
+}
+
+TEST(SettingsCheck, HoldsASettingWithoutARuleOfItsOwnToItsKind) {
+    json::object with_height = stored();
+    with_height["height_m"] = 12;
+    json::object proposed = with_height;
+    proposed["height_m"] = 20.5;
+    EXPECT_EQ(settings_fault(with_height, proposed), "");
+    proposed["height_m"] = "high";
+    EXPECT_EQ(settings_fault(with_height, proposed), "The setting height_m must be a number.");
 }
 
 TEST(SettingsCheck, NamesEveryMemberThatIsMissing) {

@@ -252,7 +252,7 @@ class Files(unittest.TestCase):
                 self.assertEqual((reply.status, reply.document()), (200, {"restart": True}))
                 reply = simulator.request("POST", "/api/register", {"email": "a@b.example"})
                 self.assertEqual(reply.status, 200)
-                reply = simulator.request("POST", "/api/ban", {"address": "203.0.113.9"})
+                reply = simulator.request("POST", "/api/ban", {"address": "203.0.113.77"})
                 self.assertEqual(reply.status, 200)
                 simulator.process.kill()
             with Simulator(PROGRAM, *arguments) as simulator:
@@ -261,7 +261,7 @@ class Files(unittest.TestCase):
                 self.assertEqual(settings["station"]["name"], "Valley SDR")
                 self.assertEqual(settings["network"]["port"], 9000)
                 self.assertEqual(settings["directory"]["email"], "a@b.example")
-                self.assertEqual(settings["access"]["banned"][-1], "203.0.113.9")
+                self.assertEqual(settings["access"]["banned"][-1], "203.0.113.77")
                 self.assertNotEqual(document["status"]["directory"]["state"], "not registered")
 
     def test_a_broken_state_file_is_an_error_and_stays(self):
@@ -279,7 +279,7 @@ class Files(unittest.TestCase):
         with tempfile.TemporaryDirectory() as folder:
             state = os.path.join(folder, "missing", "state")
             with Simulator(PROGRAM, "--state", state) as simulator:
-                reply = simulator.request("POST", "/api/ban", {"address": "203.0.113.9"})
+                reply = simulator.request("POST", "/api/ban", {"address": "203.0.113.77"})
                 self.assertEqual(reply.status, 500)
                 self.assertEqual(reply.document()["error"],
                                  "The settings could not be stored: " + state +
@@ -288,7 +288,7 @@ class Files(unittest.TestCase):
     def test_nothing_is_written_without_being_asked(self):
         with tempfile.TemporaryDirectory() as folder:
             with Simulator(PROGRAM, folder=folder) as simulator:
-                simulator.request("POST", "/api/ban", {"address": "203.0.113.9"})
+                simulator.request("POST", "/api/ban", {"address": "203.0.113.77"})
                 self.assertEqual(sorted(os.listdir(folder)), ["log", "socket"])
 
     def test_bodies_are_recorded_as_they_came(self):

@@ -31,7 +31,7 @@ class Request:
 
 
 REQUESTS = {
-    "GET /api/state": Request(json.loads((HERE / "state.json").read_text()), reads_reply=True),
+    "GET /api/state": Request(json.loads((HERE.parents[1] / "docs" / "state.json").read_text()), reads_reply=True),
     "PUT /api/settings": Request({"restart": False}, reads_reply=True, reads_refusal=True),
     "GET /api/devices": Request([{"backend": "sdrplay", "serial": "2305012345", "model": "RSPdx",
                                   "available": True}], reads_reply=True),

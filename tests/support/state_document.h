@@ -11,9 +11,9 @@
 
 #include <string_view>
 
-/// The document in state.json: a registered, checked-in and reachable station with two receivers
-/// and two listeners, the second of whom has not tuned yet. Every member that the service may send
-/// is there.
+/// The document in docs/state.json: a registered, checked-in and reachable station with two
+/// receivers and two listeners, the second of whom has not tuned yet. Every member that the service
+/// may send is there.
 boost::json::value state_document();
 
 /// Returns `document` with the value at a dotted path replaced or added. A segment names a
