@@ -29,6 +29,9 @@ namespace {
 
 constexpr int probe_time_limit_s = 3;
 
+/// Without its ending: by this name a desktop finds it from a window.
+constexpr char desktop_file_name[] = "org.tarnwave.Settings";
+
 constexpr char help_text[] =
     "Usage: tarnwave-settings [PAGE]\n"
     "The settings window of a small internet radio station.\n"
@@ -128,11 +131,11 @@ int start_up(int argc, char** argv) {
     // A parent may have left SIGCHLD ignored: the commands' outcomes would then be lost.
     std::signal(SIGCHLD, SIG_DFL);
 
-    // The name by which a desktop finds the program of a window. GTK would begin the class with a
-    // capital, and sets it while it starts.
-    g_set_prgname("tarnwave-settings");
+    // The app id of a window, and its class under X11, for which GTK would begin this name with a
+    // capital.
+    g_set_prgname(desktop_file_name);
     gtk_init(&argc, &argv);
-    gdk_set_program_class("tarnwave-settings");
+    gdk_set_program_class(desktop_file_name);
     // GTK takes over the user's locale. Frequencies are written and read with a dot everywhere;
     // dates keep the user's language.
     std::setlocale(LC_NUMERIC, "C");

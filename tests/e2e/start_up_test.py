@@ -57,9 +57,9 @@ class Arguments(Case):
         self.station("quiet")
         program = self.open()
         entry = (ROOT / "data" / "org.tarnwave.Settings.desktop").read_text()
-        self.assertIn("\nStartupWMClass=tarnwave-settings\n", entry)
+        self.assertIn("\nStartupWMClass=org.tarnwave.Settings\n", entry)
         self.assertEqual(window_class(program.window_id()),
-                         ("tarnwave-settings", "tarnwave-settings"))
+                         ("org.tarnwave.Settings", "org.tarnwave.Settings"))
 
     def test_help_and_version_need_no_display(self):
         environment = self.environment(DISPLAY=None)
