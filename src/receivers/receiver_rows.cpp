@@ -69,7 +69,7 @@ GtkWidget* make_frequency_row(Receiver& receiver) {
     GtkWidget* frequencies = make_label("Frequencies", nullptr, false);
     // On a small screen there is room for the numbers or for this word.
     ellipsise(frequencies);
-    set_whole_text_tooltip(frequencies);
+    add_whole_text_tooltip(frequencies);
     pack(row, frequencies);
     pack(row, receiver.low_spin);
     pack(row, make_label("to", nullptr, false));

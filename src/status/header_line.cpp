@@ -2,16 +2,13 @@
 #include "status/header_line.h"
 
 #include "link/json_access.h"
-#include "link/text.h"
 #include "status/overview_texts.h"
 #include "ui/field_rules.h"
 #include "ui/widgets/setters.h"
 
 void show_header_title() {
-    const std::string title = valid_utf8(
-        header_title(setting_string("station.name"), setting_string("station.callsign")));
-    set_label_text(widgets.header_title, title);
-    set_whole_text_tooltip(widgets.header_title);
+    set_label_text(widgets.header_title, header_title(setting_string("station.name"),
+                                                      setting_string("station.callsign")));
 }
 
 void show_header_line(const StatusLine& line) {

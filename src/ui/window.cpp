@@ -47,6 +47,7 @@ GtkWidget* make_header_texts() {
     pack(texts, make_label("TARNWAVE", "brand"));
     widgets.header_title = make_label("Your station", "title");
     limit_lines(widgets.header_title, 2);
+    add_whole_text_tooltip(widgets.header_title);
     pack(texts, widgets.header_title);
 
     GtkWidget* line = make_box(GTK_ORIENTATION_HORIZONTAL, 7);
@@ -91,6 +92,7 @@ GtkWidget* make_footer() {
     GtkWidget* footer = make_box(GTK_ORIENTATION_HORIZONTAL, 10, "footer");
     widgets.footer_status = make_label("", "muted", false);
     ellipsise(widgets.footer_status);
+    add_whole_text_tooltip(widgets.footer_status);
     announce_changes(widgets.footer_status);
     pack(footer, widgets.footer_status, true);
     pack_end(footer,

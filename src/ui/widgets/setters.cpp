@@ -13,6 +13,13 @@ constexpr struct {
 } status_class_names[] = {
     {StatusClass::good, "good"}, {StatusClass::warning, "warning"}, {StatusClass::error, "error"}};
 
+gboolean on_query_tooltip(GtkLabel* label, gint, gint, gboolean, GtkTooltip* tooltip, gpointer) {
+    if (!pango_layout_is_ellipsized(gtk_label_get_layout(label)))
+        return FALSE;
+    gtk_tooltip_set_text(tooltip, shortened(gtk_label_get_text(label), longest_tooltip).c_str());
+    return TRUE;
+}
+
 } // namespace
 
 void add_style_class(GtkWidget* widget, const char* style_class) {
@@ -62,9 +69,9 @@ void limit_lines(GtkWidget* label, int lines) {
     gtk_label_set_lines(GTK_LABEL(label), lines);
 }
 
-void set_whole_text_tooltip(GtkWidget* label) {
-    gtk_widget_set_tooltip_text(
-        label, shortened(gtk_label_get_text(GTK_LABEL(label)), longest_tooltip).c_str());
+void add_whole_text_tooltip(GtkWidget* label) {
+    gtk_widget_set_has_tooltip(label, TRUE);
+    g_signal_connect(label, "query-tooltip", G_CALLBACK(on_query_tooltip), nullptr);
 }
 
 void show_footer(const StatusLine& line) {
@@ -74,7 +81,6 @@ void show_footer(const StatusLine& line) {
     // Said again after a second press, the words are no change, but an answer.
     if (same_words)
         announce(widgets.footer_status);
-    set_whole_text_tooltip(widgets.footer_status);
 }
 
 void show_footer_error(const std::string& text) {

@@ -31,9 +31,9 @@ void limit_lines(GtkWidget* label, int lines);
 /// Longest tooltip, in bytes. Ours: about a dozen lines.
 inline constexpr std::size_t longest_tooltip = 2000;
 
-/// Shows a label's text as its tooltip, for labels that may end in an ellipsis. A text longer than
-/// a tooltip can be read is cut.
-void set_whole_text_tooltip(GtkWidget* label);
+/// Shows a label's text as its tooltip while it ends in an ellipsis. A text longer than a tooltip
+/// can be read is cut.
+void add_whole_text_tooltip(GtkWidget* label);
 
 /// Reports in the footer.
 void show_footer(const StatusLine& line);
