@@ -104,6 +104,8 @@ GtkWidget* make_footer() {
 
 void build_window() {
     apply_theme();
+    // For the dialogs and the list of keys, too.
+    gtk_window_set_default_icon_name("tarnwave");
     widgets.window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     gtk_window_set_title(GTK_WINDOW(widgets.window), "Tarnwave settings");
     gtk_window_set_icon_name(GTK_WINDOW(widgets.window), "tarnwave");
