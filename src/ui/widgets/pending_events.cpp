@@ -10,6 +10,10 @@ namespace {
 constexpr guint first_frame_limit_ms = 1000;
 constexpr guint frame_limit_ms = 250;
 
+/// How long the window below a destroyed dialog may take to be drawn again, in milliseconds.
+/// Without a compositor the display asks for that late, after the next frame. Enough in all trials.
+constexpr guint uncover_time_ms = 100;
+
 gboolean on_time_over(gpointer over) {
     *static_cast<bool*>(over) = true;
     return G_SOURCE_REMOVE;
@@ -93,7 +97,7 @@ gint run_dialog(GtkWidget* dialog) {
 
     const gint response = gtk_dialog_run(GTK_DIALOG(dialog));
     gtk_widget_destroy(dialog);
-    run_pending_events();
+    turn_loop_until(uncover_time_ms, [] { return !widgets.window; });
     gdk_display_flush(gdk_display_get_default());
     return response;
 }

@@ -66,6 +66,25 @@ TEST_F(PendingEvents, DrawNowWaitsForNoWindowThatIsNotThere) {
     EXPECT_GT(frames.count(), 0);
 }
 
+TEST_F(PendingEvents, ADestroyedDialogIsPaintedOverEvenWhereTheDisplayAsksForItLate) {
+    bool painted = false;
+    const auto on_draw = +[](GtkWidget*, cairo_t*, bool* done) -> gboolean {
+        *done = true;
+        return GDK_EVENT_PROPAGATE;
+    };
+    const auto on_late_expose = +[](gpointer done) -> gboolean {
+        *static_cast<bool*>(done) = false;
+        gtk_widget_queue_draw(widgets.window);
+        return G_SOURCE_REMOVE;
+    };
+    g_signal_connect(widgets.window, "draw", G_CALLBACK(on_draw), &painted);
+    answer_next_dialog(GTK_RESPONSE_CLOSE, [&] { g_timeout_add(40, on_late_expose, &painted); });
+    run_dialog(gtk_message_dialog_new(GTK_WINDOW(widgets.window), GTK_DIALOG_MODAL,
+                                      GTK_MESSAGE_INFO, GTK_BUTTONS_CLOSE, "Well?"));
+    EXPECT_TRUE(painted);
+    g_signal_handlers_disconnect_by_data(widgets.window, &painted);
+}
+
 TEST_F(PendingEvents, RunPendingEventsRunsThemAllAndWaitsForNone) {
     int runs = 0;
     const auto on_idle = +[](gpointer count) -> gboolean {
