@@ -103,6 +103,8 @@ void load_form() {
     check_grid_square();
     update_upload_estimate();
     update_relay_visibility();
+    // What was found is no longer what the rows show.
+    set_label_text(widgets.receivers_status, "");
     widgets.loading = false;
     mark_clean();
 
