@@ -10,8 +10,8 @@
 namespace {
 
 void save_if_edited() {
-    // An unchanged form has nothing to send.
-    if (widgets.dirty)
+    // As the button: there is nothing to save, or it is being saved.
+    if (gtk_widget_get_sensitive(widgets.save_button))
         save_settings();
 }
 

@@ -16,7 +16,7 @@ gboolean on_idle(gpointer) {
 } // namespace
 
 void set_linger() {
-    const BusyWith busy{nullptr};
+    const BusyWith busy{widgets.linger_switch};
     const bool wanted = gtk_switch_get_active(GTK_SWITCH(widgets.linger_switch));
     // Whether it worked is read back from the system, not from the command.
     g_spawn_command_line_sync(wanted ? "loginctl enable-linger" : "loginctl disable-linger",

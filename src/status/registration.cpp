@@ -44,12 +44,6 @@ void send_registration(const std::string& email) {
 
 void register_station() {
     const ReadingStep step{"registering the station"};
-    // Drawing lets every handler run, this one too: Enter in the entry works while the button is
-    // greyed.
-    static bool registering = false;
-    const OnlyOnce once{registering};
-    if (!once.is_first())
-        return;
     if (!gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(widgets.understand_check))) {
         show_footer_error("Tick “I understand” first.");
         return;
@@ -59,10 +53,9 @@ void register_station() {
         show_footer_error("Enter your email address.");
         return;
     }
+    const BusyWith busy{widgets.register_button};
     if (widgets.dirty && !save_settings())
         return;
-
-    const BusyWith busy{widgets.register_button};
     show_footer({"Registering…", StatusClass::none});
     draw_now();
     if (widgets.window)

@@ -18,7 +18,9 @@ void on_register_clicked(GtkButton*, gpointer) {
 }
 
 void on_email_activated(GtkEntry*, gpointer) {
-    register_station();
+    // As the button: not while it runs, nor for a key that was queued meanwhile.
+    if (gtk_widget_get_sensitive(widgets.register_button))
+        register_station();
 }
 
 void on_relay_switch_toggled(GtkSwitch*, GParamSpec*, gpointer) {

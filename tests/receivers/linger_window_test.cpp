@@ -2,6 +2,7 @@
 #include "receivers/linger.h"
 
 #include "link/json_access.h"
+#include "receivers/set_linger.h"
 #include "support/window_fixture.h"
 
 namespace {
@@ -83,6 +84,13 @@ TEST_F(Linger, FollowsTheSystemAtEveryLoadWithoutChangingIt) {
         EXPECT_FALSE(widgets.dirty);
         EXPECT_FALSE(widgets.linger_guard);
     }
+}
+
+TEST_F(Linger, IgnoresPressesUntilTheChangeIsMade) {
+    set_linger();
+    EXPECT_FALSE(gtk_widget_is_sensitive(widgets.linger_switch));
+    drain_events();
+    EXPECT_TRUE(gtk_widget_is_sensitive(widgets.linger_switch));
 }
 
 TEST_F(Linger, IsSwitchedOnByOneCommand) {

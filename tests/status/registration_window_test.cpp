@@ -212,6 +212,24 @@ TEST_F(Registration, BeginsOnlyOnceHoweverOftenEnterIsPressed) {
     EXPECT_EQ(footer(), registered);
 }
 
+TEST_F(Registration, IgnoresAnEnterThatWasPressedWhileItRan) {
+    service.will_answer("POST", "/api/register", 409, R"({"error":"Not now."})");
+    gtk_widget_activate(widgets.register_email);
+    gtk_widget_activate(widgets.register_email); // handled before anything idle, as a queued key
+    EXPECT_EQ(service.requests("POST", "/api/register").size(), 1U);
+    drain_events();
+    gtk_widget_activate(widgets.register_email);
+    EXPECT_EQ(service.requests("POST", "/api/register").size(), 2U);
+}
+
+TEST_F(Registration, IgnoresAnEnterThatWasPressedWhileItsSaveFailed) {
+    type_into("station.name", "Edited");
+    service.will_answer("PUT", "/api/settings", 409, R"({"error":"The port is taken."})");
+    gtk_widget_activate(widgets.register_email);
+    gtk_widget_activate(widgets.register_email);
+    EXPECT_EQ(service.requests("PUT", "/api/settings").size(), 1U);
+}
+
 TEST_F(Registration, CanBePressedAgainAfterARefusal) {
     service.will_answer("POST", "/api/register", 409, R"({"error":"Not now."})");
     click(widgets.register_button);

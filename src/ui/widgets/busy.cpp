@@ -5,6 +5,9 @@
 
 namespace {
 
+/// One action may contain another: registering saves first.
+int actions_running = 0;
+
 void show_pointer(const char* name) {
     GdkWindow* window = widgets.window ? gtk_widget_get_window(widgets.window) : nullptr;
     if (!window)
@@ -51,9 +54,8 @@ struct BusyWith::Restore {
 };
 
 BusyWith::BusyWith(GtkWidget* button, bool (*sensitive_again)()) {
+    ++actions_running;
     show_pointer("wait");
-    if (!button)
-        return;
     const bool focus_was_there = gtk_window_get_focus(GTK_WINDOW(widgets.window)) != nullptr;
     const bool focus_was_here = gtk_widget_is_focus(button) == TRUE;
     restore_ = new Restore{button, focus_was_there, focus_was_here, sensitive_again};
@@ -62,8 +64,8 @@ BusyWith::BusyWith(GtkWidget* button, bool (*sensitive_again)()) {
 }
 
 BusyWith::~BusyWith() {
-    show_pointer(nullptr);
+    if (--actions_running == 0)
+        show_pointer(nullptr);
     // Queued clicks are handled before idle callbacks and find the button insensitive.
-    if (restore_)
-        g_idle_add(Restore::on_idle, restore_);
+    g_idle_add(Restore::on_idle, restore_);
 }

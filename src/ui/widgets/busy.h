@@ -7,10 +7,11 @@
 
 #include <gtk/gtk.h>
 
-/// Shows the busy pointer over the window and makes `button` (null: none) insensitive, until the
-/// end of the scope. The button is re-enabled from idle, so that queued clicks are discarded, and
-/// only where `sensitive_again` (null: always) says so. If the action left the window without a
-/// focus, the button gets it back, or else the list of pages.
+/// Shows the busy pointer over the window and makes `button` insensitive, until the end of the
+/// scope. The button is re-enabled from idle, so that queued clicks are discarded (and queued keys,
+/// where their handlers ask whether the button is sensitive), and only where `sensitive_again`
+/// (null: always) says so. If the action left the window without a focus, the button gets it back,
+/// or else the list of pages.
 class BusyWith {
 public:
     explicit BusyWith(GtkWidget* button, bool (*sensitive_again)() = nullptr);

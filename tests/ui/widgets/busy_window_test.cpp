@@ -70,12 +70,14 @@ TEST_F(Busy, GivesTheFocusBackUnlessItMovedOn) {
     EXPECT_EQ(gtk_window_get_focus(GTK_WINDOW(widgets.window)), field("attach"));
 }
 
-TEST_F(Busy, NeedsNoButton) {
+TEST_F(Busy, KeepsThePointerWhenAnActionWithinItIsOver) {
     {
-        const BusyWith busy{nullptr};
+        const BusyWith outer{widgets.register_button};
+        { const BusyWith inner{widgets.save_button, never}; }
         EXPECT_NE(pointer(), nullptr);
     }
     EXPECT_EQ(pointer(), nullptr);
+    drain_events();
 }
 
 TEST(OnlyOnceTest, LetsTheFirstInUntilItIsOver) {

@@ -141,6 +141,7 @@ protected:
             if (GTK_IS_SWITCH(widget)) {
                 GtkSwitch* button = GTK_SWITCH(widget);
                 gtk_switch_set_active(button, !gtk_switch_get_active(button));
+                drain_events(); // the one for lingering acts at once
                 expect_ring(widget, "the other way");
                 gtk_switch_set_active(button, !gtk_switch_get_active(button));
             } else if (GTK_IS_TOGGLE_BUTTON(widget) &&
