@@ -48,6 +48,19 @@ std::string shortened_in_front(std::string_view text, std::size_t most_bytes) {
     return "…" + std::string{text.substr(start)};
 }
 
+std::string isolated(std::string_view text) {
+    const std::string whole{text};
+    for (const char* at = whole.c_str(); *at; at = g_utf8_next_char(at)) {
+        const gunichar letter = g_utf8_get_char(at);
+        // The blocks that Unicode keeps for scripts written from right to left.
+        if ((letter >= 0x0590 && letter <= 0x08FF) || (letter >= 0xFB1D && letter <= 0xFDFF) ||
+            (letter >= 0xFE70 && letter <= 0xFEFC) || (letter >= 0x10800 && letter <= 0x10FFF) ||
+            (letter >= 0x1E800 && letter <= 0x1EFFF))
+            return "\u200E\u2068" + whole + "\u2069";
+    }
+    return whole;
+}
+
 std::string escaped_markup(std::string_view text) {
     return GlibText{g_markup_escape_text(shortened(text).c_str(), -1)}.get();
 }

@@ -31,8 +31,8 @@ constexpr bool is_continuation_byte(char byte) {
 }
 
 /// Longest text from outside that a label shows, in bytes. Nobody reads more, and the layout of a
-/// megabyte takes seconds.
-inline constexpr std::size_t longest_shown_text = 131'072;
+/// longer one takes over a tenth of a second.
+inline constexpr std::size_t longest_shown_text = 8192;
 
 /// Cuts a longer text after at most `most_bytes`, between two characters, and appends an ellipsis.
 /// `text` is valid UTF-8.
@@ -40,6 +40,11 @@ std::string shortened(std::string_view text, std::size_t most_bytes = longest_sh
 
 /// The same, but keeps the end of the text.
 std::string shortened_in_front(std::string_view text, std::size_t most_bytes = longest_shown_text);
+
+/// Encloses a text that has right-to-left letters in U+2068 and U+2069, so that it does not reorder
+/// the numbers beside it, after a left-to-right mark, since Pango would take the direction of the
+/// whole line from within. Other texts stay as they are. `text` is valid UTF-8.
+std::string isolated(std::string_view text);
 
 /// Shortens text and escapes it for Pango markup, control characters included. `text` is valid
 /// UTF-8, as all JSON is. U+0000 ends the text, as it does in GTK's labels: inside markup it would

@@ -96,7 +96,7 @@ StatusLine coverage_line(std::string_view backend, double low_mhz, double high_m
 std::string receiver_subtitle_markup(std::string_view backend, std::string_view serial,
                                      bool available) {
     std::string markup =
-        escaped_markup(kind_label(backend)) + " · serial " + escaped_markup(serial);
+        escaped_markup(kind_label(backend)) + " · serial " + escaped_markup(isolated(serial));
     if (!available)
         markup += " · <span foreground=\"#FFB020\">in use by another program</span>";
     return markup;

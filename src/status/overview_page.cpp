@@ -167,9 +167,10 @@ void draw_checklist(const StationState& state) {
 
 void draw_station_link(const StationState& state) {
     const std::string link = valid_utf8(state.station_link);
+    const std::string shown = shortened(link);
     GtkButton* button = GTK_BUTTON(widgets.station_link);
-    if (gtk_button_get_label(button) != link) {
-        gtk_button_set_label(button, link.c_str());
+    if (gtk_button_get_label(button) != shown) {
+        gtk_button_set_label(button, shown.c_str());
         // GTK makes a new label for a new text.
         ellipsise(gtk_bin_get_child(GTK_BIN(button)));
         gtk_link_button_set_uri(GTK_LINK_BUTTON(widgets.station_link),

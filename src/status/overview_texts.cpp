@@ -4,6 +4,7 @@
 #include "link/build_constants.h"
 #include "link/text.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -81,7 +82,7 @@ std::string frequency_text(double hz) {
 }
 
 std::string receiver_markup(std::string_view device, double lo_hz, double hi_hz) {
-    return "<b>" + escaped_markup(device.empty() ? "Receiver" : device) + "</b>   " +
+    return "<b>" + escaped_markup(device.empty() ? "Receiver" : isolated(device)) + "</b>   " +
            frequency_text(lo_hz) + " – " + frequency_text(hi_hz) + " MHz";
 }
 
@@ -89,13 +90,26 @@ const char* receiver_origin(bool attached) {
     return attached ? "shared from Dialhouse" : "started by Tarnwave";
 }
 
-/// Most of a log that is shown, in bytes: its end, which says why the receiver failed. Below the
-/// bound of every shown text, whose cut would take the end away.
-static constexpr std::size_t longest_log = longest_shown_text - 3;
+std::string end_of_log(std::string_view log) {
+    // Below the bound of every shown text, whose cut would take the end away.
+    constexpr std::size_t longest_log = longest_shown_text - 3;
+    constexpr std::size_t row_bytes = 90; // in a window of the default width
+    constexpr std::size_t most_rows = longest_log / row_bytes + 1;
+    std::size_t start = log.size();
+    std::size_t column = 0;
+    for (std::size_t rows = 1; start > 0; --start) {
+        if (log[start - 1] == '\n' || ++column == row_bytes) {
+            if (++rows > most_rows)
+                break;
+            column = 0;
+        }
+    }
+    return shortened_in_front(log, std::min(log.size() - start, longest_log));
+}
 
 std::string failed_receiver_markup(std::string_view serial, std::string_view log) {
-    return "<b>" + escaped_markup(serial) +
-           "</b> is not running. Its log: " + escaped_markup(shortened_in_front(log, longest_log));
+    return "<b>" + escaped_markup(isolated(serial)) +
+           "</b> is not running. Its log: " + escaped_markup(end_of_log(log));
 }
 
 std::string listening_title(const StationState& state) {

@@ -53,6 +53,10 @@ std::string receiver_markup(std::string_view device, double lo_hz, double hi_hz)
 const char* receiver_origin(bool attached);
 
 /// A receiver that was started and failed, with its log: of a very long one the end.
+/// The end of a receiver's log: at most 8 KiB, and no more rows than that fills without a line
+/// feed, so that a log makes no page longer than three screens.
+std::string end_of_log(std::string_view log);
+
 std::string failed_receiver_markup(std::string_view serial, std::string_view log);
 
 /// "Listening now · 3 of 20".

@@ -79,6 +79,13 @@ TEST(Shortened, CutsBetweenTwoCharacters) {
     EXPECT_EQ(shortened("", 0), "");
 }
 
+TEST(Isolated, EnclosesATextWithRightToLeftLettersAlone) {
+    for (const char* text : {"", "SDRplay RSP1", "Dresden – Süd", "7.3 MHz", "广播电台", "📻 αβγ ж"})
+        EXPECT_EQ(isolated(text), text);
+    for (const std::string text : {"מקלט", "راديو", "SDR راديو 1", "ﷺ", "\u07CA", "\U0001E900"})
+        EXPECT_EQ(isolated(text), "\u200E\u2068" + text + "\u2069");
+}
+
 TEST(Shortened, InFrontKeepsTheEnd) {
     EXPECT_EQ(shortened_in_front("äöü", 6), "äöü");
     EXPECT_EQ(shortened_in_front("äöü", 5), "…öü");

@@ -75,6 +75,19 @@ TEST(FailedReceiver, ShowsTheEndOfALogThatIsTooLongToRead) {
               "<b>S</b> is not running. Its log: …" + whole);
 }
 
+TEST(FailedReceiver, ShowsNoMoreRowsOfALogThanALongLineFills) {
+    std::string rows;
+    for (int i = 0; i < 90; ++i)
+        rows += "\nx";
+    EXPECT_EQ(end_of_log("a" + rows), "a" + rows);
+    EXPECT_EQ(end_of_log("first\na" + rows), "…a" + rows);
+    std::string folded; // each line as long as two rows
+    for (int i = 0; i < 45; ++i)
+        folded += "\n" + std::string(100, 'x');
+    EXPECT_EQ(end_of_log("a" + folded), "a" + folded);
+    EXPECT_EQ(end_of_log("first\na" + folded), "…a" + folded);
+}
+
 } // namespace
 
 TEST(HeaderLine, FollowsItsTable) {
