@@ -3,7 +3,7 @@
 
 #include "link/json_access.h"
 #include "link/text.h"
-#include "status/column_widths.h"
+#include "status/at_scope_end.h"
 #include "status/overview_texts.h"
 #include "ui/widgets/setters.h"
 
@@ -24,6 +24,13 @@ constexpr std::array<const char*, column_count> column_titles = {"#", "Address",
 /// Height of the scrolled window around the table, in pixels.
 constexpr int table_height = 150;
 
+/// Greatest width of a column, in characters: an IPv6 address has 39. What is longer ends in an
+/// ellipsis.
+constexpr glong most_column_characters = 40;
+
+/// Room on both sides of a cell's text, in pixels.
+constexpr int cell_padding = 20;
+
 struct ListenerRow {
     std::int32_t number = 0;
     std::string address{};
@@ -31,134 +38,53 @@ struct ListenerRow {
     std::string time{};
 };
 
-struct ShownListener {
-    GtkTreeIter iter{}; ///< stays valid while the row exists: the store's iterators persist
-    ListenerRow row{};
-};
-
-/// What a table shows. It is remembered with the table's store, and gone with it.
-struct ShownTable {
-    std::vector<ShownListener> listeners{};
-    ColumnWidths column_widths{};
-};
-
-constexpr char shown_table_key[] = "shown-table";
-
-/// That of `widgets.listeners_store`, looked up once for each pass.
-ShownTable* shown_table = nullptr;
-
-void forget_table(gpointer table) {
-    delete static_cast<ShownTable*>(table);
+GtkTreeView* view() {
+    return GTK_TREE_VIEW(widgets.listeners_view);
 }
 
-void look_up_shown_table() {
-    shown_table = static_cast<ShownTable*>(
-        g_object_get_data(G_OBJECT(widgets.listeners_store), shown_table_key));
+GtkTreeModel* model() {
+    return GTK_TREE_MODEL(widgets.listeners_store);
 }
 
-void store_row(const GtkTreeIter& iter, const ListenerRow& row) {
-    GtkTreeIter at = iter;
-    gtk_list_store_set(widgets.listeners_store, &at, number_column, row.number, address_column,
+GtkTreeSelection* selection() {
+    return gtk_tree_view_get_selection(view());
+}
+
+std::int32_t number_at(GtkTreeIter* iter) {
+    gint number = 0;
+    gtk_tree_model_get(model(), iter, number_column, &number, -1);
+    return number;
+}
+
+ListenerRow row_at(GtkTreeModel* rows, GtkTreeIter* iter) {
+    gint number = 0;
+    char* address = nullptr;
+    char* tuned_to = nullptr;
+    char* time = nullptr;
+    gtk_tree_model_get(rows, iter, number_column, &number, address_column, &address, tuned_column,
+                       &tuned_to, time_column, &time, -1);
+    const GlibText owned[] = {GlibText{address}, GlibText{tuned_to}, GlibText{time}};
+    const auto text = [](const char* stored) { return std::string{stored ? stored : ""}; };
+    return {number, text(address), text(tuned_to), text(time)};
+}
+
+void store_row(GtkTreeIter* iter, const ListenerRow& row) {
+    gtk_list_store_set(widgets.listeners_store, iter, number_column, row.number, address_column,
                        row.address.c_str(), tuned_column, row.tuned_to.c_str(), time_column,
                        row.time.c_str(), -1);
 }
 
-void take_in_width(gint column, const std::string& text) {
-    shown_table->column_widths.take_in(GTK_TREE_VIEW(widgets.listeners_view), column, text);
+/// Writes what differs, which as a rule is the time alone.
+void overwrite_row(GtkTreeIter* iter, const ListenerRow& row) {
+    const ListenerRow shown = row_at(model(), iter);
+    const auto write = [iter](gint column, const std::string& before, const std::string& now) {
+        if (before != now)
+            gtk_list_store_set(widgets.listeners_store, iter, column, now.c_str(), -1);
+    };
+    write(address_column, shown.address, row.address);
+    write(tuned_column, shown.tuned_to, row.tuned_to);
+    write(time_column, shown.time, row.time);
 }
-
-void take_in_widths(const ListenerRow& row) {
-    take_in_width(number_column, std::to_string(row.number));
-    take_in_width(address_column, row.address);
-    take_in_width(tuned_column, row.tuned_to);
-    take_in_width(time_column, row.time);
-}
-
-void store_text(const GtkTreeIter& iter, gint column, const std::string& text) {
-    GtkTreeIter at = iter;
-    gtk_list_store_set(widgets.listeners_store, &at, column, text.c_str(), -1);
-    take_in_width(column, text);
-}
-
-/// Brings the table in line with the rows given one after the other. Rows that were not given are
-/// gone when the object goes, also when an error ends the pass in the middle.
-class TableWriter {
-public:
-    explicit TableWriter(const json::array& records) : records_{records} {
-        written_.reserve(records.size());
-    }
-
-    ~TableWriter() {
-        for (; next_old_ < shown_table->listeners.size(); ++next_old_)
-            remove_old();
-        shown_table->listeners = std::move(written_);
-    }
-
-    TableWriter(const TableWriter&) = delete;
-    TableWriter& operator=(const TableWriter&) = delete;
-
-    void write(ListenerRow row) {
-        for (; old_is_left() && old().row.number != row.number && has_left(old().row.number);
-             ++next_old_)
-            remove_old();
-        if (old_is_left() && old().row.number == row.number) {
-            overwrite(old(), std::move(row));
-            written_.push_back(std::move(old()));
-            ++next_old_;
-            return;
-        }
-        ShownListener added;
-        GtkTreeIter* before = old_is_left() ? &old().iter : nullptr;
-        gtk_list_store_insert_before(widgets.listeners_store, &added.iter, before);
-        store_row(added.iter, row);
-        take_in_widths(row);
-        added.row = std::move(row);
-        written_.push_back(std::move(added));
-    }
-
-    /// The last row written with this session number.
-    std::optional<GtkTreeIter> find(std::int32_t number) const {
-        for (auto at = written_.rbegin(); at != written_.rend(); ++at)
-            if (at->row.number == number)
-                return at->iter;
-        return std::nullopt;
-    }
-
-private:
-    bool old_is_left() const { return next_old_ < shown_table->listeners.size(); }
-
-    ShownListener& old() { return shown_table->listeners[next_old_]; }
-
-    void remove_old() { gtk_list_store_remove(widgets.listeners_store, &old().iter); }
-
-    /// True when no record bears the number. The numbers are gathered when first asked for: as a
-    /// rule nobody has left.
-    bool has_left(std::int32_t number) {
-        if (!numbers_gathered_) {
-            numbers_gathered_ = true;
-            for (const json::value& record : records_)
-                if (const json::object* listener = record.if_object())
-                    numbers_.insert(clamped_int32(member_number(*listener, "number")));
-        }
-        return !numbers_.contains(number);
-    }
-
-    static void overwrite(ShownListener& shown, ListenerRow&& row) {
-        if (shown.row.time != row.time)
-            store_text(shown.iter, time_column, row.time);
-        if (shown.row.tuned_to != row.tuned_to)
-            store_text(shown.iter, tuned_column, row.tuned_to);
-        if (shown.row.address != row.address)
-            store_text(shown.iter, address_column, row.address);
-        shown.row = std::move(row);
-    }
-
-    const json::array& records_;
-    std::vector<ShownListener> written_{};
-    std::size_t next_old_ = 0;
-    bool numbers_gathered_ = false;
-    std::unordered_set<std::int32_t> numbers_{};
-};
 
 std::optional<Tuning> tuning_of(const json::object& listener) {
     const json::value* frequency = listener.if_contains("f");
@@ -172,7 +98,7 @@ std::optional<Tuning> tuning_of(const json::object& listener) {
                   required_bool(listener, "listening")};
 }
 
-void write_record(TableWriter& table, const json::value& record) {
+void read_record(const json::value& record, std::vector<ListenerRow>& rows) {
     const json::object& listener = as_object(record, "an element of listeners");
     ListenerRow row;
     row.time =
@@ -181,39 +107,93 @@ void write_record(TableWriter& table, const json::value& record) {
     row.tuned_to = valid_utf8(tuned_to_text(tuning, optional_bool(listener, "relayed", false)));
     row.number = clamped_int32(number_or_zero(required_member(listener, "number")));
     row.address = valid_utf8(member_string(listener, "address"));
-    table.write(std::move(row));
+    rows.push_back(std::move(row));
     // The row is there before a missing address stops the pass.
     required_member(listener, "address");
 }
 
+/// Overwrites the rows of listeners who stay, in place, and removes those of the others. A row that
+/// would have to move up is made anew at its new place. Returns the last row of a session number.
+std::optional<GtkTreeIter> show_listeners(const std::vector<ListenerRow>& rows,
+                                          std::int32_t wanted) {
+    std::unordered_set<std::int32_t> numbers;
+    for (const ListenerRow& row : rows)
+        numbers.insert(row.number);
+
+    std::optional<GtkTreeIter> wanted_row;
+    GtkTreeIter old;
+    bool old_is_left = gtk_tree_model_get_iter_first(model(), &old);
+    for (const ListenerRow& row : rows) {
+        while (old_is_left && !numbers.contains(number_at(&old)))
+            old_is_left = gtk_list_store_remove(widgets.listeners_store, &old);
+        GtkTreeIter shown = old;
+        if (old_is_left && number_at(&old) == row.number) {
+            overwrite_row(&shown, row);
+            old_is_left = gtk_tree_model_iter_next(model(), &old);
+        } else {
+            gtk_list_store_insert_before(widgets.listeners_store, &shown,
+                                         old_is_left ? &old : nullptr);
+            store_row(&shown, row);
+        }
+        if (row.number == wanted)
+            wanted_row = shown;
+    }
+    while (old_is_left)
+        old_is_left = gtk_list_store_remove(widgets.listeners_store, &old);
+    return wanted_row;
+}
+
+int width_of_a_digit() {
+    PangoLayout* layout = gtk_widget_create_pango_layout(widgets.listeners_view, "0");
+    int width = 0;
+    pango_layout_get_pixel_size(layout, &width, nullptr);
+    g_object_unref(layout);
+    return width;
+}
+
+/// Rows of one fixed height are not measured, so GTK does not know how wide their texts are.
+/// Columns only grow, so that they do not move while listeners come and go.
+void widen_columns(const std::vector<ListenerRow>& rows) {
+    std::array<glong, column_count> characters{};
+    const auto count = [&characters](Column column, const std::string& text) {
+        characters[column] = std::max(characters[column], g_utf8_strlen(text.c_str(), -1));
+    };
+    for (const ListenerRow& row : rows) {
+        count(number_column, std::to_string(row.number));
+        count(address_column, row.address);
+        count(tuned_column, row.tuned_to);
+        count(time_column, row.time);
+    }
+    const int digit_width = width_of_a_digit();
+    for (gint column = 0; column < column_count; ++column) {
+        GtkTreeViewColumn* view_column = gtk_tree_view_get_column(view(), column);
+        const glong shown =
+            std::min(characters[static_cast<std::size_t>(column)], most_column_characters);
+        const int width = static_cast<int>(shown) * digit_width + cell_padding;
+        if (width > gtk_tree_view_column_get_min_width(view_column))
+            gtk_tree_view_column_set_min_width(view_column, width);
+    }
+}
+
 /// Shows a row's address and tuning whole: their cells may end in an ellipsis.
-gboolean on_query_tooltip(GtkWidget* view, gint x, gint y, gboolean by_keyboard,
+gboolean on_query_tooltip(GtkWidget* table, gint x, gint y, gboolean by_keyboard,
                           GtkTooltip* tooltip, gpointer) {
-    GtkTreeModel* model = nullptr;
+    GtkTreeModel* rows = nullptr;
     GtkTreePath* path = nullptr;
     GtkTreeIter iter;
-    if (!gtk_tree_view_get_tooltip_context(GTK_TREE_VIEW(view), &x, &y, by_keyboard, &model, &path,
+    if (!gtk_tree_view_get_tooltip_context(GTK_TREE_VIEW(table), &x, &y, by_keyboard, &rows, &path,
                                            &iter))
         return FALSE;
-    char* address = nullptr;
-    char* tuned_to = nullptr;
-    gtk_tree_model_get(model, &iter, address_column, &address, tuned_column, &tuned_to, -1);
-    const std::string text =
-        std::string{address ? address : ""} + "\n" + (tuned_to ? tuned_to : "");
+    const ListenerRow row = row_at(rows, &iter);
+    const std::string text = row.address + "\n" + row.tuned_to;
     gtk_tooltip_set_text(tooltip, shortened(text, longest_tooltip).c_str());
-    gtk_tree_view_set_tooltip_row(GTK_TREE_VIEW(view), tooltip, path);
+    gtk_tree_view_set_tooltip_row(GTK_TREE_VIEW(table), tooltip, path);
     gtk_tree_path_free(path);
-    g_free(address);
-    g_free(tuned_to);
     return TRUE;
 }
 
 void on_selection_changed(GtkTreeSelection*, gpointer) {
     update_listener_buttons();
-}
-
-GtkTreeSelection* selection() {
-    return gtk_tree_view_get_selection(GTK_TREE_VIEW(widgets.listeners_view));
 }
 
 void add_column(gint column) {
@@ -224,10 +204,7 @@ void add_column(gint column) {
         column_titles[static_cast<std::size_t>(column)], cell, "text", column, nullptr);
     gtk_tree_view_column_set_expand(view_column, column == tuned_column);
     gtk_tree_view_column_set_sizing(view_column, GTK_TREE_VIEW_COLUMN_FIXED);
-    const int width = ColumnWidths::least[static_cast<std::size_t>(column)];
-    gtk_tree_view_column_set_min_width(view_column, width);
-    gtk_tree_view_column_set_fixed_width(view_column, width);
-    gtk_tree_view_append_column(GTK_TREE_VIEW(widgets.listeners_view), view_column);
+    gtk_tree_view_append_column(view(), view_column);
 }
 
 } // namespace
@@ -235,14 +212,12 @@ void add_column(gint column) {
 GtkWidget* make_listeners_table() {
     widgets.listeners_store =
         gtk_list_store_new(column_count, G_TYPE_INT, G_TYPE_STRING, G_TYPE_STRING, G_TYPE_STRING);
-    g_object_set_data_full(G_OBJECT(widgets.listeners_store), shown_table_key, new ShownTable,
-                           forget_table);
-    widgets.listeners_view = gtk_tree_view_new_with_model(GTK_TREE_MODEL(widgets.listeners_store));
-    g_object_unref(widgets.listeners_store); // the view holds it now
+    widgets.listeners_view = gtk_tree_view_new_with_model(model());
+    g_object_unref(widgets.listeners_store); // the view owns it now
     for (gint column = 0; column < column_count; ++column)
         add_column(column);
-    gtk_tree_view_set_fixed_height_mode(GTK_TREE_VIEW(widgets.listeners_view), TRUE);
-    gtk_tree_view_set_search_column(GTK_TREE_VIEW(widgets.listeners_view), address_column);
+    gtk_tree_view_set_fixed_height_mode(view(), TRUE);
+    gtk_tree_view_set_search_column(view(), address_column);
     g_signal_connect(selection(), "changed", G_CALLBACK(on_selection_changed), nullptr);
     gtk_widget_set_has_tooltip(widgets.listeners_view, TRUE);
     g_signal_connect(widgets.listeners_view, "query-tooltip", G_CALLBACK(on_query_tooltip),
@@ -255,39 +230,34 @@ GtkWidget* make_listeners_table() {
 }
 
 void draw_listeners(const StationState& state) {
-    look_up_shown_table();
     set_label_text(widgets.listeners_title, listening_title(state));
 
     const std::optional<SelectedListener> selected = selected_listener();
-    const std::int32_t remembered = selected ? selected->number : -1;
-    std::optional<GtkTreeIter> still_there;
+    std::optional<GtkTreeIter> row;
     {
-        const json::array& records = required_array(status_object, "listeners");
-        TableWriter table{records};
-        for (const json::value& record : records)
-            write_record(table, record);
-        still_there = table.find(remembered);
+        std::vector<ListenerRow> rows;
+        const AtScopeEnd show{[&] {
+            row = show_listeners(rows, selected ? selected->number : -1);
+            widen_columns(rows);
+        }};
+        for (const json::value& record : required_array(status_object, "listeners"))
+            read_record(record, rows);
     }
     // Only now: when the row under the cursor goes, GTK selects the one that takes its place.
-    if (!still_there)
+    if (!row)
         gtk_tree_selection_unselect_all(selection());
-    else if (!gtk_tree_selection_iter_is_selected(selection(), &*still_there))
-        gtk_tree_selection_select_iter(selection(), &*still_there);
+    else if (!gtk_tree_selection_iter_is_selected(selection(), &*row))
+        gtk_tree_selection_select_iter(selection(), &*row);
     gtk_widget_set_visible(widgets.listeners_scroll, state.listener_count > 0);
     gtk_widget_set_visible(widgets.listeners_empty, state.listener_count == 0);
 }
 
 std::optional<SelectedListener> selected_listener() {
-    GtkTreeModel* model = nullptr;
     GtkTreeIter iter;
-    if (!gtk_tree_selection_get_selected(selection(), &model, &iter))
+    if (!gtk_tree_selection_get_selected(selection(), nullptr, &iter))
         return std::nullopt;
-    gint number = 0;
-    char* address = nullptr;
-    gtk_tree_model_get(model, &iter, number_column, &number, address_column, &address, -1);
-    SelectedListener listener{number, address ? address : ""};
-    g_free(address);
-    return listener;
+    const ListenerRow row = row_at(model(), &iter);
+    return SelectedListener{row.number, row.address};
 }
 
 void update_listener_buttons() {
