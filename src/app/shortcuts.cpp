@@ -7,11 +7,14 @@
 #include "ui/widgets/page_stack.h"
 #include "ui/widgets/widget_record.h"
 
+#include <sstream>
+#include <string>
+
 namespace {
 
 void save_if_edited() {
-    // As the button: there is nothing to save, or it is being saved.
-    if (gtk_widget_get_sensitive(widgets.save_button))
+    // An unchanged form has nothing to send.
+    if (widgets.dirty)
         save_settings();
 }
 
@@ -19,33 +22,31 @@ void close_window() {
     gtk_window_close(GTK_WINDOW(widgets.window));
 }
 
-void turn_to_next_page() {
+void show_next_page() {
     turn_pages(1);
 }
 
-void turn_to_previous_page() {
+void show_previous_page() {
     turn_pages(-1);
 }
 
+/// Accelerators as GTK writes them, with blanks between them.
 struct Shortcut {
-    guint key;
-    GdkModifierType modifiers;
+    const char* title;
+    const char* accelerators;   ///< null: Ctrl with the number of each page
+    const char* not_in_overlay; ///< accelerators that do the same
     void (*action)();
 };
 
-constexpr GdkModifierType control = GDK_CONTROL_MASK;
-
+/// Every key of the window, in the order of the overlay.
 constexpr Shortcut shortcuts[] = {
-    {GDK_KEY_s, control, save_if_edited},
-    {GDK_KEY_w, control, close_window},
-    {GDK_KEY_q, control, close_window},
-    {GDK_KEY_Page_Down, control, turn_to_next_page},
-    {GDK_KEY_Page_Up, control, turn_to_previous_page},
-    {GDK_KEY_KP_Page_Down, control, turn_to_next_page},
-    {GDK_KEY_KP_Page_Up, control, turn_to_previous_page},
-    {GDK_KEY_F5, GdkModifierType{}, refresh_status},
-    {GDK_KEY_question, control, show_shortcuts},
-    {GDK_KEY_question, GdkModifierType(GDK_CONTROL_MASK | GDK_SHIFT_MASK), show_shortcuts},
+    {"Save changes", "<Primary>s", "", save_if_edited},
+    {"Ask the service for news at once", "F5", "", refresh_status},
+    {"Close the window", "<Primary>w <Primary>q", "", close_window},
+    {"Show these shortcuts", "<Primary>question", "<Primary><Shift>question", show_shortcuts},
+    {"Show a page by its place", nullptr, "", nullptr},
+    {"Next page", "<Primary>Page_Down", "<Primary>KP_Page_Down", show_next_page},
+    {"Previous page", "<Primary>Page_Up", "<Primary>KP_Page_Up", show_previous_page},
 };
 
 gboolean on_shortcut(GtkAccelGroup*, GObject*, guint, GdkModifierType, gpointer shortcut) {
@@ -58,75 +59,39 @@ gboolean on_page_number(GtkAccelGroup*, GObject*, guint, GdkModifierType, gpoint
     return TRUE;
 }
 
-// One group: GTK lays two side by side, wider than a small screen.
-constexpr char overlay[] = R"(
-<interface>
-  <object class="GtkShortcutsWindow" id="overlay">
-    <property name="modal">1</property>
-    <child>
-      <object class="GtkShortcutsSection">
-        <property name="visible">1</property>
-        <property name="section-name">shortcuts</property>
-        <property name="max-height">12</property>
-        <child>
-          <object class="GtkShortcutsGroup">
-            <property name="visible">1</property>
-            <child>
-              <object class="GtkShortcutsShortcut">
-                <property name="visible">1</property>
-                <property name="accelerator">&lt;Primary&gt;s</property>
-                <property name="title">Save changes</property>
-              </object>
-            </child>
-            <child>
-              <object class="GtkShortcutsShortcut">
-                <property name="visible">1</property>
-                <property name="accelerator">F5</property>
-                <property name="title">Ask the service for news at once</property>
-              </object>
-            </child>
-            <child>
-              <object class="GtkShortcutsShortcut">
-                <property name="visible">1</property>
-                <property name="accelerator">&lt;Primary&gt;w &lt;Primary&gt;q</property>
-                <property name="title">Close the window</property>
-              </object>
-            </child>
-            <child>
-              <object class="GtkShortcutsShortcut">
-                <property name="visible">1</property>
-                <property name="accelerator">&lt;Primary&gt;question</property>
-                <property name="title">Show these shortcuts</property>
-              </object>
-            </child>
-            <child>
-              <object class="GtkShortcutsShortcut">
-                <property name="visible">1</property>
-                <property name="accelerator">&lt;Primary&gt;1...5</property>
-                <property name="title">Show a page by its place</property>
-              </object>
-            </child>
-            <child>
-              <object class="GtkShortcutsShortcut">
-                <property name="visible">1</property>
-                <property name="accelerator">&lt;Primary&gt;Page_Down</property>
-                <property name="title">Next page</property>
-              </object>
-            </child>
-            <child>
-              <object class="GtkShortcutsShortcut">
-                <property name="visible">1</property>
-                <property name="accelerator">&lt;Primary&gt;Page_Up</property>
-                <property name="title">Previous page</property>
-              </object>
-            </child>
-          </object>
-        </child>
-      </object>
-    </child>
-  </object>
-</interface>
-)";
+void connect_keys(GtkAccelGroup* keys, const std::string& accelerators, GCallback handler,
+                  gconstpointer data) {
+    std::istringstream words{accelerators};
+    for (std::string accelerator; words >> accelerator;) {
+        guint key = 0;
+        GdkModifierType modifiers{};
+        gtk_accelerator_parse(accelerator.c_str(), &key, &modifiers);
+        gtk_accel_group_connect(keys, key, modifiers, GtkAccelFlags{},
+                                g_cclosure_new(handler, const_cast<gpointer>(data), nullptr));
+    }
+}
+
+/// One row of the overlay.
+GtkWidget* make_overlay_row(const Shortcut& shortcut) {
+    const std::string accelerators = shortcut.accelerators
+                                         ? shortcut.accelerators
+                                         : "<Primary>1..." + std::to_string(page_count());
+    return GTK_WIDGET(g_object_new(GTK_TYPE_SHORTCUTS_SHORTCUT, "visible", TRUE, "title",
+                                   shortcut.title, "accelerator", accelerators.c_str(), nullptr));
+}
+
+GtkWidget* make_overlay() {
+    // One group: GTK lays two side by side, wider than a small screen.
+    gpointer group = g_object_new(GTK_TYPE_SHORTCUTS_GROUP, "visible", TRUE, nullptr);
+    for (const Shortcut& shortcut : shortcuts)
+        gtk_container_add(GTK_CONTAINER(group), make_overlay_row(shortcut));
+    gpointer section = g_object_new(GTK_TYPE_SHORTCUTS_SECTION, "visible", TRUE, "section-name",
+                                    "shortcuts", "max-height", 12U, nullptr);
+    gtk_container_add(GTK_CONTAINER(section), GTK_WIDGET(group));
+    gpointer window = g_object_new(GTK_TYPE_SHORTCUTS_WINDOW, "modal", TRUE, nullptr);
+    gtk_container_add(GTK_CONTAINER(window), GTK_WIDGET(section));
+    return GTK_WIDGET(window);
+}
 
 /// The overlay's search button shows a picture only, and GTK has not named it.
 void name_search_button(GtkWidget* widget, gpointer) {
@@ -140,14 +105,14 @@ void name_search_button(GtkWidget* widget, gpointer) {
 
 void add_shortcuts() {
     GtkAccelGroup* keys = gtk_accel_group_new();
-    for (const Shortcut& shortcut : shortcuts)
-        gtk_accel_group_connect(
-            keys, shortcut.key, shortcut.modifiers, GtkAccelFlags{},
-            g_cclosure_new(G_CALLBACK(on_shortcut), const_cast<Shortcut*>(&shortcut), nullptr));
+    for (const Shortcut& shortcut : shortcuts) {
+        if (shortcut.accelerators)
+            connect_keys(keys, shortcut.accelerators, G_CALLBACK(on_shortcut), &shortcut);
+        connect_keys(keys, shortcut.not_in_overlay, G_CALLBACK(on_shortcut), &shortcut);
+    }
     for (int page = 0; page < page_count(); ++page)
-        gtk_accel_group_connect(
-            keys, static_cast<guint>(GDK_KEY_1 + page), control, GtkAccelFlags{},
-            g_cclosure_new(G_CALLBACK(on_page_number), GINT_TO_POINTER(page), nullptr));
+        connect_keys(keys, "<Primary>" + std::to_string(page + 1), G_CALLBACK(on_page_number),
+                     GINT_TO_POINTER(page));
     gtk_window_add_accel_group(GTK_WINDOW(widgets.window), keys);
     g_object_unref(keys);
 }
@@ -157,15 +122,13 @@ void show_shortcuts() {
     // is destroyed while a screen reader follows it.
     static GtkWidget* window = nullptr;
     if (!window) {
-        GtkBuilder* builder = gtk_builder_new_from_string(overlay, -1);
-        window = GTK_WIDGET(gtk_builder_get_object(builder, "overlay"));
+        window = make_overlay();
         gtk_window_set_transient_for(GTK_WINDOW(window), GTK_WINDOW(widgets.window));
         gtk_window_set_destroy_with_parent(GTK_WINDOW(window), TRUE);
         g_signal_connect(window, "delete-event", G_CALLBACK(gtk_widget_hide_on_delete), nullptr);
         g_signal_connect(window, "destroy", G_CALLBACK(gtk_widget_destroyed), &window);
         if (GtkWidget* bar = gtk_window_get_titlebar(GTK_WINDOW(window)))
             name_search_button(bar, nullptr);
-        g_object_unref(builder); // the toolkit holds top-level windows itself
     }
     gtk_window_present(GTK_WINDOW(window));
 }

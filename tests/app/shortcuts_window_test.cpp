@@ -20,25 +20,22 @@ protected:
         press_key(widgets.window, key, modifiers);
         drain_events();
     }
+    /// The setting of the only save, read as text; "" when there was none.
+    std::string saved(const char* group, const char* member) {
+        const std::vector<RecordedRequest> saves = service.requests("PUT", "/api/settings");
+        return saves.size() == 1 ? json::serialize(json::parse(saves[0].body).at(group).at(member))
+                                 : "";
+    }
     static std::string page() { return gtk_stack_get_visible_child_name(GTK_STACK(widgets.stack)); }
 };
-
-TEST_F(Shortcuts, ControlSSavesAnEditedForm) {
-    type_into("station.name", "Edited");
-    press(GDK_KEY_s, control);
-    ASSERT_EQ(service.requests("PUT", "/api/settings").size(), 1U);
-    EXPECT_EQ(
-        json::parse(service.requests("PUT", "/api/settings")[0].body).at("station").at("name"),
-        json::value("Edited"));
-    EXPECT_EQ(text_of(widgets.footer_status), "Saved.");
-}
 
 TEST_F(Shortcuts, ControlSSavesFromWithinAField) {
     show_page_at_once("station");
     gtk_widget_grab_focus(field("station.name"));
     type_into("station.name", "Edited");
     press(GDK_KEY_s, control);
-    EXPECT_EQ(service.requests("PUT", "/api/settings").size(), 1U);
+    EXPECT_EQ(saved("station", "name"), "\"Edited\"");
+    EXPECT_EQ(text_of(widgets.footer_status), "Saved.");
 }
 
 TEST_F(Shortcuts, ControlSCountsWhatIsTypedInASpinButton) {
@@ -46,24 +43,7 @@ TEST_F(Shortcuts, ControlSCountsWhatIsTypedInASpinButton) {
     gtk_widget_grab_focus(field("listeners.max"));
     type_into("listeners.max", "12");
     press(GDK_KEY_s, control);
-    ASSERT_EQ(service.requests("PUT", "/api/settings").size(), 1U);
-    EXPECT_EQ(json::parse(service.requests("PUT", "/api/settings")[0].body)
-                  .at("listeners")
-                  .at("max")
-                  .to_number<double>(),
-              12);
-}
-
-TEST_F(Shortcuts, ControlSSendsNothingMoreForAPressWhileItSaves) {
-    service.will_answer("PUT", "/api/settings", 409, R"({"error":"The port is taken."})");
-    type_into("station.name", "Edited");
-    press_key(widgets.window, GDK_KEY_s, control);
-    press_key(widgets.window, GDK_KEY_s, control); // handled before anything idle, as a queued key
-    EXPECT_EQ(service.requests("PUT", "/api/settings").size(), 1U);
-    press(GDK_KEY_s, control);
-    EXPECT_EQ(service.requests("PUT", "/api/settings").size(), 1U);
-    press(GDK_KEY_s, control);
-    EXPECT_EQ(service.requests("PUT", "/api/settings").size(), 2U);
+    EXPECT_EQ(saved("listeners", "max"), "1.2E1");
 }
 
 TEST_F(Shortcuts, ControlSSendsNothingForACleanForm) {
@@ -92,9 +72,7 @@ TEST_F(Shortcuts, CloseThroughTheQuestionAboutUnsavedChanges) {
         ASSERT_TRUE(wait_until([this] { return !dialogs.empty(); }));
         drain_events();
         EXPECT_EQ(dialogs[0].primary, "Save your changes?");
-        EXPECT_TRUE(widgets.dirty);
     }
-    EXPECT_TRUE(service.requests().empty());
 }
 
 TEST_F(Shortcuts, PageKeysTurnPagesAndStayAtBothEnds) {
@@ -115,51 +93,56 @@ TEST_F(Shortcuts, PageKeysTurnPagesAndStayAtBothEnds) {
     }
 }
 
-TEST_F(Shortcuts, NumbersShowThePages) {
-    const std::pair<guint, const char*> cases[] = {{GDK_KEY_5, "internet"},
-                                                   {GDK_KEY_1, "overview"},
-                                                   {GDK_KEY_2, "station"},
-                                                   {GDK_KEY_3, "receivers"},
-                                                   {GDK_KEY_4, "listeners"}};
-    for (const auto& [key, name] : cases) {
-        press(key, control);
-        EXPECT_EQ(page(), name);
-    }
-}
-
 TEST_F(Shortcuts, NumbersShowThePagesFromWithinATextBox) {
     show_page_at_once("station");
     gtk_widget_grab_focus(widgets.description_view);
     press(GDK_KEY_4, control);
     EXPECT_EQ(page(), "listeners");
     EXPECT_FALSE(widgets.dirty);
+    press(GDK_KEY_5, control);
+    EXPECT_EQ(page(), "internet");
+    press(GDK_KEY_1, control);
+    EXPECT_EQ(page(), "overview");
 }
 
 TEST_F(Shortcuts, F5AsksForTheStateAtOnce) {
     service.will_answer_state(
         json::serialize(with(state_document(), "status.listeners", json::array{})));
     press(GDK_KEY_F5);
-    ASSERT_EQ(service.requests().size(), 1U);
-    EXPECT_EQ(service.requests()[0].line(), "GET /api/state HTTP/1.1");
+    EXPECT_EQ(service.requests().size(), 1U);
     EXPECT_TRUE(gtk_widget_get_visible(widgets.listeners_empty));
-}
-
-GtkWidget* open_overlay() {
-    for (GtkWidget* window : toplevels())
-        if (GTK_IS_SHORTCUTS_WINDOW(window) && gtk_widget_get_visible(window))
-            return window;
-    return nullptr;
 }
 
 TEST_F(Shortcuts, ControlQuestionMarkListsThemAll) {
     press(GDK_KEY_question, GdkModifierType(GDK_CONTROL_MASK | GDK_SHIFT_MASK));
-    GtkWidget* overlay = open_overlay();
+    GtkWidget* overlay = nullptr;
+    for (GtkWidget* window : toplevels())
+        if (GTK_IS_SHORTCUTS_WINDOW(window) && gtk_widget_get_visible(window))
+            overlay = window;
     ASSERT_NE(overlay, nullptr);
     EXPECT_EQ(gtk_window_get_transient_for(GTK_WINDOW(overlay)), GTK_WINDOW(widgets.window));
-    for (const char* title :
-         {"Save changes", "Ask the service for news at once", "Close the window",
-          "Show these shortcuts", "Show a page by its place", "Next page", "Previous page"})
-        EXPECT_NE(find_label(overlay, title), nullptr) << title;
+    EXPECT_TRUE(gtk_window_get_modal(GTK_WINDOW(overlay)));
+    std::vector<std::pair<std::string, std::string>> rows;
+    for (GtkWidget* widget : tree_of(overlay)) {
+        // The search has rows of its own.
+        if (!GTK_IS_SHORTCUTS_SHORTCUT(widget) ||
+            !gtk_widget_get_ancestor(widget, GTK_TYPE_SHORTCUTS_GROUP))
+            continue;
+        char* title = nullptr;
+        char* keys = nullptr;
+        g_object_get(widget, "title", &title, "accelerator", &keys, nullptr);
+        rows.emplace_back(title, keys);
+        g_free(title);
+        g_free(keys);
+    }
+    EXPECT_EQ(rows, (std::vector<std::pair<std::string, std::string>>{
+                        {"Save changes", "<Primary>s"},
+                        {"Ask the service for news at once", "F5"},
+                        {"Close the window", "<Primary>w <Primary>q"},
+                        {"Show these shortcuts", "<Primary>question"},
+                        {"Show a page by its place", "<Primary>1...5"},
+                        {"Next page", "<Primary>Page_Down"},
+                        {"Previous page", "<Primary>Page_Up"}}));
     // Not destroyed: the toolkit would stumble over what is left of it when the next window of
     // these tests adds its style sheet. The overlay ends with its parent.
     gtk_widget_hide(overlay);
