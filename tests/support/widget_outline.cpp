@@ -128,6 +128,38 @@ std::string kind_line(GtkWidget* widget, bool& is_whole) {
     return G_OBJECT_TYPE_NAME(widget);
 }
 
+/// The widget's member of the widget record, in brackets, or its settings key.
+std::string name_line(GtkWidget* widget) {
+    const std::pair<const char*, GtkWidget*> members[] = {
+#define MEMBER(name) {#name, widgets.name}
+        MEMBER(header_title),       MEMBER(header_dot),           MEMBER(header_status),
+        MEMBER(open_page_button),   MEMBER(save_button),          MEMBER(unsaved_label),
+        MEMBER(footer_status),      MEMBER(getting_started_card), MEMBER(getting_started_box),
+        MEMBER(station_link_row),   MEMBER(station_link),         MEMBER(copy_link_button),
+        MEMBER(on_air_box),         MEMBER(listeners_title),      MEMBER(listeners_view),
+        MEMBER(listeners_scroll),   MEMBER(listeners_empty),      MEMBER(end_session_button),
+        MEMBER(block_button),       MEMBER(grid_entry),           MEMBER(grid_hint),
+        MEMBER(description_view),   MEMBER(receiver_rows_box),    MEMBER(find_devices_button),
+        MEMBER(receivers_status),   MEMBER(max_listeners_spin),   MEMBER(upload_estimate),
+        MEMBER(mode_buttons[0]),    MEMBER(mode_buttons[1]),      MEMBER(mode_buttons[2]),
+        MEMBER(mode_buttons[3]),    MEMBER(mode_buttons[4]),      MEMBER(banned_view),
+        MEMBER(relay_switch),       MEMBER(relay_key_row),        MEMBER(relay_note),
+        MEMBER(reachability_label), MEMBER(port_status_label),    MEMBER(port_box),
+        MEMBER(port_hint_label),    MEMBER(listing_status_label), MEMBER(register_box),
+        MEMBER(understand_check),   MEMBER(register_email),       MEMBER(register_button),
+        MEMBER(registered_label),   MEMBER(linger_switch),
+#undef MEMBER
+    };
+    std::string line;
+    for (const FieldBinding& binding : widgets.field_registry)
+        if (binding.widget == widget)
+            line += " = " + binding.key;
+    for (const auto& [name, member] : members)
+        if (member == widget)
+            line += std::string{" "} + "(" + name + ")";
+    return line;
+}
+
 std::string style_line(GtkWidget* widget) {
     std::string line;
     for (const std::string& name : classes_of(widget))
@@ -183,6 +215,7 @@ void add_outline(GtkWidget* widget, std::size_t depth, std::string& outline) {
         .append(kind)
         .append(style_line(widget))
         .append(place_line(widget))
+        .append(name_line(widget))
         .append("\n");
     if (!is_whole && GTK_IS_CONTAINER(widget))
         for (GtkWidget* child : children_of(widget))

@@ -311,6 +311,7 @@ void type_into(GtkWidget* entry, const std::string& text) {
 
 void click(GtkWidget* button) {
     ASSERT_TRUE(GTK_IS_BUTTON(button));
+    ASSERT_TRUE(gtk_widget_get_mapped(button)) << "the button is on no visible page";
     ASSERT_TRUE(gtk_widget_is_sensitive(button)) << "the button cannot be clicked";
     gtk_button_clicked(GTK_BUTTON(button));
 }

@@ -33,46 +33,40 @@ TEST_F(LoadForm, AsksOnceWithAnEmptyBody) {
     EXPECT_EQ(service.last_request().body, "");
 }
 
+/// What a field of the form shows, as a save would send it.
+json::value shown_in(const FieldBinding& field) {
+    if (GTK_IS_SWITCH(field.widget))
+        return gtk_switch_get_active(GTK_SWITCH(field.widget)) == TRUE;
+    if (GTK_IS_SPIN_BUTTON(field.widget))
+        return gtk_spin_button_get_value_as_int(GTK_SPIN_BUTTON(field.widget));
+    return gtk_entry_get_text(GTK_ENTRY(field.widget));
+}
+
+/// Another value of the same kind that the form can show.
+json::value another(const json::value& value) {
+    if (value.is_bool())
+        return !value.get_bool();
+    if (value.is_number())
+        return value.to_number<int>() + 1;
+    return "EM00";
+}
+
 TEST_F(LoadForm, ShowsEveryField) {
     json::value document = state_document();
-    document = with(document, "settings.station.banner", "Down on Sunday.");
-    document = with(document, "settings.relay.enabled", true);
-    document = with(document, "settings.relay.key", "AAAA-BBBB");
-    document = with(document, "settings.directory.url", "https://elsewhere.example/");
-    load(document);
-    const std::pair<const char*, const char*> texts[] = {
-        {"station.name", "Hilltop SDR"},
-        {"station.callsign", "K1ABC"},
-        {"station.operator", "Ann Operator"},
-        {"station.location", "Asheville, North Carolina, USA"},
-        {"station.grid", "EM95"},
-        {"station.antenna", "80 m end-fed, 12 m up"},
-        {"station.contact", "https://hilltop.example/"},
-        {"station.banner", "Down on Sunday."},
-        {"relay.key", "AAAA-BBBB"},
-        {"directory.url", "https://elsewhere.example/"},
-    };
-    for (const auto& [key, text] : texts)
-        EXPECT_EQ(entry_text(key), text) << key;
-    const std::pair<const char*, double> numbers[] = {
-        {"listeners.max", 8},
-        {"listeners.per_address", 2},
-        {"listeners.session_minutes", 60},
-        {"listeners.cooldown_minutes", 5},
-        {"listeners.idle_minutes", 15},
-        {"network.port", 8073},
-    };
-    for (const auto& [key, value] : numbers)
-        EXPECT_EQ(number(key), value) << key;
-    const std::pair<const char*, bool> switches[] = {
-        {"attach", true},
-        {"content.block_fm_broadcast", true},
-        {"content.block_am_broadcast", false},
-        {"relay.enabled", true},
-        {"directory.listed", true},
-    };
-    for (const auto& [key, on] : switches)
-        EXPECT_EQ(switch_state(key), on) << key;
+    for (int time = 0; time < 2; ++time) {
+        load(document);
+        for (const FieldBinding& binding : widgets.field_registry) {
+            SCOPED_TRACE(binding.key);
+            const json::value* sent = find_path(settings_object, binding.key);
+            ASSERT_NE(sent, nullptr) << "the document of the tests lacks this field";
+            EXPECT_EQ(shown_in(binding), *sent);
+            document = with(document, "settings." + binding.key, another(*sent));
+        }
+    }
+}
+
+TEST_F(LoadForm, ShowsWhatIsNoBoundField) {
+    load(state_document());
     EXPECT_EQ(text_of_view(widgets.description_view), "Two receivers on a quiet hill.");
     EXPECT_EQ(text_of_view(widgets.banned_view), "203.0.113.9\n2001:db8::66\n");
     EXPECT_EQ(pressed_modes(), (std::vector<bool>{true, true, true, true, false}));
@@ -92,47 +86,24 @@ TEST_F(LoadForm, DrawsTheState) {
     EXPECT_FALSE(text_of(widgets.port_status_label).empty());
 }
 
-TEST_F(LoadForm, ReadsEachKindOfFieldLeniently) {
+TEST_F(LoadForm, ShowsTheNearestOfWhatAFieldCannotShow) {
     const struct {
         const char* key;
         json::value sent;
-        std::string shown;
+        const char* shown;
     } cases[] = {
-        {"attach", true, "on"},
-        {"attach", false, "off"},
-        {"attach", 1, "off"},
-        {"attach", "true", "off"},
-        {"attach", nullptr, "off"},
-        {"attach", json::object{}, "off"},
-        {"listeners.max", 20, "20"},
-        {"listeners.max", 20U, "20"},
         {"listeners.max", 20.4, "20"},
-        {"listeners.max", "20", "1"},
-        {"listeners.max", nullptr, "1"},
-        {"listeners.max", true, "1"},
         {"listeners.max", 0, "1"},
-        {"listeners.max", -5, "1"},
         {"listeners.max", 201, "200"},
-        {"listeners.max", 1e300, "200"},
-        {"listeners.max", 9223372036854775807, "200"},
         {"listeners.max", 18446744073709551615U, "200"},
         {"network.port", 80, "1024"},
-        {"station.name", "Ä <b> & \"", "Ä <b> & \""},
-        {"station.name", 5, ""},
-        {"station.name", nullptr, ""},
-        {"station.name", json::array{"x"}, ""},
         {"station.name", json::string(std::string_view{"a\0b", 3}.data(), 3), "a\uFFFDb"},
         {"station.grid", "EM95abcd", "EM95ab"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string{c.key} + " " + json::serialize(c.sent));
         load(with(state_document(), "settings." + std::string{c.key}, c.sent));
-        GtkWidget* widget = field(c.key);
-        if (GTK_IS_SWITCH(widget)) {
-            EXPECT_EQ(gtk_switch_get_active(GTK_SWITCH(widget)) ? "on" : "off", c.shown);
-        } else {
-            EXPECT_EQ(gtk_entry_get_text(GTK_ENTRY(widget)), c.shown);
-        }
+        EXPECT_EQ(entry_text(c.key), c.shown);
         EXPECT_FALSE(widgets.dirty);
     }
 }
@@ -154,14 +125,6 @@ TEST_F(LoadForm, LeavesTheWidgetOfAKeyThatWasNotSentAsItIs) {
     EXPECT_FALSE(switch_state("attach"));
     EXPECT_EQ(number("network.port"), 8073);
     EXPECT_FALSE(widgets.dirty);
-}
-
-TEST_F(LoadForm, EmptiesADescriptionThatIsMissing) {
-    load(state_document());
-    load(without(state_document(), "settings.station.description"));
-    EXPECT_EQ(text_of_view(widgets.description_view), "");
-    load(with(state_document(), "settings.station.description", 7));
-    EXPECT_EQ(text_of_view(widgets.description_view), "");
 }
 
 TEST_F(LoadForm, PressesTheModesOfExactlyThatName) {
@@ -201,45 +164,13 @@ TEST_F(LoadForm, PutsEachBlockedAddressOnALineOfItsOwn) {
     }
 }
 
-TEST_F(LoadForm, TakesTheReceiversOver) {
-    load(with(state_document(), "settings.receivers",
-              json::array{
-                  {{"backend", "rtl-sdr"}, {"serial", "7"}, {"lo", 144000000}, {"hi", 146e6}},
-                  {{"backend", "sdrplay"},
-                   {"serial", "8"},
-                   {"model", "RSPdx"},
-                   {"lo", 1.5},
-                   {"hi", "no number"},
-                   {"enabled", false}},
-                  {{"backend", 5}, {"serial", nullptr}, {"lo", 0}, {"hi", 0}, {"enabled", true}},
-              }));
-    ASSERT_EQ(widgets.receiver_list.size(), 3U);
-    const Receiver& first = widgets.receiver_list[0];
-    EXPECT_EQ(first.backend, "rtl-sdr");
-    EXPECT_EQ(first.serial, "7");
-    EXPECT_EQ(first.model, "rtl-sdr");
-    EXPECT_TRUE(first.available);
-    EXPECT_TRUE(first.enabled);
-    EXPECT_EQ(first.lo, 144e6);
-    EXPECT_EQ(first.hi, 146e6);
-    const Receiver& second = widgets.receiver_list[1];
-    EXPECT_EQ(second.model, "RSPdx");
-    EXPECT_FALSE(second.enabled);
-    EXPECT_EQ(second.lo, 1.5);
-    EXPECT_EQ(second.hi, 0);
-    EXPECT_EQ(widgets.receiver_list[2].backend, "");
-    EXPECT_EQ(widgets.receiver_list[2].serial, "");
-    EXPECT_EQ(children_of(widgets.receiver_rows_box).size(), 3U);
-}
-
-TEST_F(LoadForm, ForgetsEarlierReceivers) {
+TEST_F(LoadForm, ReplacesTheReceivers) {
     load(state_document());
-    EXPECT_EQ(widgets.receiver_list.size(), 2U);
-    load(with(state_document(), "settings.receivers", json::array{}));
-    EXPECT_TRUE(widgets.receiver_list.empty());
-    EXPECT_NE(find_label(widgets.receiver_rows_box,
-                         "No receivers yet. Plug in your SDR and press Find devices."),
-              nullptr);
+    ASSERT_EQ(widgets.receiver_list.size(), 2U);
+    load(without(state_document(), "settings.receivers.0"));
+    ASSERT_EQ(widgets.receiver_list.size(), 1U);
+    EXPECT_EQ(widgets.receiver_list[0].serial, "00000001");
+    EXPECT_EQ(children_of(widgets.receiver_rows_box).size(), 1U);
 }
 
 TEST_F(LoadForm, ClearsWhatTheLastDiscoverySaid) {
@@ -250,56 +181,22 @@ TEST_F(LoadForm, ClearsWhatTheLastDiscoverySaid) {
 }
 
 TEST_F(LoadForm, ShowsTheRegistrationOrTheWayToIt) {
-    const struct {
-        json::value id;
-        json::value email;
-        const char* text;
-        bool registered;
-    } cases[] = {
-        {"4711", "ann@hilltop.example", "Registered as station 4711 with ann@hilltop.example.",
-         true},
-        {"4711", "", "Registered as station 4711.", true},
-        {"4711", 5, "Registered as station 4711.", true},
-        {"<4711>", "a&b@c.example", "Registered as station <4711> with a&b@c.example.", true},
-        {"", "ann@hilltop.example", "Registered as station  with ann@hilltop.example.", false},
-        {4711, "", "Registered as station .", false},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.text);
-        json::value document = with(state_document(), "settings.directory.id", c.id);
-        load(with(document, "settings.directory.email", c.email));
-        EXPECT_EQ(text_of(widgets.registered_label), c.text);
-        EXPECT_EQ(gtk_widget_get_visible(widgets.registered_label), c.registered);
-        EXPECT_EQ(gtk_widget_get_visible(widgets.register_box), !c.registered);
+    for (const char* id : {"<4711>", ""}) {
+        SCOPED_TRACE(id);
+        const bool registered = *id;
+        load(with(state_document(), "settings.directory.id", id));
+        EXPECT_EQ(gtk_widget_get_visible(widgets.registered_label), registered);
+        EXPECT_EQ(gtk_widget_get_visible(widgets.register_box), !registered);
+        if (registered) {
+            EXPECT_EQ(text_of(widgets.registered_label),
+                      "Registered as station <4711> with ann@hilltop.example.");
+        }
     }
-}
-
-TEST_F(LoadForm, ShowsNoRegistrationWithoutADirectory) {
-    load(without(state_document(), "settings.directory"));
-    EXPECT_TRUE(gtk_widget_get_visible(widgets.register_box));
-    EXPECT_FALSE(gtk_widget_get_visible(widgets.registered_label));
 }
 
 TEST_F(LoadForm, PutsTheStationsNameInTheHeader) {
-    const struct {
-        const char* name;
-        const char* callsign;
-        const char* title;
-    } cases[] = {
-        {"", "", "Your station"},
-        {"Hilltop SDR", "", "Hilltop SDR"},
-        {"K1ABC Hilltop", "K1ABC", "K1ABC Hilltop"},
-        {"Hilltop SDR", "K1ABC", "K1ABC · Hilltop SDR"},
-        {"k1abc Hilltop", "K1ABC", "K1ABC · k1abc Hilltop"},
-        {"", "K1ABC", "K1ABC"},
-        {"R&D <b>", "", "R&D <b>"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.title);
-        json::value document = with(state_document(), "settings.station.name", c.name);
-        load(with(document, "settings.station.callsign", c.callsign));
-        EXPECT_EQ(text_of(widgets.header_title), c.title);
-    }
+    load(with(state_document(), "settings.station.name", "R&D <b>"));
+    EXPECT_EQ(text_of(widgets.header_title), "K1ABC · R&D <b>");
 }
 
 TEST_F(LoadForm, LeavesTheFormClean) {
@@ -352,76 +249,6 @@ TEST_F(LoadForm, ChangesNothingAndSaysNothingWithoutAnAnswer) {
     service.stop();
     load_form();
     expect_untouched();
-}
-
-TEST_F(LoadForm, AsksTheSystemAboutLingering) {
-    commands.set_lingering(true);
-    load(state_document());
-    drain_events();
-    EXPECT_TRUE(gtk_switch_get_active(GTK_SWITCH(widgets.linger_switch)));
-    commands.set_lingering(false);
-    load(state_document());
-    drain_events();
-    EXPECT_FALSE(gtk_switch_get_active(GTK_SWITCH(widgets.linger_switch)));
-    EXPECT_FALSE(widgets.linger_guard);
-    for (const std::string& call : commands.calls())
-        EXPECT_TRUE(call.starts_with("loginctl show-user ")) << call;
-}
-
-TEST_F(LoadForm, EndsWithTheLibrarysErrorAtABodyThatIsNoDocument) {
-    for (const char* body : {"", "<html>", "[]", "null", "1", R"("text")", "{",
-                             R"({"settings":{}} trailing)", "{\"settings\":\"\xFF\"}"}) {
-        SCOPED_TRACE(body);
-        service.will_answer_state(body);
-        EXPECT_THROW(load_form(), std::exception);
-        EXPECT_FALSE(widgets.loading);
-    }
-}
-
-/// The loader left off in its middle: as if it had never begun for the tests that follow.
-void forget_broken_load() {
-    widgets.loading = false;
-}
-
-TEST_F(LoadForm, EndsWithTheLibrarysErrorAtAMissingMember) {
-    for (const char* path :
-         {"settings", "status", "settings.content", "settings.content.modes", "settings.access",
-          "settings.access.banned", "settings.receivers", "settings.receivers.0.backend",
-          "settings.receivers.0.serial", "settings.receivers.0.lo", "settings.receivers.0.hi",
-          "settings.receivers.1.hi"}) {
-        SCOPED_TRACE(path);
-        service.will_answer_state(json::serialize(without(state_document(), path)));
-        EXPECT_THROW(load_form(), std::exception);
-        forget_broken_load();
-    }
-}
-
-TEST_F(LoadForm, EndsWithTheLibrarysErrorAtAMemberOfAnotherKind) {
-    const json::value kinds[] = {nullptr, true, 1, 1.5, "text", json::array{}, json::object{}};
-    const struct {
-        const char* path;
-        json::kind kind;
-    } cases[] = {
-        {"settings", json::kind::object},
-        {"status", json::kind::object},
-        {"settings.content", json::kind::object},
-        {"settings.content.modes", json::kind::array},
-        {"settings.access", json::kind::object},
-        {"settings.access.banned", json::kind::array},
-        {"settings.receivers", json::kind::array},
-        {"settings.receivers.0", json::kind::object},
-        {"settings.receivers.0.enabled", json::kind::bool_},
-    };
-    for (const auto& c : cases)
-        for (const json::value& value : kinds) {
-            // An empty object is of the right kind for a group, but lacks its members.
-            if (value.kind() == c.kind)
-                continue;
-            SCOPED_TRACE(std::string{c.path} + " " + json::serialize(value));
-            service.will_answer_state(json::serialize(with(state_document(), c.path, value)));
-            EXPECT_THROW(load_form(), std::exception);
-            forget_broken_load();
-        }
 }
 
 TEST_F(LoadForm, KeepsTheOldObjectsWhenADocumentLacksEither) {

@@ -22,35 +22,7 @@ protected:
         EXPECT_EQ(saves.size(), 1U);
         return saves.empty() ? json::value{} : json::parse(saves[0].body);
     }
-
-    static std::vector<std::string> member_names(const json::value& object) {
-        std::vector<std::string> names;
-        for (const auto& member : object.as_object())
-            names.emplace_back(member.key());
-        return names;
-    }
 };
-
-/// The settings of the usual document as a save sends them: unchanged.
-json::value unchanged_settings() {
-    return state_document().at("settings");
-}
-
-/// Equal but for the way numbers are spelled.
-bool means_the_same(const json::value& a, const json::value& b) {
-    if (a.is_number() && b.is_number())
-        return a.to_number<double>() == b.to_number<double>();
-    if (a.is_array() && b.is_array())
-        return std::equal(a.get_array().begin(), a.get_array().end(), b.get_array().begin(),
-                          b.get_array().end(), means_the_same);
-    if (a.is_object() && b.is_object())
-        return std::equal(a.get_object().begin(), a.get_object().end(), b.get_object().begin(),
-                          b.get_object().end(), [](const auto& one, const auto& other) {
-                              return one.key() == other.key() &&
-                                     means_the_same(one.value(), other.value());
-                          });
-    return a == b;
-}
 
 TEST_F(SaveSettings, SendsTheWholeSettingsInOneRequest) {
     service.forget_requests();
@@ -61,13 +33,8 @@ TEST_F(SaveSettings, SendsTheWholeSettingsInOneRequest) {
     EXPECT_EQ(requests[1].line(), "GET /api/state HTTP/1.1");
 }
 
-TEST_F(SaveSettings, SendsBackWhatWasNotEdited) {
-    EXPECT_TRUE(means_the_same(saved_body(), unchanged_settings()))
-        << service.requests("PUT", "/api/settings").at(0).body;
-}
-
 TEST_F(SaveSettings, WritesEveryFieldInItsKind) {
-    const json::value before = unchanged_settings();
+    const json::value before = state_document().at("settings");
     for (const FieldBinding& binding : widgets.field_registry) {
         if (GTK_IS_SWITCH(binding.widget))
             gtk_switch_set_active(GTK_SWITCH(binding.widget),
@@ -92,65 +59,20 @@ TEST_F(SaveSettings, WritesEveryFieldInItsKind) {
     }
 }
 
-TEST_F(SaveSettings, SpellsNumbersAsFloatingPoint) {
-    gtk_spin_button_set_value(GTK_SPIN_BUTTON(field("listeners.max")), 20);
+TEST_F(SaveSettings, SendsWhatIsNoBoundField) {
+    set_text_of_view(widgets.description_view, "Two\nlines\n");
+    set_text_of_view(widgets.banned_view, "203.0.113.7 198.51.100.0/24\n");
+    for (std::size_t i = 0; i < widgets.mode_buttons.size(); ++i)
+        gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(widgets.mode_buttons[i]), i == 0 || i == 4);
+    gtk_switch_set_active(GTK_SWITCH(widgets.receiver_list.at(0).share_switch), FALSE);
+    gtk_spin_button_set_value(GTK_SPIN_BUTTON(widgets.receiver_list.at(1).low_spin), 144.0000006);
     const json::value body = saved_body();
-    EXPECT_TRUE(body.at("listeners").at("max").is_double());
-    EXPECT_EQ(body.at("listeners").at("max").as_double(), 20.0);
-    EXPECT_TRUE(body.at("receivers").at(0).at("lo").is_double());
-}
-
-TEST_F(SaveSettings, KeepsUnknownKeysAndTheOrderOfAll) {
-    json::value document = with(state_document(), "settings.zebra", json::array{1, "two", nullptr});
-    document = with(document, "settings.station.extra", json::object{{"a", 1}});
-    document = with(document, "settings.aardvark", 1e-7);
-    load(document);
-    const json::value body = saved_body();
-    EXPECT_EQ(member_names(body), member_names(document.at("settings")));
-    EXPECT_EQ(member_names(body.at("station")),
-              member_names(document.at("settings").at("station")));
-    EXPECT_TRUE(means_the_same(body, document.at("settings")));
-}
-
-TEST_F(SaveSettings, AddsNoKeyThatWasNotSent) {
-    json::value document = without(state_document(), "settings.station.name");
-    document = without(document, "settings.relay");
-    document = without(document, "settings.attach");
-    load(document);
-    type_into("station.name", "Typed");
-    gtk_switch_set_active(GTK_SWITCH(field("attach")), FALSE);
-    const json::value body = saved_body();
-    EXPECT_EQ(member_names(body), member_names(document.at("settings")));
-    EXPECT_FALSE(body.at("station").as_object().contains("name"));
-}
-
-TEST_F(SaveSettings, WritesOverAValueOfAnotherKind) {
-    json::value document = with(state_document(), "settings.attach", "yes");
-    document = with(document, "settings.listeners.max", nullptr);
-    document = with(document, "settings.station.name", 5);
-    load(document);
-    const json::value body = saved_body();
-    EXPECT_EQ(body.at("attach"), json::value(false));
-    EXPECT_EQ(body.at("listeners").at("max").as_double(), 1.0);
-    EXPECT_EQ(body.at("station").at("name"), json::value(""));
-}
-
-TEST_F(SaveSettings, SendsTheDescriptionAsItIs) {
-    set_text_of_view(widgets.description_view, "Two\nlines, \"quoted\" <b>&\\ Ä\n");
-    EXPECT_EQ(saved_body().at("station").at("description"),
-              json::value("Two\nlines, \"quoted\" <b>&\\ Ä\n"));
-}
-
-TEST_F(SaveSettings, SendsTheCallsignInCapitals) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"k1abc", "K1ABC"}, {"K1ABC", "K1ABC"}, {"dl/k1abc-7 z", "DL/K1ABC-7 Z"},
-        {"", ""},           {"äß1ı", "äß1ı"},
-    };
-    for (const auto& [typed, sent] : cases) {
-        type_into("station.callsign", typed);
-        const json::value body = saved_body();
-        EXPECT_EQ(body.at("station").at("callsign"), json::value(sent));
-    }
+    EXPECT_EQ(body.at("station").at("description"), json::value("Two\nlines\n"));
+    EXPECT_EQ(body.at("access").at("banned"), (json::array{"203.0.113.7", "198.51.100.0/24"}));
+    EXPECT_EQ(body.at("content").at("modes"), (json::array{"USB", "FM"}));
+    ASSERT_EQ(body.at("receivers").as_array().size(), 1U);
+    EXPECT_EQ(body.at("receivers").at(0).at("serial"), "00000001");
+    EXPECT_EQ(body.at("receivers").at(0).at("lo").as_double(), 144000001);
 }
 
 TEST_F(SaveSettings, LeavesTheCallsignEntryToTheReload) {
@@ -158,84 +80,6 @@ TEST_F(SaveSettings, LeavesTheCallsignEntryToTheReload) {
     service.will_answer("PUT", "/api/settings", 409, R"({"error":"No."})");
     EXPECT_FALSE(save_settings());
     EXPECT_STREQ(gtk_entry_get_text(GTK_ENTRY(field("station.callsign"))), "n0call");
-}
-
-TEST_F(SaveSettings, SendsThePressedModesInButtonOrder) {
-    const struct {
-        std::vector<int> pressed;
-        json::array sent;
-    } cases[] = {
-        {{}, {}},
-        {{4, 0}, {"USB", "FM"}},
-        {{0, 1, 2, 3, 4}, {"USB", "LSB", "CW", "AM", "FM"}},
-        {{2}, {"CW"}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(json::serialize(c.sent));
-        for (GtkWidget* button : widgets.mode_buttons)
-            gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(button), FALSE);
-        for (const int index : c.pressed)
-            click(widgets.mode_buttons.at(static_cast<std::size_t>(index)));
-        EXPECT_EQ(saved_body().at("content").at("modes"), json::value(c.sent));
-    }
-}
-
-TEST_F(SaveSettings, SendsEachBlockedWord) {
-    const struct {
-        const char* text;
-        json::array sent;
-    } cases[] = {
-        {"", {}},
-        {" \n\t\n ", {}},
-        {"203.0.113.7", {"203.0.113.7"}},
-        {"203.0.113.7\n", {"203.0.113.7"}},
-        {"\n\n  203.0.113.7 198.51.100.0/24\t2001:db8::1\n\n",
-         {"203.0.113.7", "198.51.100.0/24", "2001:db8::1"}},
-        {"same same", {"same", "same"}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.text);
-        set_text_of_view(widgets.banned_view, c.text);
-        EXPECT_EQ(saved_body().at("access").at("banned"), json::value(c.sent));
-    }
-}
-
-TEST_F(SaveSettings, SendsReceiversWithExactlySixMembers) {
-    const json::value receivers = saved_body().at("receivers");
-    ASSERT_EQ(receivers.as_array().size(), 2U);
-    EXPECT_EQ(member_names(receivers.at(0)),
-              (std::vector<std::string>{"backend", "serial", "model", "lo", "hi", "enabled"}));
-    EXPECT_TRUE(means_the_same(receivers.at(0), {{"backend", "sdrplay"},
-                                                 {"serial", "2305012345"},
-                                                 {"model", "RSPdx"},
-                                                 {"lo", 7000000.0},
-                                                 {"hi", 7300000.0},
-                                                 {"enabled", true}}));
-}
-
-TEST_F(SaveSettings, RoundsFrequenciesToWholeHertz) {
-    const struct {
-        double megahertz;
-        double hertz;
-    } cases[] = {{7.0, 7e6},        {7.3, 7.3e6},           {14.35, 14.35e6},      {0.530, 530e3},
-                 {16.001, 16001e3}, {10.1000004, 10100000}, {10.1000006, 10100001}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.megahertz);
-        // Every save makes the list anew.
-        GtkWidget* low_spin = widgets.receiver_list.at(0).low_spin;
-        gtk_spin_button_set_value(GTK_SPIN_BUTTON(low_spin), c.megahertz);
-        EXPECT_EQ(saved_body().at("receivers").at(0).at("lo").as_double(), c.hertz);
-    }
-}
-
-TEST_F(SaveSettings, LeavesOutReceiversThatAreOff) {
-    gtk_switch_set_active(GTK_SWITCH(widgets.receiver_list.at(0).share_switch), FALSE);
-    const json::value one = saved_body().at("receivers");
-    ASSERT_EQ(one.as_array().size(), 1U);
-    EXPECT_EQ(one.at(0).at("serial"), "00000001");
-    for (const Receiver& receiver : widgets.receiver_list)
-        gtk_switch_set_active(GTK_SWITCH(receiver.share_switch), FALSE);
-    EXPECT_EQ(saved_body().at("receivers"), json::value(json::array{}));
 }
 
 TEST_F(SaveSettings, TakesOverWhatIsTypedInSpinButtons) {
@@ -282,9 +126,6 @@ TEST_F(SaveSettings, KeepsTheEditsWhenTheServiceRefuses) {
     } cases[] = {
         {409, R"({"error":"The port is taken."})", "Not saved: The port is taken."},
         {400, R"({"error":"<b>A & B</b>"})", "Not saved: <b>A & B</b>"},
-        {500, R"({"error":""})", "Not saved: "},
-        {500, R"({"error":5})", "Not saved: "},
-        {500, R"({"error":null,"restart":true})", "Not saved: "},
         {201, R"({"error":"Only 200 counts."})", "Not saved: Only 200 counts."},
     };
     const json::object settings = settings_object;
@@ -312,68 +153,11 @@ TEST_F(SaveSettings, KeepsTheEditsWhenTheServiceIsGone) {
     EXPECT_TRUE(gtk_widget_get_visible(widgets.unsaved_label));
 }
 
-TEST_F(SaveSettings, EndsWithTheLibrarysErrorAtAReplyThatBreaksTheContract) {
-    const struct {
-        int status;
-        const char* body;
-    } cases[] = {
-        {200, ""},
-        {200, "Saved"},
-        {200, "[]"},
-        {200, "null"},
-        {200, "{}"},
-        {200, R"({"restart":"no"})"},
-        {200, R"({"restart":0})"},
-        {200, R"({"restart":null})"},
-        {409, ""},
-        {409, "<html>"},
-        {409, "[]"},
-        {409, "{}"},
-        {500, R"({"reason":"x"})"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.body);
-        service.will_answer("PUT", "/api/settings", c.status, c.body);
-        EXPECT_THROW(save_settings(), std::exception);
-    }
-}
-
 TEST_F(SaveSettings, ReloadsBeforeItReadsAnOddReply) {
     type_into("station.name", "Edited");
     service.will_answer("PUT", "/api/settings", 200, R"({"restart":"no"})");
     EXPECT_THROW(save_settings(), std::exception);
     EXPECT_FALSE(widgets.dirty);
-}
-
-TEST_F(SaveSettings, NeedsTheMembersItWritesInPlace) {
-    for (const char* path : {"station", "content", "access"}) {
-        SCOPED_TRACE(path);
-        load(state_document());
-        settings_object.erase(path);
-        service.forget_requests();
-        EXPECT_THROW(save_settings(), std::exception);
-        EXPECT_TRUE(service.requests().empty());
-    }
-    const std::pair<const char*, const char*> inner[] = {{"station", "description"},
-                                                         {"station", "callsign"},
-                                                         {"content", "modes"},
-                                                         {"access", "banned"}};
-    for (const auto& [group, member] : inner) {
-        SCOPED_TRACE(member);
-        load(state_document());
-        settings_object.at(group).as_object().erase(member);
-        service.forget_requests();
-        EXPECT_THROW(save_settings(), std::exception);
-        EXPECT_TRUE(service.requests().empty());
-    }
-}
-
-TEST_F(SaveSettings, AddsReceiversAtTheEndWhenTheyWereMissing) {
-    settings_object.erase("receivers");
-    settings_object["zebra"] = 1;
-    const json::value body = saved_body();
-    EXPECT_EQ(member_names(body).back(), "receivers");
-    EXPECT_EQ(body.at("receivers").as_array().size(), 2U);
 }
 
 TEST_F(SaveSettings, IsWhatTheButtonDoes) {
