@@ -3,7 +3,6 @@
 
 #include "devices.h"
 #include "example_document.h"
-#include "long_texts.h"
 
 #include "link/build_constants.h"
 
@@ -40,8 +39,8 @@ json::object default_settings(const Scenario& scenario) {
     if (!scenario.described)
         for (json::key_value_pair& member : group(settings, "station"))
             member.value() = "";
-    if (scenario.long_texts)
-        group(settings, "station")["name"] = long_station_name();
+    else
+        group(settings, "station")["name"] = scenario.texts.station_name;
     settings["attach"] = scenario.dialhouse_runs;
     settings["receivers"] = shared_receivers(scenario);
     group(settings, "listeners")["max"] =

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "devices.h"
 
-#include "long_texts.h"
-
 namespace {
 
 // Between the first search and one a while later, something has changed.
@@ -15,12 +13,12 @@ constexpr double spare_receiver_held_until_s = 60;
 Device sdrplay_device(const Scenario& scenario) {
     return {.backend = "sdrplay",
             .serial = "1905034F2A",
-            .model = scenario.long_texts ? long_word() : "SDRplay RSP1"};
+            .model = std::string{scenario.texts.sdrplay_model}};
 }
 
 Device dongle_device(const Scenario& scenario) {
     return {.backend = "rtl-sdr",
-            .serial = scenario.long_texts ? long_word() : "00000001",
+            .serial = std::string{scenario.texts.dongle_serial},
             .model = "RTL-SDR dongle <2832> & tuner"};
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "internet_life.h"
 
-#include "long_texts.h"
 #include "settings_paths.h"
 
 #include "link/build_constants.h"
@@ -40,6 +39,13 @@ bool is_relay_key(const std::string& key) {
     return true;
 }
 
+/// Whether a try fails, so many of which are left; below 0: all of them.
+bool fails(int& failures_left) {
+    if (failures_left > 0)
+        return failures_left-- > 0;
+    return failures_left < 0;
+}
+
 void begin_check_in(Station& station) {
     station.directory.state = "checking in";
     station.directory.due_s = station.clock_s + check_in_takes_s;
@@ -48,13 +54,9 @@ void begin_check_in(Station& station) {
 void finish_check_in(Station& station) {
     DirectoryLife& directory = station.directory;
     directory.due_s = station.clock_s + next_try_s;
-    if (directory.failures_left != 0) {
-        if (directory.failures_left > 0)
-            --directory.failures_left;
+    if (fails(directory.failures_left)) {
         directory.state = "check-in failed";
-        directory.error = station.scenario.long_texts
-                              ? long_word()
-                              : "The connection timed out after 10 seconds.";
+        directory.error = station.scenario.texts.check_in_error;
         return;
     }
     directory.state = "checked in";
@@ -82,18 +84,13 @@ void advance_directory(Station& station) {
 void finish_connecting(Station& station) {
     RelayLife& relay = station.relay;
     relay.due_s = station.clock_s + next_try_s;
-    if (station.scenario.long_texts) {
-        relay.state = "refused";
-        relay.error = long_refusal();
-    } else if (!is_relay_key(setting_text(station.settings, "relay", "key"))) {
+    if (!is_relay_key(setting_text(station.settings, "relay", "key"))) {
         relay.state = "refused";
         relay.error = "This relay key is not known.";
-    } else if (relay.refusals_left > 0) {
-        --relay.refusals_left;
+    } else if (fails(relay.refusals_left)) {
         relay.state = "refused";
-        relay.error = "All places of this relay are taken.";
-    } else if (relay.absences_left > 0) {
-        --relay.absences_left;
+        relay.error = station.scenario.texts.relay_refusal;
+    } else if (fails(relay.absences_left)) {
         relay.state = "unreachable";
         relay.error = "No route to host.";
     } else {
@@ -118,10 +115,9 @@ void advance_relay(Station& station) {
 void finish_certificate(Station& station) {
     CertificateLife& certificate = station.certificate;
     certificate.due_s = station.clock_s + next_try_s;
-    if (certificate.failures_left > 0) {
-        --certificate.failures_left;
+    if (fails(certificate.failures_left)) {
         certificate.state = "failed";
-        certificate.error = "The name has not spread through the domain name system yet.";
+        certificate.error = station.scenario.texts.certificate_error;
         return;
     }
     certificate.state = "active";

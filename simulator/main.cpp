@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: MIT
 // A stand-in for the station service, for demonstrations and tests of the settings window.
 #include "default_settings.h"
-#include "hand_over.h"
 #include "http_server.h"
 #include "options.h"
-#include "request_record.h"
-#include "settings_file.h"
-#include "station.h"
+#include "station_files.h"
 
 #include "link/build_constants.h"
 
@@ -21,6 +18,9 @@
 namespace {
 
 constexpr int usage_fault = 2;
+
+// The same life in each run. Ours.
+constexpr std::uint64_t seed = 1;
 
 // A day, so that two runs on one day show the same date.
 constexpr std::int64_t day_s = 86400;
@@ -47,8 +47,7 @@ ApiReply serve_request(Station& station, const Options& options, HandOver& hand_
         if (!fault.empty())
             reply = refusal(500, "The settings could not be stored: " + fault);
     }
-    if (!options.quiet)
-        say(request.method + " " + request.target + " " + std::to_string(reply.status));
+    say(request.method + " " + request.target + " " + std::to_string(reply.status));
     return reply;
 }
 
@@ -64,7 +63,7 @@ int run(const Options& options) {
         }
     }
     const std::int64_t today = std::time(nullptr) / day_s * day_s;
-    Station station = make_station(scenario, options.seed, today, std::move(settings));
+    Station station = make_station(scenario, seed, today, std::move(settings));
     HandOver hand_over = make_hand_over(options.owner_file, options.broker_file);
     RequestRecord record{options.record_folder};
 
@@ -79,8 +78,7 @@ int run(const Options& options) {
         };
     tasks.on_user_signal = [&] { remove_obstacle(station); };
     tasks.on_ready = [&] {
-        if (!options.quiet)
-            say("Playing " + std::string{scenario.name} + " on " + options.socket);
+        say("Playing " + std::string{scenario.name} + " on " + options.socket);
     };
     const int delay_ms = options.delay_ms < 0 ? scenario.delay_ms : options.delay_ms;
     const std::string fault = serve(options.socket, std::chrono::milliseconds{delay_ms}, tasks);

@@ -21,7 +21,6 @@ struct Flag {
 };
 
 constexpr std::array flags = {
-    Flag{"--quiet", &Options::quiet, "say nothing about the requests served"},
     Flag{"--list-scenarios", &Options::list_scenarios, "print the scenarios and end"},
     Flag{"--help", &Options::help, "print this text and end"},
     Flag{"--version", &Options::version, "print the version and end"},
@@ -89,11 +88,6 @@ constexpr std::array settings = {
             [](Options& o, std::string_view, std::string_view v) {
                 return store_number(o.step_s, v, 0.0, longest_step_s,
                                     "--step needs a number from 0 to 3600.");
-            }},
-    Setting{"--seed", "N", "another life of the same scenario (1)",
-            [](Options& o, std::string_view, std::string_view v) {
-                return store_number(o.seed, v, std::uint64_t{0}, ~std::uint64_t{0},
-                                    "--seed needs a whole number, 0 or more.");
             }},
     Setting{"--delay-ms", "N", "wait so long before every reply",
             [](Options& o, std::string_view, std::string_view v) {

@@ -12,7 +12,6 @@ struct Options {
     bool help = false;
     bool version = false;
     bool list_scenarios = false;
-    bool quiet = false;
     std::string socket{};
     const Scenario* scenario = find_scenario("on-air");
     std::string state_file{};    ///< empty: nothing is kept
@@ -21,9 +20,8 @@ struct Options {
     std::string record_folder{}; ///< empty: bodies are not recorded
     double speed = 1;            ///< station seconds in a second; 0 stops the life
     double step_s = 0;           ///< station seconds that pass at each request
-    std::uint64_t seed = 1;
-    int delay_ms = -1;   ///< below 0: the scenario's own
-    std::string fault{}; ///< in words; empty when the line was understood
+    int delay_ms = -1;           ///< below 0: the scenario's own
+    std::string fault{};         ///< in words; empty when the line was understood
 };
 
 /// `arguments` do not hold the program's name.

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "receiver_life.h"
 
-#include "long_texts.h"
 #include "settings_paths.h"
 
 #include <algorithm>
@@ -45,10 +44,7 @@ std::string failure_log(const Station& station, const StartedReceiver& receiver)
         return "open: device " + receiver.serial +
                " is claimed by another program (EBUSY)\nexit status 1";
     if (receiver.backend == "rtl-sdr" && station.scenario.receiver_fails)
-        return station.scenario.long_texts
-                   ? long_log()
-                   : "usb: transfer failed <status 5> & 3 retries\ntuner: PLL not locked\n"
-                     "exit status 1";
+        return std::string{station.scenario.texts.receiver_log};
     const double widest = receiver.backend == "rtl-sdr" ? dongle_span : sdrplay_span;
     if (receiver.backend != "rx888" && receiver.hi - receiver.lo > widest)
         return "range: wider than the receiver takes at once\nexit status 2";

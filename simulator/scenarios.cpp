@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string>
 
 namespace {
 
@@ -13,7 +14,37 @@ constexpr double settled_s = 120;
 constexpr double first_failure_s = 6;
 constexpr double first_certificate_failure_s = 15;
 
-constexpr std::array scenarios = {
+std::string repeated(std::string_view piece, std::size_t times) {
+    std::string text;
+    for (std::size_t i = 0; i < times; ++i)
+        text += piece;
+    return text;
+}
+
+constexpr std::string_view long_refusal =
+    "The station cannot take this over now, since a longer explanation than usual is due: the "
+    "people who run the list have asked every station owner to write to them first, and they "
+    "answer on weekdays, in the morning, politely by hand.";
+
+/// Texts of the length at which a window's layout is put to the test.
+OutsideTexts long_texts() {
+    static const std::string word = repeated("Unbreakable", 18) + "Ab";
+    static const std::string log =
+        repeated("usb_transfer_status=5;retry=", 2340) + "last_retry_fails";
+    // 25 characters at a time, the "é" of two bytes among them.
+    static const std::string name = repeated("Café Hilltop Radio <SDR> ", 400);
+    return {.station_name = name,
+            .sdrplay_model = word,
+            .dongle_serial = word,
+            .receiver_log = log,
+            .check_in_error = word,
+            .relay_refusal = long_refusal,
+            .certificate_error = word,
+            .save_refusal = long_refusal,
+            .registration_refusal = long_refusal};
+}
+
+const std::array scenarios = {
     Scenario{.name = "first-run",
              .description = "Nothing is set up: no name, no receiver, not registered.",
              .described = false,
@@ -85,18 +116,21 @@ constexpr std::array scenarios = {
              .registered = false,
              .shares_receivers = false,
              .devices_attached = false},
-    Scenario{.name = "register-refused",
-             .description = "Like first-run, but every registration is refused with a reason.",
-             .described = false,
-             .registered = false,
-             .shares_receivers = false,
-             .registration_refused = true},
+    Scenario{
+        .name = "register-refused",
+        .description = "Like first-run, but every registration is refused with a reason.",
+        .described = false,
+        .registered = false,
+        .shares_receivers = false,
+        .texts = {.registration_refusal = "The station list takes no new stations this week."}},
     Scenario{.name = "long-texts",
              .description = "Very long names, words, logs and refusals; saving is refused too.",
              .relay_wanted = true,
              .receiver_fails = true,
-             .long_texts = true,
+             .texts = long_texts(),
              .failed_check_ins = -1,
+             .relay_refusals = -1,
+             .failed_certificates = -1,
              .listeners_at_start = 3,
              .warm_up_s = settled_s},
     Scenario{.name = "quiet",

@@ -5,6 +5,21 @@
 #include <span>
 #include <string_view>
 
+/// Texts that do not come from the program.
+struct OutsideTexts {
+    std::string_view station_name = "Hilltop SDR";
+    std::string_view sdrplay_model = "SDRplay RSP1";
+    std::string_view dongle_serial = "00000001";
+    std::string_view receiver_log = "usb: transfer failed <status 5> & 3 retries\n"
+                                    "tuner: PLL not locked\nexit status 1";
+    std::string_view check_in_error = "The connection timed out after 10 seconds.";
+    std::string_view relay_refusal = "All places of this relay are taken.";
+    std::string_view certificate_error =
+        "The name has not spread through the domain name system yet.";
+    std::string_view save_refusal{};         ///< empty: settings are saved
+    std::string_view registration_refusal{}; ///< empty: registrations are accepted
+};
+
 /// How a station stands at the start and what befalls it. Times are in station seconds.
 struct Scenario {
     std::string_view name{};
@@ -22,11 +37,11 @@ struct Scenario {
     bool port_waits = false;   ///< nobody reaches the port until the obstacle is removed
 
     bool receiver_fails = false; ///< the RTL-SDR dongle fails again and again
-    bool registration_refused = false;
-    bool long_texts = false; ///< every text from outside is as long as the world can make it
+    OutsideTexts texts{};
+    // How often something fails before it succeeds; below 0: for ever.
     int failed_check_ins = 0;
-    int relay_refusals = 0; ///< before the relay accepts the station
-    int relay_absences = 0; ///< before the relay can be reached
+    int relay_refusals = 0; ///< the relay turns the station away
+    int relay_absences = 0; ///< the relay cannot be reached
     int failed_certificates = 0;
 
     int listeners_at_start = 0;

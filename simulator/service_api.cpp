@@ -4,7 +4,6 @@
 #include "address_range.h"
 #include "internet_life.h"
 #include "listener_life.h"
-#include "long_texts.h"
 #include "settings_check.h"
 #include "settings_paths.h"
 #include "state_document.h"
@@ -44,8 +43,8 @@ ApiReply get_devices(Station& station, const json::object&) {
 ApiReply put_settings(Station& station, const json::object& body) {
     if (const std::string fault = settings_fault(station.settings, body); !fault.empty())
         return refusal(422, fault);
-    if (station.scenario.long_texts)
-        return refusal(409, long_refusal());
+    if (const std::string_view reason = station.scenario.texts.save_refusal; !reason.empty())
+        return refusal(409, std::string{reason});
     json::object settings = body;
     settle_numbers(settings);
     return success(json::object{{"restart", replace_settings(station, std::move(settings))}});
@@ -77,10 +76,9 @@ ApiReply post_register(Station& station, const json::object& body) {
     const std::string id = setting_text(station.settings, "directory", "id");
     if (!id.empty())
         return refusal(409, "The station is registered already, as station " + id + ".");
-    if (station.scenario.long_texts)
-        return refusal(409, long_refusal());
-    if (station.scenario.registration_refused)
-        return refusal(409, "The station list takes no new stations this week.");
+    if (const std::string_view reason = station.scenario.texts.registration_refusal;
+        !reason.empty())
+        return refusal(409, std::string{reason});
     if (email.ends_with("@refused.example"))
         return refusal(409, "The station list accepts no addresses at refused.example.");
     json::object& directory = station.settings.at("directory").as_object();

@@ -4,7 +4,6 @@
 #include "default_settings.h"
 #include "internet_life.h"
 #include "listener_life.h"
-#include "long_texts.h"
 #include "receiver_life.h"
 #include "settings_paths.h"
 
@@ -50,8 +49,12 @@ Station make_station(const Scenario& scenario, std::uint64_t seed, std::int64_t 
     station.relay.refusals_left = scenario.relay_refusals;
     station.relay.absences_left = scenario.relay_absences;
     station.certificate.failures_left = scenario.failed_certificates;
-    if (scenario.long_texts)
-        station.certificate = {.state = "failed", .due_s = HUGE_VAL, .error = long_word()};
+    if (scenario.failed_certificates < 0)
+        station.certificate = {
+            .state = "failed",
+            .due_s = HUGE_VAL,
+            .error = std::string{scenario.texts.certificate_error},
+        };
     start_receivers(station);
     follow_internet_settings(station);
     pass(station, scenario.warm_up_s);

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulator_fixture.h"
 
-#include "hand_over.h"
-#include "request_record.h"
-#include "settings_file.h"
+#include "station_files.h"
 
 #include <gtest/gtest.h>
 

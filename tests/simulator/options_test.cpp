@@ -22,20 +22,17 @@ TEST(SimulatorOptions, HaveTheirDefaults) {
     EXPECT_EQ(options.scenario->name, "on-air");
     EXPECT_EQ(options.speed, 1);
     EXPECT_EQ(options.step_s, 0);
-    EXPECT_EQ(options.seed, 1U);
     EXPECT_EQ(options.delay_ms, -1);
-    EXPECT_FALSE(options.quiet);
 }
 
 TEST(SimulatorOptions, AreReadInBothSpellings) {
     for (const std::vector<const char*>& arguments :
          {std::vector<const char*>{"--socket=/tmp/s", "--scenario=relay", "--state=/tmp/f",
-                                   "--speed=2.5", "--step=0.5", "--seed=9", "--delay-ms=40",
-                                   "--owner-file=/o", "--broker-file=/b", "--record=/r", "--quiet"},
-          {"--socket",   "/tmp/s", "--scenario",   "relay", "--state",       "/tmp/f",
-           "--speed",    "2.5",    "--step",       "0.5",   "--seed",        "9",
-           "--delay-ms", "40",     "--owner-file", "/o",    "--broker-file", "/b",
-           "--record",   "/r",     "--quiet"}}) {
+                                   "--speed=2.5", "--step=0.5", "--delay-ms=40", "--owner-file=/o",
+                                   "--broker-file=/b", "--record=/r"},
+          {"--socket", "/tmp/s", "--scenario", "relay", "--state", "/tmp/f", "--speed", "2.5",
+           "--step", "0.5", "--delay-ms", "40", "--owner-file", "/o", "--broker-file", "/b",
+           "--record", "/r"}}) {
         const Options options = parse(arguments);
         EXPECT_EQ(options.fault, "");
         EXPECT_EQ(options.socket, "/tmp/s");
@@ -43,12 +40,10 @@ TEST(SimulatorOptions, AreReadInBothSpellings) {
         EXPECT_EQ(options.state_file, "/tmp/f");
         EXPECT_EQ(options.speed, 2.5);
         EXPECT_EQ(options.step_s, 0.5);
-        EXPECT_EQ(options.seed, 9U);
         EXPECT_EQ(options.delay_ms, 40);
         EXPECT_EQ(options.owner_file, "/o");
         EXPECT_EQ(options.broker_file, "/b");
         EXPECT_EQ(options.record_folder, "/r");
-        EXPECT_TRUE(options.quiet);
     }
 }
 
@@ -63,7 +58,7 @@ TEST(SimulatorOptions, SayWhatIsWrong) {
         {{"--socket="}, "--socket needs a path."},
         {{"--soket", "/tmp/s"}, "The option “--soket” is unknown: see --help."},
         {{"overview"}, "The option “overview” is unknown: see --help."},
-        {{"--quiet=yes"}, "The option “--quiet=yes” is unknown: see --help."},
+        {{"--help=yes"}, "The option “--help=yes” is unknown: see --help."},
         {{"--scenario", "nowhere"}, "There is no scenario “nowhere”: see --list-scenarios."},
         {{"--speed", "fast"}, "--speed needs a number from 0 to 10000."},
         {{"--speed", "-1"}, "--speed needs a number from 0 to 10000."},
@@ -72,7 +67,6 @@ TEST(SimulatorOptions, SayWhatIsWrong) {
         {{"--speed", "1x"}, "--speed needs a number from 0 to 10000."},
         {{"--step", "-1"}, "--step needs a number from 0 to 3600."},
         {{"--step", "3601"}, "--step needs a number from 0 to 3600."},
-        {{"--seed", "-1"}, "--seed needs a whole number, 0 or more."},
         {{"--delay-ms", "-1"}, "--delay-ms needs a whole number from 0 to 600000."},
         {{"--delay-ms", "600001"}, "--delay-ms needs a whole number from 0 to 600000."},
     };

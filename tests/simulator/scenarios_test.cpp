@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "simulator_fixture.h"
 
-#include "long_texts.h"
 #include "options.h"
 #include "scenarios.h"
 #include "settings_check.h"
@@ -57,13 +56,14 @@ TEST(Scenarios, OffAirHasABrokerAndNoReceiver) {
 }
 
 TEST(Scenarios, LongTextsAreAsLongAsTheySay) {
-    EXPECT_EQ(long_refusal().size(), 230U);
-    EXPECT_EQ(long_word().size(), 200U);
-    EXPECT_EQ(long_word().find(' '), std::string::npos);
-    EXPECT_EQ(long_log().size(), 65'536U);
-    EXPECT_EQ(long_log().find(' '), std::string::npos);
-    // 400 of the characters take two bytes.
-    EXPECT_EQ(long_station_name().size(), 10'400U);
+    const OutsideTexts texts = find_scenario("long-texts")->texts;
+    EXPECT_EQ(texts.save_refusal.size(), 230U);
+    EXPECT_EQ(texts.dongle_serial.size(), 200U);
+    EXPECT_EQ(texts.dongle_serial.find(' '), std::string::npos);
+    EXPECT_EQ(texts.receiver_log.size(), 65'536U);
+    EXPECT_EQ(texts.receiver_log.find(' '), std::string::npos);
+    // 10,000 characters, 400 of which are of two bytes.
+    EXPECT_EQ(texts.station_name.size(), 10'400U);
 }
 
 TEST(Scenarios, LongTextsReachEveryPlaceThatShowsOne) {
@@ -75,15 +75,16 @@ TEST(Scenarios, LongTextsReachEveryPlaceThatShowsOne) {
                status.at("started").at(1).at("running") == false;
     }));
     const json::object status = status_of(station);
-    EXPECT_EQ(status.at("relay").at("error"), json::value(long_refusal()));
-    EXPECT_EQ(status.at("directory").at("error"), json::value(long_word()));
-    EXPECT_EQ(status.at("https").at("error"), json::value(long_word()));
-    EXPECT_EQ(status.at("started").at(1).at("log"), json::value(long_log()));
-    EXPECT_EQ(status.at("started").at(1).at("serial"), json::value(long_word()));
-    EXPECT_EQ(status.at("receivers").at(0).at("device"), json::value(long_word()));
-    EXPECT_EQ(station.settings.at("station").at("name"), json::value(long_station_name()));
+    const OutsideTexts& texts = station.scenario.texts;
+    EXPECT_EQ(status.at("relay").at("error"), json::value(texts.relay_refusal));
+    EXPECT_EQ(status.at("directory").at("error"), json::value(texts.check_in_error));
+    EXPECT_EQ(status.at("https").at("error"), json::value(texts.certificate_error));
+    EXPECT_EQ(status.at("started").at(1).at("log"), json::value(texts.receiver_log));
+    EXPECT_EQ(status.at("started").at(1).at("serial"), json::value(texts.dongle_serial));
+    EXPECT_EQ(status.at("receivers").at(0).at("device"), json::value(texts.sdrplay_model));
+    EXPECT_EQ(station.settings.at("station").at("name"), json::value(texts.station_name));
     const ApiReply reply =
         answer(station, request("PUT", "/api/settings", json::serialize(station.settings)));
     EXPECT_EQ(reply.status, 409);
-    EXPECT_EQ(error_in(reply), long_refusal());
+    EXPECT_EQ(error_in(reply), texts.save_refusal);
 }

@@ -11,9 +11,9 @@ import socketserver
 import sys
 import threading
 
-HERE = pathlib.Path(__file__).resolve().parent
+ROOT = pathlib.Path(__file__).resolve().parents[2]
 
-FAULTS = json.loads((HERE.parent / "faults" / "faults.json").read_text())
+FAULTS = json.loads((ROOT / "tests" / "faults" / "faults.json").read_text())
 
 
 class Request:
@@ -31,7 +31,8 @@ class Request:
 
 
 REQUESTS = {
-    "GET /api/state": Request(json.loads((HERE.parents[1] / "docs" / "state.json").read_text()), reads_reply=True),
+    "GET /api/state": Request(json.loads((ROOT / "docs" / "state.json").read_text()),
+                              reads_reply=True),
     "PUT /api/settings": Request({"restart": False}, reads_reply=True, reads_refusal=True),
     "GET /api/devices": Request([{"backend": "sdrplay", "serial": "2305012345", "model": "RSPdx",
                                   "available": True}], reads_reply=True),
