@@ -2,11 +2,7 @@
 # SPDX-License-Identifier: MIT
 """Compares docs/service-api.yaml with what the simulator sends, and bodies with it.
 
-Usage: service_api_test.py PROGRAM [unittest arguments]
-       service_api_test.py --bodies FOLDER
-
-The first form starts the simulator PROGRAM in every scenario. The second checks bodies that
-`tarnwave-station-simulator --record FOLDER` has written, and ends with 1 when one is wrong.
+Usage: service_api_test.py PROGRAM [unittest arguments], PROGRAM being the simulator.
 """
 
 import copy
@@ -423,34 +419,6 @@ class Requests(unittest.TestCase):
                     self.assertEqual(status, 200 if good else 422)
 
 
-class Bodies(unittest.TestCase):
-    def test_what_is_wrong_with_recorded_bodies_is_said(self):
-        for name, text, expected in (
-                ("0001-POST-kick.json", '{"number": 3}', []),
-                ("0001-POST-kick.json", '{"number": 0}',
-                 ["0001-POST-kick.json: number: 0 is less than the minimum of 1"]),
-                ("0001-POST-ban.json", '{}',
-                 ["0001-POST-ban.json: : 'address' is a required property"]),
-                ("0001-PUT-kick.json", '{"number": 3}',
-                 ["0001-PUT-kick.json: no request has such a body."]),
-                ("notes.txt", "", ["notes.txt: no request has such a body."])):
-            with self.subTest(name), tempfile.TemporaryDirectory() as folder:
-                with open(os.path.join(folder, name), "w", encoding="utf-8") as file:
-                    file.write(text)
-                self.assertEqual(body_faults(folder), expected)
-
-    def test_a_body_that_is_no_json_is_said(self):
-        with tempfile.TemporaryDirectory() as folder:
-            with open(os.path.join(folder, "0001-POST-kick.json"), "w",
-                      encoding="utf-8") as file:
-                file.write("{")
-            self.assertEqual(len(body_faults(folder)), 1)
-
-
 if __name__ == "__main__":
-    if sys.argv[1:2] == ["--bodies"]:
-        found = body_faults(sys.argv[2])
-        print("\n".join(found) if found else "All bodies are as described.")
-        sys.exit(1 if found else 0)
     PROGRAM = os.path.abspath(sys.argv.pop(1))
     unittest.main()

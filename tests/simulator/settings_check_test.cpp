@@ -26,12 +26,6 @@ json::object with(std::string_view pointer, const json::value& value) {
     return document.as_object();
 }
 
-json::object without(std::string_view group, std::string_view member) {
-    json::object settings = stored();
-    settings.at(group).as_object().erase(member);
-    return settings;
-}
-
 json::object with_receiver(std::string_view member, const json::value& value) {
     json::object settings = stored();
     settings.at("receivers").at(0).as_object()[member] = value;
@@ -54,42 +48,12 @@ TEST(SettingsCheck, AcceptsNumbersInEveryForm) {
     EXPECT_EQ(fault_of(with("/receivers/0/lo", 6.9e6)), "");
 }
 
-TEST(SettingsCheck, HoldsEachNumberToItsLimits) {
-    struct Case {
-        std::string_view pointer;
-        int low;
-        int high;
-        std::string_view fault;
-    };
-    for (const Case& c : {
-             Case{"/network/port", 1024, 65535,
-                  "The public port must be a whole number from 1024 to 65535 (network.port)."},
-             {"/listeners/max", 1, 200,
-              "The number of listeners at once must be a whole number from 1 to 200 "
-              "(listeners.max)."},
-             {"/listeners/per_address", 1, 20,
-              "The number of listeners from one address must be a whole number from 1 to 20 "
-              "(listeners.per_address)."},
-             {"/listeners/session_minutes", 0, 1440,
-              "The session length must be a whole number from 0 to 1440 "
-              "(listeners.session_minutes)."},
-             {"/listeners/cooldown_minutes", 0, 1440,
-              "The wait before listening again must be a whole number from 0 to 1440 "
-              "(listeners.cooldown_minutes)."},
-             {"/listeners/idle_minutes", 1, 1440,
-              "The time before asking “Still listening?” must be a whole number from 1 to 1440 "
-              "(listeners.idle_minutes)."},
-         }) {
-        SCOPED_TRACE(c.pointer);
-        EXPECT_EQ(fault_of(with(c.pointer, c.low)), "");
-        EXPECT_EQ(fault_of(with(c.pointer, c.high)), "");
-        EXPECT_EQ(fault_of(with(c.pointer, c.low - 1)), c.fault);
-        EXPECT_EQ(fault_of(with(c.pointer, c.high + 1)), c.fault);
-        EXPECT_EQ(fault_of(with(c.pointer, c.low + 0.5)), c.fault);
-        EXPECT_EQ(fault_of(with(c.pointer, json::parse("1e999"))), c.fault);
-        EXPECT_EQ(fault_of(with(c.pointer, "1100")), c.fault);
-        EXPECT_EQ(fault_of(with(c.pointer, nullptr)), c.fault);
-    }
+TEST(SettingsCheck, NamesTheLimitsOfANumber) {
+    // The limits themselves are compared with the description of the service.
+    for (const json::value& port : {json::value(1023), json::value(65536), json::value(8073.5),
+                                    json::parse("1e999"), json::value("8073"), json::value()})
+        EXPECT_EQ(fault_of(with("/network/port", port)),
+                  "The public port must be a whole number from 1024 to 65535 (network.port).");
 }
 
 TEST(SettingsCheck, HoldsEachMemberToItsKind) {
@@ -126,27 +90,12 @@ TEST(SettingsCheck, HoldsASettingWithoutARuleOfItsOwnToItsKind) {
     EXPECT_EQ(settings_fault(with_height, proposed), "The setting height_m must be a number.");
 }
 
-TEST(SettingsCheck, NamesEveryMemberThatIsMissing) {
-    const json::object settings = stored();
-    int members = 0;
-    for (const auto& [group, value] : settings) {
-        const json::object* inner = value.if_object();
-        if (!inner)
-            continue;
-        for (const auto& member : *inner) {
-            const std::string path =
-                std::string{group.data(), group.size()} + "." + std::string{member.key()};
-            EXPECT_EQ(fault_of(without(group, member.key())),
-                      "The setting " + path + " is missing.");
-            ++members;
-        }
-    }
-    EXPECT_GT(members, 20);
-    for (const char* name : {"format", "station", "attach", "receivers", "network"}) {
-        json::object proposed = stored();
-        proposed.erase(name);
-        EXPECT_EQ(fault_of(proposed), "The setting " + std::string{name} + " is missing.");
-    }
+TEST(SettingsCheck, NamesAMemberThatIsMissing) {
+    json::object settings = stored();
+    settings.at("network").as_object().erase("port");
+    EXPECT_EQ(fault_of(settings), "The setting network.port is missing.");
+    settings.erase("network");
+    EXPECT_EQ(fault_of(settings), "The setting network is missing.");
 }
 
 TEST(SettingsCheck, WantsMembersThatNoFormEditsBackUnchanged) {
@@ -198,9 +147,6 @@ TEST(SettingsCheck, HoldsReceiversToTheirShape) {
         {"serial", "", "Receiver 1 needs a backend and a serial number."},
         {"model", false, "Receiver 1 needs a model."},
         {"lo", "low", "Receiver 1 needs lo, a whole number of hertz from 0 to 6,000,000,000."},
-        {"lo", -1, "Receiver 1 needs lo, a whole number of hertz from 0 to 6,000,000,000."},
-        {"hi", 7.0000005e6,
-         "Receiver 1 needs hi, a whole number of hertz from 0 to 6,000,000,000."},
         {"hi", 6'000'000'001,
          "Receiver 1 needs hi, a whole number of hertz from 0 to 6,000,000,000."},
         {"hi", 7'000'000, "The range of receiver “1905034F2A” ends where it begins or below."},

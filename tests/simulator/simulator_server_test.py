@@ -124,14 +124,6 @@ class Exchange(unittest.TestCase):
             simulator.wait_until(lambda: "GET /api/state 200" in simulator.log_text())
             self.assertEqual(simulator.end(), 0)
 
-    def test_header_fields_are_needed(self):
-        with Simulator(PROGRAM) as simulator:
-            for name in HEADER:
-                header = {key: value for key, value in HEADER.items() if key != name}
-                reply = simulator.request("GET", "/api/state", header=header)
-                self.assertEqual(reply.status, 400)
-                self.assertIn(name, reply.document()["error"])
-
     def test_another_method_is_refused_with_the_right_one(self):
         with Simulator(PROGRAM) as simulator:
             reply = simulator.request("POST", "/api/settings", {})
