@@ -128,7 +128,7 @@ std::string kind_line(GtkWidget* widget, bool& is_whole) {
     return G_OBJECT_TYPE_NAME(widget);
 }
 
-/// The widget's member of the widget record, in brackets, or its settings key.
+/// The settings key of a field, and in brackets the handle that is kept of a widget.
 std::string name_line(GtkWidget* widget) {
     const std::pair<const char*, GtkWidget*> members[] = {
 #define MEMBER(name) {#name, widgets.name}
@@ -151,12 +151,23 @@ std::string name_line(GtkWidget* widget) {
 #undef MEMBER
     };
     std::string line;
+    for (const Receiver& receiver : widgets.receiver_list) {
+        const std::pair<const char*, GtkWidget*> handles[] = {
+            {"share_switch", receiver.share_switch},
+            {"low_spin", receiver.low_spin},
+            {"high_spin", receiver.high_spin},
+            {"coverage_label", receiver.coverage_label},
+            {"details_box", receiver.details_box}};
+        for (const auto& [name, handle] : handles)
+            if (handle == widget)
+                line += std::string{" ("} + name + ")";
+    }
     for (const FieldBinding& binding : widgets.field_registry)
         if (binding.widget == widget)
             line += " = " + binding.key;
     for (const auto& [name, member] : members)
         if (member == widget)
-            line += std::string{" "} + "(" + name + ")";
+            line += std::string{" ("} + name + ")";
     return line;
 }
 

@@ -78,30 +78,6 @@ TEST_F(BuildAnotherWindow, SpeaksToNobody) {
     EXPECT_TRUE(commands.calls().empty());
 }
 
-using TwoWindows = WindowTest;
-
-TEST_F(TwoWindows, RememberTheirOwnRows) {
-    const auto rows_drawn = [] {
-        return children_of(widgets.on_air_box).size() +
-               static_cast<std::size_t>(gtk_tree_model_iter_n_children(
-                   GTK_TREE_MODEL(widgets.listeners_store), nullptr));
-    };
-    load(state_document());
-    ASSERT_EQ(rows_drawn(), 4U) << "two receivers and two listeners";
-    const WidgetRecord first = widgets;
-    widgets = WidgetRecord{};
-    build_window();
-    load(state_document());
-    EXPECT_EQ(rows_drawn(), 4U);
-    gtk_widget_destroy(widgets.window);
-    drain_events();
-    widgets = first;
-    json::value nobody = with(state_document(), "status.listeners", json::array{});
-    nobody = with(nobody, "status.receivers", json::array{});
-    load(nobody);
-    EXPECT_EQ(rows_drawn(), 0U);
-}
-
 using RelayVisibility = WindowTest;
 
 TEST_F(RelayVisibility, ShowsTheRelayOrThePortForward) {

@@ -111,15 +111,6 @@ TEST_F(ChangeTracking, IgnoresTheLoadersWrites) {
     expect_dirty(false);
 }
 
-TEST_F(ChangeTracking, CleanAndEditedComeAndGo) {
-    mark_dirty();
-    expect_dirty(true);
-    mark_dirty();
-    expect_dirty(true);
-    mark_clean();
-    expect_dirty(false);
-}
-
 TEST_F(ChangeTracking, LeavesOtherWidgetsAlone) {
     GtkWidget* button = gtk_button_new_with_label("No setting");
     g_object_ref_sink(button);

@@ -12,20 +12,16 @@ namespace {
 /// Builders are tried in a box of their own, which ends with the test.
 class Builders : public WindowTest {
 protected:
-    Builders() : registered_before_{widgets.field_registry.size()} {
+    Builders() {
         // Never shown, and nobody's child: the test holds it.
         g_object_ref_sink(box);
     }
     ~Builders() override {
         gtk_widget_destroy(box);
         g_object_unref(box);
-        widgets.field_registry.resize(registered_before_);
     }
 
     GtkWidget* box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
-
-private:
-    std::size_t registered_before_;
 };
 
 TEST_F(Builders, ALabelIsMarkupAndStandsLeft) {
@@ -38,49 +34,13 @@ TEST_F(Builders, ALabelIsMarkupAndStandsLeft) {
     EXPECT_TRUE(has_class(label, "muted"));
 }
 
-TEST_F(Builders, ALabelMayStandOnOneLineWithoutAClass) {
-    GtkWidget* label = make_label("plain", nullptr, false);
-    pack(box, label);
-    EXPECT_FALSE(gtk_label_get_line_wrap(GTK_LABEL(label)));
-    EXPECT_EQ(outline_of(label), "label \"plain\" one line hidden\n");
-}
-
-TEST_F(Builders, ACardWithATitleBeginsWithIt) {
+TEST_F(Builders, TitlesLabelsAndHintsAreNoMarkup) {
     GtkWidget* card = add_card(box, "R&D <b>rooms</b>");
-    EXPECT_EQ(children_of(box).at(0), card);
-    EXPECT_TRUE(has_class(card, "card"));
-    GtkWidget* title = children_of(card).at(0);
-    EXPECT_EQ(text_of(title), "R&D <b>rooms</b>");
-    EXPECT_EQ(gtk_widget_get_margin_top(title), 12);
-    EXPECT_EQ(gtk_widget_get_margin_bottom(title), 2);
-    EXPECT_TRUE(has_class(title, "card-title"));
-}
-
-TEST_F(Builders, ACardWithoutATitleIsEmpty) {
-    GtkWidget* card = add_card(box, nullptr);
-    gtk_widget_show(card);
-    EXPECT_EQ(outline_of(card), "box vertical .card\n");
-}
-
-TEST_F(Builders, TheFirstRowHasNoSeparatorAndEachLaterOneHas) {
-    GtkWidget* card = add_card(box, "Card");
-    for (const char* label : {"One", "Two", "Three"})
-        add_row(card, label, nullptr, nullptr);
+    add_row(card, "A & <i>B</i>", "less < more", nullptr);
     gtk_widget_show_all(box);
-    EXPECT_EQ(outline_of(card), R"(box vertical .card
-  label "Card" .card-title [0 0 12 2]
-  box horizontal 18 .row
-    box vertical 2 centred expands
-      label "One"
-  separator
-  box horizontal 18 .row
-    box vertical 2 centred expands
-      label "Two"
-  separator
-  box horizontal 18 .row
-    box vertical 2 centred expands
-      label "Three"
-)");
+    EXPECT_NE(find_label(card, "R&D <b>rooms</b>"), nullptr);
+    EXPECT_NE(find_label(card, "A & <i>B</i>"), nullptr);
+    EXPECT_NE(find_label(card, "less < more"), nullptr);
 }
 
 TEST_F(Builders, EachCardCountsItsOwnRows) {
@@ -90,83 +50,18 @@ TEST_F(Builders, EachCardCountsItsOwnRows) {
     EXPECT_EQ(children_of(second).size(), 1U);
 }
 
-TEST_F(Builders, ARowHoldsLabelHintAndWidget) {
-    GtkWidget* card = add_card(box, nullptr);
-    GtkWidget* entry = gtk_entry_new();
-    GtkWidget* row = add_row(card, "A & <i>B</i>", "less < more", entry);
-    gtk_widget_show_all(box);
-    EXPECT_EQ(children_of(card).at(0), row);
-    EXPECT_EQ(children_of(row).at(1), entry);
-    const std::vector<GtkWidget*> texts = children_of(children_of(row).at(0));
-    ASSERT_EQ(texts.size(), 2U);
-    EXPECT_EQ(text_of(texts[0]), "A & <i>B</i>");
-    EXPECT_EQ(text_of(texts[1]), "less < more");
-    EXPECT_TRUE(has_class(texts[1], "small"));
-    EXPECT_EQ(outline_of(entry), "entry \"\" centred at end\n");
-}
-
-TEST_F(Builders, AWideWidgetIs320PixelsWide) {
-    GtkWidget* entry = gtk_entry_new();
-    add_row(add_card(box, nullptr), "Name", nullptr, entry, RowWidth::wide);
-    gtk_widget_show_all(box);
-    EXPECT_EQ(outline_of(entry), "entry \"\" width 320 centred at end\n");
-}
-
-TEST_F(Builders, ARowHandsOutItsTextColumn) {
-    GtkWidget* column = nullptr;
-    GtkWidget* row =
-        add_row(add_card(box, nullptr), "Name", nullptr, nullptr, RowWidth::natural, &column);
-    EXPECT_EQ(column, children_of(row).at(0));
-}
-
-TEST_F(Builders, ATextBoxIsTrackedAndWraps) {
-    GtkWidget* view = add_textbox(box, 80);
-    gtk_widget_show_all(box);
-    EXPECT_EQ(outline_of(children_of(box).at(0)), R"(box vertical .textbox [0 0 0 12]
-  text view height 80 expands
-)");
-    EXPECT_EQ(gtk_text_view_get_wrap_mode(GTK_TEXT_VIEW(view)), GTK_WRAP_WORD_CHAR);
-    set_text_of_view(view, "typed");
-    EXPECT_TRUE(widgets.dirty);
-}
-
-TEST_F(Builders, ABoundFieldEndsUpLastInTheRegistry) {
-    GtkWidget* widget = gtk_switch_new();
-    pack(box, widget);
-    EXPECT_EQ(bind_field("some.key", widget), widget);
-    EXPECT_EQ(widgets.field_registry.back().key, "some.key");
-    EXPECT_EQ(widgets.field_registry.back().widget, widget);
-    gtk_switch_set_active(GTK_SWITCH(widget), TRUE);
-    EXPECT_TRUE(widgets.dirty);
-}
-
-TEST_F(Builders, ABoundEntryShowsItsPlaceholder) {
-    GtkWidget* entry = bind_entry("other.key", "An example");
-    pack(box, entry);
-    EXPECT_STREQ(gtk_entry_get_placeholder_text(GTK_ENTRY(entry)), "An example");
-    EXPECT_EQ(widgets.field_registry.back().key, "other.key");
-    EXPECT_EQ(widgets.field_registry.back().widget, entry);
-    type_into(entry, "typed");
-    EXPECT_TRUE(widgets.dirty);
-}
-
 using StatusClasses = Builders;
 
 TEST_F(StatusClasses, LeaveExactlyTheWantedOne) {
-    const struct {
-        StatusClass status_class;
-        const char* expected;
-    } cases[] = {
-        {StatusClass::good, "good"},   {StatusClass::warning, "warning"},
-        {StatusClass::error, "error"}, {StatusClass::none, ""},
-        {StatusClass::error, "error"}, {StatusClass::good, "good"},
-        {StatusClass::good, "good"},   {StatusClass::none, ""},
-    };
     GtkWidget* label = make_label("", "small");
     pack(box, label);
-    for (const auto& c : cases) {
-        set_status_class(label, c.status_class);
-        EXPECT_EQ(status_class_of(label), c.expected);
+    const std::pair<StatusClass, const char*> cases[] = {{StatusClass::good, "good"},
+                                                         {StatusClass::warning, "warning"},
+                                                         {StatusClass::error, "error"},
+                                                         {StatusClass::none, ""}};
+    for (const auto& [status_class, expected] : cases) {
+        set_status_class(label, status_class);
+        EXPECT_EQ(status_class_of(label), expected);
         EXPECT_TRUE(has_class(label, "small"));
     }
 }
@@ -294,13 +189,6 @@ TEST_F(LabelSetters, TextIsNoMarkup) {
 }
 
 using TextBoxes = WindowTest;
-
-TEST_F(TextBoxes, GiveBackWhatWasWritten) {
-    for (const std::string text : {"", "one", "two\nlines\n", "  blanks\tand\ttabs ", "Ä–…"}) {
-        set_text_of_view(widgets.description_view, text);
-        EXPECT_EQ(text_of_view(widgets.description_view), text);
-    }
-}
 
 TEST_F(TextBoxes, LeaveHiddenCharactersOut) {
     set_text_of_view(widgets.description_view, "seen hidden");
