@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 // What happens when one action begins in the middle of another. Drawing a progress text and asking
 // a question both turn the main loop, and with it comes whatever the user or a timer does.
-#include "app/state_poll.h"
 #include "link/json_access.h"
 #include "receivers/find_devices.h"
 #include "receivers/set_linger.h"
 #include "status/listener_actions.h"
+#include "status/refresh_status.h"
 #include "status/registration.h"
 #include "support/window_fixture.h"
 #include "ui/load_form.h"
@@ -28,6 +28,7 @@ struct Action {
     Requests sends{};
     bool asks = false;         ///< answers a question first, else draws first or does neither
     bool run_on_edits = false; ///< makes the form edited before it turns the main loop
+    int answer = GTK_RESPONSE_OK;
 };
 
 void block_listener() {
@@ -110,45 +111,34 @@ TEST_F(Reentrancy, EveryActionMayBeginInTheMiddleOfEveryOther) {
                        },
                        {},
                        true,
-                       true};
+                       true,
+                       GTK_RESPONSE_CANCEL};
     const Action reload{"load", load_form, {}};
-    const Action poll_once{"poll", [] { poll_state(nullptr); }, {}};
+    const Action refresh{"refresh the status", refresh_status, {}};
     const Action linger{"linger", press_linger_switch, {}};
     const Action turn_page{"turn the page", [] { show_page_at_once("internet"); }, {}};
 
     // Those that turn the main loop; any action may come into them.
     const Action outer_actions[] = {find, enrol, block, close, end, save};
-    const Action inner_actions[] = {find,   enrol,     block,  end,      save,
-                                    reload, poll_once, linger, turn_page};
+    const Action inner_actions[] = {find,   enrol,   block,  end,      save,
+                                    reload, refresh, linger, turn_page};
     for (const Action& outer : outer_actions) {
         for (const Action& inner : inner_actions) {
             SCOPED_TRACE(testing::Message() << inner.name << " in the middle of " << outer.name);
             begin();
-            struct Intruder {
-                std::function<void()> run{};
-                bool ran = false;
-            } intruder{[this, &inner] {
+            bool ran = false;
+            const auto intrude = [this, &inner, &ran] {
+                ran = true;
                 if (inner.asks)
                     answer_next_dialog(GTK_RESPONSE_OK);
                 inner.run();
-            }};
-            if (outer.asks) {
-                const bool blocks = std::string_view{outer.name} == "block";
-                answer_next_dialog(blocks ? GTK_RESPONSE_OK : GTK_RESPONSE_CANCEL, [&intruder] {
-                    intruder.ran = true;
-                    intruder.run();
-                });
-            } else {
-                const auto intrude = +[](gpointer data) -> gboolean {
-                    Intruder* self = static_cast<Intruder*>(data);
-                    self->ran = true;
-                    self->run();
-                    return G_SOURCE_REMOVE;
-                };
-                g_idle_add_full(G_PRIORITY_HIGH, intrude, &intruder, nullptr);
-            }
+            };
+            if (outer.asks)
+                answer_next_dialog(outer.answer, intrude);
+            else
+                run_when_loop_turns(intrude);
             outer.run();
-            EXPECT_TRUE(intruder.ran);
+            EXPECT_TRUE(ran);
             drain_events();
 
             Requests expected = outer.sends;
@@ -169,11 +159,7 @@ TEST_F(Reentrancy, EveryActionMayBeginInTheMiddleOfEveryOther) {
 TEST_F(Reentrancy, ASaveInTheMiddleOfADiscoveryKeepsBoth) {
     begin();
     type_into("station.name", "Edited");
-    const auto save = +[](gpointer) -> gboolean {
-        save_settings();
-        return G_SOURCE_REMOVE;
-    };
-    g_idle_add_full(G_PRIORITY_HIGH, save, nullptr, nullptr);
+    run_when_loop_turns([] { save_settings(); });
     find_devices();
     ASSERT_EQ(service.requests("PUT", "/api/settings").size(), 1U);
     EXPECT_EQ(
@@ -188,11 +174,7 @@ TEST_F(Reentrancy, ALoadInTheMiddleOfADiscoveryLeavesNoRowOfTheOldList) {
     begin();
     service.will_answer_state(
         json::serialize(with(state_document(), "settings.receivers", json::array{})));
-    const auto reload = +[](gpointer) -> gboolean {
-        load_form();
-        return G_SOURCE_REMOVE;
-    };
-    g_idle_add_full(G_PRIORITY_HIGH, reload, nullptr, nullptr);
+    run_when_loop_turns([] { load_form(); });
     find_devices();
     ASSERT_EQ(widgets.receiver_list.size(), 1U);
     EXPECT_EQ(widgets.receiver_list[0].serial, "new");

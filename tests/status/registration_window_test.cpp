@@ -36,17 +36,6 @@ protected:
         type_into(widgets.register_email, email);
         gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(widgets.understand_check), understood);
     }
-
-    std::string footer() const {
-        return text_of(widgets.footer_status) + "|" + status_class_of(widgets.footer_status);
-    }
-
-    std::vector<std::string> lines() const {
-        std::vector<std::string> all;
-        for (const RecordedRequest& request : service.requests())
-            all.push_back(request.method + " " + request.target);
-        return all;
-    }
 };
 
 TEST_F(Registration, AsksForConsentFirst) {
@@ -61,9 +50,7 @@ TEST_F(Registration, AsksForConsentFirst) {
 
 TEST_F(Registration, AsksForAnAddressNext) {
     type_into("station.name", "Half typed");
-    for (const char* text : {"", "ann", "ann@hilltop", "@hilltop.example", "ann@.", "ann@hilltop.",
-                             "a nn@hilltop.org", " ann@hilltop.org", "ann@hilltop.org ",
-                             "ann@hill@top.org", "ann@hilltop.org\tx", "ann@hilltop .org"}) {
+    for (const char* text : {"", " ann@hilltop.org"}) {
         SCOPED_TRACE(text);
         fill_in(text, true);
         register_station();
@@ -79,17 +66,12 @@ TEST_F(Registration, SendsTheAddressAndReloads) {
         service.will_answer_state(json::serialize(state_document()));
     });
     click(widgets.register_button);
-    EXPECT_EQ(lines(), (std::vector<std::string>{"POST /api/register", "GET /api/state"}));
+    EXPECT_EQ(requests_sent(), (std::vector<std::string>{"POST /api/register", "GET /api/state"}));
     EXPECT_EQ(json::parse(service.requests()[0].body),
               (json::value{{"email", "ann@hilltop.example"}}));
     EXPECT_EQ(footer(), registered);
     EXPECT_FALSE(gtk_widget_get_visible(widgets.register_box));
     EXPECT_TRUE(gtk_widget_get_visible(widgets.registered_label));
-}
-
-TEST_F(Registration, LeavesConsentAndAddressAsTheyWere) {
-    register_station();
-    EXPECT_EQ(footer(), registered);
     EXPECT_STREQ(gtk_entry_get_text(GTK_ENTRY(widgets.register_email)), "ann@hilltop.example");
     EXPECT_TRUE(gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(widgets.understand_check)));
 }
@@ -105,8 +87,8 @@ TEST_F(Registration, SavesEditsFirst) {
     type_into("station.name", "Edited");
     service.will_answer("PUT", "/api/settings", 200, R"({"restart":false})");
     register_station();
-    EXPECT_EQ(lines(), (std::vector<std::string>{"PUT /api/settings", "GET /api/state",
-                                                 "POST /api/register", "GET /api/state"}));
+    EXPECT_EQ(requests_sent(), (std::vector<std::string>{"PUT /api/settings", "GET /api/state",
+                                                         "POST /api/register", "GET /api/state"}));
     EXPECT_EQ(json::parse(service.requests()[0].body).at("station").at("name"),
               json::value("Edited"));
     EXPECT_EQ(footer(), registered);
@@ -116,7 +98,7 @@ TEST_F(Registration, SendsNothingWhenTheSaveFails) {
     type_into("station.name", "Edited");
     service.will_answer("PUT", "/api/settings", 409, R"({"error":"The port is taken."})");
     register_station();
-    EXPECT_EQ(lines(), (std::vector<std::string>{"PUT /api/settings"}));
+    EXPECT_EQ(requests_sent(), (std::vector<std::string>{"PUT /api/settings"}));
     EXPECT_EQ(footer(), "Not saved: The port is taken.|error");
     service.stop();
     register_station();
@@ -127,42 +109,33 @@ TEST_F(Registration, SendsNothingWhenTheSaveFails) {
 
 TEST_F(Registration, TellsWhyItWasRefused) {
     const struct {
-        const char* when;
         int status;
         const char* body;
         const char* footer;
     } cases[] = {
-        {"a reason", 409, R"({"error":"The list is full."})",
-         "Not registered: The list is full.|error"},
-        {"markup in it", 400, R"({"error":"<b>&amp;</b>","more":1})",
-         "Not registered: <b>&amp;</b>|error"},
-        {"an empty reason", 500, R"({"error":""})", "Not registered: |error"},
-        {"a reason that is a number", 502, R"({"error":7})", "Not registered: |error"},
-        {"a reason that is null", 404, R"({"error":null})", "Not registered: |error"},
-        {"almost a success", 201, R"({"error":"Later."})", "Not registered: Later.|error"},
+        {400, R"({"error":"<b>&amp;</b>","more":1})", "Not registered: <b>&amp;</b>|error"},
+        {502, R"({"error":7})", "Not registered: |error"},
+        {201, R"({"error":"Later."})", "Not registered: Later.|error"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.when);
+        SCOPED_TRACE(c.body);
         service.will_answer("POST", "/api/register", c.status, c.body);
         register_station();
         EXPECT_EQ(footer(), c.footer);
     }
     EXPECT_TRUE(service.requests("GET", "/api/state").empty());
+    service.stop();
+    register_station();
+    EXPECT_EQ(footer(), "Not registered: the service did not answer.|error");
 }
 
 TEST_F(Registration, EndsWithTheLibrarysErrorAtARefusalThatBreaksTheContract) {
-    for (const char* body : {"", "no JSON", "[]", "\"error\"", "null", "{}", R"({"reason":"x"})"}) {
+    for (const char* body : {"", "[]", "{}"}) {
         SCOPED_TRACE(body);
         service.will_answer("POST", "/api/register", 400, body);
         EXPECT_THROW(register_station(), std::exception);
         EXPECT_EQ(footer(), "Registering…|");
     }
-}
-
-TEST_F(Registration, SaysWhenTheServiceDoesNotAnswer) {
-    service.stop();
-    register_station();
-    EXPECT_EQ(footer(), "Not registered: the service did not answer.|error");
 }
 
 TEST_F(Registration, ShowsThatItIsUnderWayBeforeTheRequestIsSent) {
@@ -181,20 +154,6 @@ TEST_F(Registration, ShowsThatItIsUnderWayBeforeTheRequestIsSent) {
     register_station();
     g_signal_handler_disconnect(widgets.footer_status, handler);
     EXPECT_TRUE(drawn_before_request);
-}
-
-TEST_F(Registration, TakesTheLongestAddressThatAnEntryHolds) {
-    // One byte of the entry's 64 KiB less one is for the terminating zero.
-    const std::string longest = std::string(65534 - 8, 'a') + "@host.io";
-    fill_in(longest, true);
-    ASSERT_EQ(std::string{gtk_entry_get_text(GTK_ENTRY(widgets.register_email))}.size(), 65534U);
-    register_station();
-    EXPECT_EQ(footer(), registered);
-    EXPECT_EQ(json::parse(service.requests("POST", "/api/register").at(0).body),
-              (json::value{{"email", longest}}));
-    fill_in(std::string(65535, 'a'), true);
-    register_station();
-    EXPECT_EQ(footer(), "Enter your email address.|error");
 }
 
 TEST_F(Registration, BeginsOnlyOnceHoweverOftenEnterIsPressed) {
@@ -247,11 +206,7 @@ TEST_F(RegistrationInAWindowOfItsOwn, SendsNothingWhenTheWindowIsClosedWhileItDr
     gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(widgets.understand_check), TRUE);
     type_into(widgets.register_email, "ann@hilltop.example");
     mark_clean();
-    const auto close = +[](gpointer) -> gboolean {
-        gtk_widget_destroy(widgets.window);
-        return G_SOURCE_REMOVE;
-    };
-    g_idle_add_full(G_PRIORITY_HIGH, close, nullptr, nullptr);
+    run_when_loop_turns([] { gtk_widget_destroy(widgets.window); });
     register_station();
     EXPECT_EQ(widgets.window, nullptr);
     EXPECT_TRUE(service.requests().empty());

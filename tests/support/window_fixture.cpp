@@ -260,6 +260,10 @@ std::string status_class_of(GtkWidget* widget) {
     return classes;
 }
 
+std::string footer() {
+    return text_of(widgets.footer_status) + "|" + status_class_of(widgets.footer_status);
+}
+
 std::vector<GtkWidget*> children_of(GtkWidget* container) {
     std::vector<GtkWidget*> children;
     GList* list = gtk_container_get_children(GTK_CONTAINER(container));
@@ -362,6 +366,15 @@ void press_key(GtkWidget* window, guint key, GdkModifierType modifiers) {
     g_object_unref(target);
 }
 
+void run_when_loop_turns(std::function<void()> function) {
+    const auto run = +[](gpointer data) -> gboolean {
+        (*static_cast<std::function<void()>*>(data))();
+        return G_SOURCE_REMOVE;
+    };
+    const auto forget = +[](gpointer data) { delete static_cast<std::function<void()>*>(data); };
+    g_idle_add_full(G_PRIORITY_HIGH, run, new std::function<void()>{std::move(function)}, forget);
+}
+
 void show_page_at_once(const char* name) {
     gtk_stack_set_visible_child_full(GTK_STACK(widgets.stack), name,
                                      GTK_STACK_TRANSITION_TYPE_NONE);
@@ -402,6 +415,13 @@ void WindowTest::load(const json::value& document) {
 void WindowTest::poll(const json::value& document) {
     service.will_answer_state(json::serialize(document));
     poll_state(nullptr);
+}
+
+std::vector<std::string> WindowTest::requests_sent() const {
+    std::vector<std::string> all;
+    for (const RecordedRequest& request : service.requests())
+        all.push_back(request.method + " " + request.target);
+    return all;
 }
 
 void WindowTest::answer_next_dialog(int response, std::function<void()> while_open) {

@@ -63,6 +63,9 @@ std::vector<std::string> classes_of(GtkWidget* widget);
 /// blanks between them for several.
 std::string status_class_of(GtkWidget* widget);
 
+/// What the footer says, and after a "|" the status class it carries.
+std::string footer();
+
 /// The children of a container in their order.
 std::vector<GtkWidget*> children_of(GtkWidget* container);
 /// A widget and all below it, in the order of the tree, internal children included.
@@ -90,6 +93,9 @@ void turn_wheel(GtkWidget* widget, GdkScrollDirection direction);
 /// Presses and releases a key in a window.
 void press_key(GtkWidget* window, guint key, GdkModifierType modifiers = GdkModifierType{});
 
+/// Runs a function as soon as the main loop turns, before anything is drawn.
+void run_when_loop_turns(std::function<void()> function);
+
 /// Shows a page of the stack at once.
 void show_page_at_once(const char* name);
 
@@ -102,6 +108,9 @@ protected:
     void load(const boost::json::value& document);
     /// The service answers with this document, and one poll draws it.
     void poll(const boost::json::value& document);
+
+    /// The requests that came, as "GET /api/state".
+    std::vector<std::string> requests_sent() const;
 
     /// Answers the next dialog that no other answer is meant for with a response. `while_open`
     /// runs first.
