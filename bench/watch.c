@@ -1,13 +1,13 @@
 /* SPDX-License-Identifier: MIT
  * Preloaded into the program or into its floor, which stay as they are: notes when the first frame
- * and the station's state are drawn, calls the 3-second timeout again as soon as the window has
+ * and the station's state are drawn, calls the timeout of the polls again as soon as the window has
  * come to rest, and ends the process with a report, one JSON object.
  *
  *     BENCH_REPORT   file for the report
  *     BENCH_STARTED  when the process was started: CLOCK_MONOTONIC, in nanoseconds
- *     BENCH_TEXT     beginning of a label that shows the station's state; without it the first
- * frame does BENCH_POLLS    how many polls to measure; 0: the report is made when the state is
- * shown BENCH_STYLE    file that gets the style rules of the program */
+ *     BENCH_TEXT     beginning of a label that shows the state; without it the first frame does
+ *     BENCH_POLLS    how many polls are measured; 0: the report is made when the state is shown
+ *     BENCH_STYLE    file that gets the style rules of the program */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <gtk/gtk.h>
@@ -17,7 +17,6 @@
 #include <time.h>
 #include <unistd.h>
 
-#define POLL_INTERVAL_S 3
 #define WARM_UP_POLLS 3
 /* A window that has drawn nothing for so long has come to rest. */
 #define REST_MS 25
@@ -183,7 +182,8 @@ void gtk_init(int* argc, char*** argv) {
 }
 
 guint g_timeout_add_seconds(guint interval, GSourceFunc function, gpointer data) {
-    if (interval != POLL_INTERVAL_S || polls_wanted == 0)
+    /* No other timeout of either is counted in seconds. */
+    if (polls_wanted == 0)
         return REAL(g_timeout_add_seconds)(interval, function, data);
     program_poll = function;
     program_data = data;
