@@ -1,80 +1,93 @@
 // SPDX-License-Identifier: MIT
-// The one unit with Boost.Beast in it.
+// The one unit with Asio and Beast in it.
 #define G_LOG_DOMAIN "tarnwave"
 // Beast asserts that at least five bytes wait when it looks at the last chunk again. A reply
 // without any other chunk that comes a byte at a time has four then; the parser copes with them.
 #define BOOST_DISABLE_ASSERTS
 #include "link/service_link.h"
 
-#include "link/timed_stream.h"
-
-#include <boost/asio/buffer.hpp>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/local/stream_protocol.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/http/error.hpp>
 #include <boost/beast/http/message.hpp>
 #include <boost/beast/http/parser.hpp>
 #include <boost/beast/http/read.hpp>
 #include <boost/beast/http/span_body.hpp>
+#include <boost/beast/http/string_body.hpp>
 #include <boost/beast/http/write.hpp>
-#include <boost/optional/optional.hpp>
-#include <boost/system/errc.hpp>
-#include <boost/system/error_code.hpp>
+#include <boost/system/system_error.hpp>
+#include <fcntl.h>
 #include <glib.h>
+#include <poll.h>
 
 #include <array>
 #include <chrono>
-#include <cstdint>
 #include <utility>
 
 namespace net = boost::asio;
 namespace http = boost::beast::http;
 using boost::system::error_code;
 using Clock = std::chrono::steady_clock;
+using Socket = net::local::stream_protocol::socket;
 
 std::string settings_socket_path = "/run/tarnwave/settings.sock";
 
 namespace {
 
-/// Largest status line and header accepted, together, in bytes. Ours.
+/// Largest status line and header accepted, together, in bytes.
 constexpr std::size_t header_limit = 8'192;
 
-/// Largest reply body accepted, in bytes (8 MiB). Ours.
+/// Largest reply body accepted, in bytes (8 MiB).
 constexpr std::size_t body_limit = 8'388'608;
 
-/// Most bytes that wait undecoded, and first room for them. A header never needs more, nor
-/// does a body; only the extension of a chunk or a trailer could. Ours.
+/// Most bytes that wait undecoded. A header never needs more, nor does a body; only the extension
+/// of a chunk or a trailer could.
 constexpr std::size_t buffer_limit = 65'536;
-constexpr std::size_t buffer_start = 32'768;
 
-/// A reply's body as a string. Beast's own string body does the same, but writes zeros before
-/// the bytes: a quarter of what an exchange costs.
-struct ReplyBody {
-    using value_type = std::string;
+/// The stream that Beast reads from and writes to: a socket that does not block, and `poll` up to
+/// the time limit of each single read and write.
+///
+/// The time-outs that a socket has by itself would bound nothing: Asio takes their error for "would
+/// block" and waits without limit.
+class TimedStream {
+public:
+    TimedStream(Socket& socket, std::chrono::seconds time_limit)
+        : socket_{socket}, time_limit_{time_limit} {}
 
-    class reader {
-    public:
-        template <bool is_request, class Fields>
-        reader(http::header<is_request, Fields>&, value_type& body) : body_{body} {}
+    template <class Buffers> std::size_t read_some(const Buffers& buffers, error_code& error) {
+        return repeat_when_ready(POLLIN, error, [&] { return socket_.read_some(buffers, error); });
+    }
 
-        /// The parser has held the length against its limit.
-        void init(const boost::optional<std::uint64_t>& length, error_code& error) {
-            if (length)
-                body_.reserve(static_cast<std::size_t>(*length));
-            error = {};
+    template <class Buffers> std::size_t write_some(const Buffers& buffers, error_code& error) {
+        return repeat_when_ready(POLLOUT, error,
+                                 [&] { return socket_.write_some(buffers, error); });
+    }
+
+    // Beast asks a stream for these too, and calls neither.
+    template <class Buffers> std::size_t read_some(const Buffers& buffers);
+    template <class Buffers> std::size_t write_some(const Buffers& buffers);
+
+private:
+    template <class Transfer>
+    std::size_t repeat_when_ready(short event, error_code& error, Transfer transfer) {
+        const Clock::time_point deadline = Clock::now() + time_limit_;
+        for (;;) {
+            const std::size_t size = transfer();
+            if (error != net::error::would_block)
+                return size;
+            const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+            pollfd descriptor{.fd = socket_.native_handle(), .events = event, .revents = 0};
+            // A signal ends the wait early: the next one has what is left of the time limit.
+            if (left.count() <= 0 || ::poll(&descriptor, 1, static_cast<int>(left.count())) == 0) {
+                error = net::error::timed_out;
+                return 0;
+            }
         }
+    }
 
-        template <class Buffers> std::size_t put(const Buffers& buffers, error_code& error) {
-            const net::const_buffer piece = *net::buffer_sequence_begin(buffers);
-            body_.append(static_cast<const char*>(piece.data()), piece.size());
-            error = {};
-            return piece.size();
-        }
-
-        void finish(error_code& error) { error = {}; }
-
-    private:
-        value_type& body_;
-    };
+    Socket& socket_;
+    std::chrono::seconds time_limit_;
 };
 
 constexpr http::verb verb_of(HttpMethod method) {
@@ -88,10 +101,25 @@ constexpr http::verb verb_of(HttpMethod method) {
     }
 }
 
+Socket connected_socket(net::io_context& context) {
+    const net::local::stream_protocol::endpoint service{settings_socket_path};
+    Socket socket{context, service.protocol()};
+    // The commands that the program runs do not inherit it.
+    ::fcntl(socket.native_handle(), F_SETFD, FD_CLOEXEC);
+    error_code error;
+    do // a local connect that a signal interrupted has left nothing behind
+        socket.connect(service, error);
+    while (error == net::error::interrupted);
+    if (error)
+        throw boost::system::system_error{error};
+    socket.non_blocking(true);
+    return socket;
+}
+
 /// The service answers a request that has exactly these fields; a body sent with GET is framed
 /// too, an empty one is not.
-error_code write_request(TimedStream& stream, HttpMethod method, std::string_view target,
-                         std::string_view body) {
+void write_request(TimedStream& stream, HttpMethod method, std::string_view target,
+                   std::string_view body) {
     http::request<http::span_body<const char>> request;
     request.version(11);
     request.method(verb_of(method));
@@ -101,74 +129,53 @@ error_code write_request(TimedStream& stream, HttpMethod method, std::string_vie
     request.insert(http::field::content_type, "application/json");
     request.body() = {body.data(), body.size()};
     request.prepare_payload();
-    error_code error;
-    http::write(stream, request, error);
-    return error;
+    http::write(stream, request);
 }
 
-error_code read_reply(TimedStream& stream, ServiceReply& reply) {
+ServiceReply read_reply(TimedStream& stream) {
     boost::beast::flat_buffer buffer{buffer_limit};
-    buffer.reserve(buffer_start);
-    http::response_parser<ReplyBody> parser;
+    buffer.reserve(buffer_limit); // most replies come in one receive then
+    http::response_parser<http::string_body> parser;
     parser.header_limit(header_limit);
     parser.body_limit(body_limit);
-    error_code error;
     // The parser applies its limit to the status line and to the fields each by itself.
-    const std::size_t header_size = http::read_header(stream, buffer, parser, error);
-    if (!error && header_size > header_limit)
-        error = http::error::header_limit;
-    if (!error)
-        http::read(stream, buffer, parser, error);
-    // A code of "000" is no answer either.
-    if (!error && parser.get().result_int() != 0)
-        reply = {static_cast<int>(parser.get().result_int()), std::move(parser.get().body())};
-    return error;
+    if (http::read_header(stream, buffer, parser) > header_limit)
+        throw boost::system::system_error{http::error::header_limit};
+    http::read(stream, buffer, parser);
+    const int status = static_cast<int>(parser.get().result_int());
+    if (status == 0) // "000" is no answer either
+        throw boost::system::system_error{http::error::bad_status};
+    return {status, std::move(parser.get().body())};
 }
 
-error_code exchange(HttpMethod method, std::string_view target, std::string_view body,
-                    int time_limit_s, ServiceReply& reply) {
-    const Socket socket;
-    if (socket.descriptor() < 0)
-        return last_socket_error();
-    error_code error = socket.connect_to(settings_socket_path);
-    if (error)
-        return error;
-    TimedStream stream{socket.descriptor(), std::chrono::seconds{time_limit_s}};
-    error = stream.apply_time_limit();
-    if (!error)
-        error = write_request(stream, method, target, body);
-    if (!error)
-        error = read_reply(stream, reply);
-    return error;
-}
-
-/// One line for whoever sets G_MESSAGES_DEBUG=tarnwave. Never a body: it may hold a relay key.
-void trace(HttpMethod method, std::string_view target, const ServiceReply& reply,
-           const error_code& error, Clock::duration duration) {
-    std::array<char, 128> reason{};
-    g_debug("%s %.*s: status %d, %zu bytes, %.1f ms%s%s", http::to_string(verb_of(method)).data(),
-            static_cast<int>(target.size()), target.data(), reply.status, reply.body.size(),
-            std::chrono::duration<double, std::milli>{duration}.count(), error ? ", " : "",
-            error ? error.message(reason.data(), reason.size()) : "");
+ServiceReply exchange(HttpMethod method, std::string_view target, std::string_view body,
+                      std::chrono::seconds time_limit) {
+    static net::io_context context;
+    Socket socket = connected_socket(context);
+    TimedStream stream{socket, time_limit};
+    write_request(stream, method, target, body);
+    return read_reply(stream);
 }
 
 } // namespace
 
 ServiceReply service_request(HttpMethod method, std::string_view target, std::string_view body,
                              int time_limit_s) {
-    // Asked once: the answer lies in the environment.
-    static const bool traced = !g_log_writer_default_would_drop(G_LOG_LEVEL_DEBUG, G_LOG_DOMAIN);
-    const Clock::time_point start = traced ? Clock::now() : Clock::time_point{};
+    const Clock::time_point start = Clock::now();
     ServiceReply reply;
     error_code error;
     try {
-        error = exchange(method, target, body, time_limit_s, reply);
+        reply = exchange(method, target, body, std::chrono::seconds{time_limit_s});
+    } catch (const boost::system::system_error& failure) {
+        error = failure.code();
     } catch (...) {
-        // Memory ran out: no answer, like every other failure.
-        reply = {};
-        error = boost::system::errc::make_error_code(boost::system::errc::not_enough_memory);
+        error = net::error::no_memory;
     }
-    if (traced)
-        trace(method, target, reply, error, Clock::now() - start);
+    // One line for whoever sets G_MESSAGES_DEBUG=tarnwave. Never a body: it may hold a relay key.
+    std::array<char, 128> reason{};
+    g_debug("%s %.*s: status %d, %zu bytes, %.1f ms%s%s", http::to_string(verb_of(method)).data(),
+            static_cast<int>(target.size()), target.data(), reply.status, reply.body.size(),
+            std::chrono::duration<double, std::milli>{Clock::now() - start}.count(),
+            error ? ", " : "", error ? error.message(reason.data(), reason.size()) : "");
     return reply;
 }

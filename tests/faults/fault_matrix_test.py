@@ -56,7 +56,7 @@ def one_fault_of_each_outcome():
     """The first of each that needs neither time nor a socket that is not there."""
     chosen = {}
     for fault in FAULTS:
-        if not fault.keys() & {"connection", "silent", "gap_ms"}:
+        if not fault.keys() & {"connection", "silent", "pause_s"}:
             chosen.setdefault(fault["outcome"], fault)
     return list(chosen.values())
 

@@ -124,7 +124,7 @@ def faults_outlived_by(key):
     one silence, which a poll meets twice."""
     chosen = [fault for fault in FAULTS
               if not REQUESTS[key].ends_program(fault) and not fault.get("silent") and
-              "gap_ms" not in fault and fault.get("connection", "absent") == "absent"]
+              "pause_s" not in fault and fault.get("connection", "absent") == "absent"]
     if key == "GET /api/state":
         chosen += 2 * [fault for fault in FAULTS if fault.get("silent")][:1]
     return chosen

@@ -80,10 +80,6 @@ ConnectionStep send_bytewise(std::string bytes) {
     return {.kind = ConnectionStep::Kind::send_bytewise, .bytes = std::move(bytes)};
 }
 
-ConnectionStep pause(std::chrono::milliseconds duration) {
-    return {.kind = ConnectionStep::Kind::pause, .duration = duration};
-}
-
 ConnectionStep run(std::function<void()> function) {
     return {.kind = ConnectionStep::Kind::run, .function = std::move(function)};
 }
@@ -289,9 +285,6 @@ void FakeService::serve(int connection, std::stop_token stopping) {
             break;
         case ConnectionStep::Kind::send_bytewise:
             alive = send_one_by_one(connection, step.bytes, stopping);
-            break;
-        case ConnectionStep::Kind::pause:
-            wait_for(-1, 0, step.duration);
             break;
         case ConnectionStep::Kind::run:
             step.function();

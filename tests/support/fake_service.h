@@ -43,10 +43,9 @@ struct RecordedRequest {
 
 /// One step of a scripted connection; made by the functions below.
 struct ConnectionStep {
-    enum class Kind { read_request, send, send_bytewise, pause, run, stay_silent };
+    enum class Kind { read_request, send, send_bytewise, run, stay_silent };
     Kind kind = Kind::stay_silent;
     std::string bytes{};
-    std::chrono::milliseconds duration{};
     std::function<void()> function{};
 };
 
@@ -56,8 +55,6 @@ ConnectionStep read_request();
 ConnectionStep send(std::string bytes);
 /// Sends raw bytes, each one only after the client has taken the one before.
 ConnectionStep send_bytewise(std::string bytes);
-/// Waits before the next step.
-ConnectionStep pause(std::chrono::milliseconds duration);
 /// Runs a function on the service's thread, before the next step.
 ConnectionStep run(std::function<void()> function);
 /// Neither reads nor sends until the client hangs up. As the first step: a service that never
