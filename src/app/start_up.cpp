@@ -45,7 +45,7 @@ constexpr char help_text[] =
     "                            /run/tarnwave/settings.sock\n"
     "  G_MESSAGES_DEBUG=tarnwave prints each exchange with the service\n";
 
-/// Answers an argument that needs no display. Returns whether it was one.
+/// Handles an argument that needs no display. Returns whether it was one.
 bool answer_without_display(std::string_view argument) {
     if (argument == "--help")
         std::fputs(help_text, stdout);
@@ -56,8 +56,8 @@ bool answer_without_display(std::string_view argument) {
     return true;
 }
 
-/// Ends the program at an error that nobody catches, after saying in words what it was. Only
-/// documents that break the service's contract come here.
+/// Ends the program at an uncaught exception, after a sentence on stderr. Only documents that break
+/// the service's contract get here.
 // GCOVR_EXCL_START: the process aborts and takes the counts with it; the end-to-end tests look on.
 [[noreturn]] void end_with_a_sentence() {
     const char* message = "unknown error";
@@ -92,7 +92,7 @@ void tell_service_is_not_running() {
     run_dialog(dialog);
 }
 
-/// Asks the service for its state until it answers. Nothing when the program has to give up.
+/// Asks the service for its state until it answers. Returns nothing when the program has to end.
 std::optional<std::string> probe_service() {
     for (;;) {
         ServiceReply reply = service_request(HttpMethod::get, "/api/state", "", probe_time_limit_s);
@@ -128,7 +128,7 @@ int start_up(int argc, char** argv) {
     if (argc > 1 && answer_without_display(argv[1]))
         return EXIT_SUCCESS;
     std::set_terminate(end_with_a_sentence);
-    // A parent may have left SIGCHLD ignored: the commands' outcomes would then be lost.
+    // With SIGCHLD ignored, as a parent may leave it, the exit statuses of commands are lost.
     std::signal(SIGCHLD, SIG_DFL);
 
     // The app id of a window, and its class under X11, for which GTK would begin this name with a
@@ -155,7 +155,7 @@ int start_up(int argc, char** argv) {
     if (argc > 1)
         show_page(argv[1]);
     g_timeout_add_seconds(poll_interval_s, poll_state, nullptr);
-    // What is done when idle would run while the frame with the state waits for its turn.
+    // Idle callbacks would otherwise run before the frame that shows the state.
     draw_now();
     if (!widgets.window)
         return EXIT_SUCCESS;

@@ -14,7 +14,7 @@ std::string owner_file_path = "/etc/tarnwave/owner";
 
 namespace {
 
-/// How often and how long the service is given to take the new owner into account.
+/// How often the service is asked whether it accepts the new owner, and the pause between.
 constexpr int tries = 50;
 constexpr int try_time_limit_s = 3;
 constexpr long pause_ns = 200'000'000;
@@ -45,7 +45,7 @@ bool set_owner() {
 
 void pause_between_tries() {
     timespec left{.tv_sec = 0, .tv_nsec = pause_ns};
-    // A signal cuts the sleep short and leaves what is left of it.
+    // A signal interrupts the sleep; `left` then holds the remaining time.
     while (nanosleep(&left, &left) != 0 && errno == EINTR) {
     }
 }
@@ -70,6 +70,6 @@ std::string owner_sentence() {
 }
 
 bool check_owner() {
-    // The window may be closed in the moment after the answer: then nobody is left to be the owner.
+    // The window may have been closed just after the answer: then change nothing.
     return user_wants_to_be_owner() && widgets.window && set_owner() && service_accepts_owner();
 }

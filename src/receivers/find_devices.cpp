@@ -23,7 +23,7 @@ void take_in_devices() {
         return;
     }
     const json::value document = parse_reply(reply.body);
-    // Once more, for what was edited while the progress text was drawn.
+    // Again, for edits made while the progress text was drawn.
     capture_row_edits();
     const Discovery discovery =
         merge_devices(widgets.receiver_list, as_array(document, "the list of devices"));
@@ -35,7 +35,7 @@ void take_in_devices() {
 
 void find_devices() {
     const ReadingStep step{"looking for receivers"};
-    // Drawing the progress text lets every handler run, this one too.
+    // Drawing the progress text runs handlers, and may run this one.
     static bool looking = false;
     const OnlyOnce once{looking};
     if (!once.is_first())

@@ -18,7 +18,7 @@ namespace {
 
 constexpr double hertz_per_megahertz = 1e6;
 
-/// Space above and below the words that stand for an empty list, in pixels.
+/// Margins above and below the text of an empty list, in pixels.
 constexpr int empty_list_margin = 14;
 
 double spin_value(GtkWidget* spin) {
@@ -58,7 +58,7 @@ GtkWidget* make_header(Receiver& receiver, GtkWidget** title_out) {
 
 GtkWidget* make_frequency_row(Receiver& receiver) {
     GtkWidget* row = make_box(GTK_ORIENTATION_HORIZONTAL, 8);
-    // Several receivers stand on the page: whoever does not see it hears which one is meant.
+    // With several receivers a screen reader has to say which one a field belongs to.
     const std::string of_it = " of " + valid_utf8(spoken_name(widgets.receiver_list, receiver));
     receiver.low_spin = make_frequency_spin(("Lowest frequency" + of_it + " in MHz").c_str());
     receiver.high_spin = make_frequency_spin(("Highest frequency" + of_it + " in MHz").c_str());
@@ -67,7 +67,7 @@ GtkWidget* make_frequency_row(Receiver& receiver) {
     gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver.high_spin),
                               receiver.hi / hertz_per_megahertz);
     GtkWidget* frequencies = make_label("Frequencies", nullptr, false);
-    // On a small screen there is room for the numbers or for this word.
+    // A small screen has no room for the numbers and this word.
     ellipsise(frequencies);
     add_whole_text_tooltip(frequencies);
     pack(row, frequencies);
@@ -85,7 +85,7 @@ void add_details(Receiver& receiver, std::size_t index, GtkWidget* title) {
     }
     GtkWidget* row = make_frequency_row(receiver);
     GtkWidget* menu = make_band_menu(index);
-    // No name of its own: GTK names a menu by the item that it shows.
+    // GtkComboBox takes its accessible name from the active item, so a label gives the receiver.
     name_by_label(menu, title);
     pack_end(row, menu);
     pack(receiver.details_box, row);
@@ -94,7 +94,7 @@ void add_details(Receiver& receiver, std::size_t index, GtkWidget* title) {
     describe_by_label(receiver.low_spin, receiver.coverage_label);
     describe_by_label(receiver.high_spin, receiver.coverage_label);
     check_receiver_range(index);
-    // From now on: what a load or a search brings is read when its field is reached.
+    // Connected after the first text, so that a load announces nothing.
     announce_changes(receiver.coverage_label);
 
     for (GtkWidget* spin : {receiver.low_spin, receiver.high_spin}) {
@@ -136,7 +136,7 @@ void destroy_child(GtkWidget* child, gpointer) {
 }
 
 void destroy_rows() {
-    // Destroying a spin button that is being typed in may still run handlers: they find no row.
+    // Destroying a spin button that is being typed in runs handlers, which must find null here.
     for (Receiver& receiver : widgets.receiver_list)
         forget_row(receiver);
     gtk_container_foreach(GTK_CONTAINER(widgets.receiver_rows_box), destroy_child, nullptr);

@@ -11,7 +11,7 @@
 /// captured before. The focus stays on the same control of the same receiver.
 void rebuild_receiver_rows();
 
-/// Takes `list` for the receiver list and makes the cards anew.
+/// Replaces the receiver list and makes the cards anew.
 void replace_receivers(std::vector<Receiver> list);
 
 /// Commits what is typed in spin buttons, then copies the cards' values into the receiver list: the

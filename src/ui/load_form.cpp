@@ -38,7 +38,7 @@ void show_field(const FieldBinding& field) {
     const json::value* value = find_path(settings_object, field.key);
     if (!value)
         return;
-    // A spin button is an entry too, so it is asked for first.
+    // GtkSpinButton is a GtkEntry, so test for it first.
     if (GTK_IS_SWITCH(field.widget))
         gtk_switch_set_active(GTK_SWITCH(field.widget), value->is_bool() && value->get_bool());
     else if (GTK_IS_SPIN_BUTTON(field.widget))
@@ -103,7 +103,7 @@ void load_form() {
     check_grid_square();
     update_upload_estimate();
     update_relay_visibility();
-    // What was found is no longer what the rows show.
+    // The rows no longer show what the last search found.
     set_label_text(widgets.receivers_status, "");
     widgets.loading = false;
     mark_clean();

@@ -19,7 +19,7 @@ namespace {
 constexpr int save_time_limit_s = 3;
 
 FieldValue value_of(const FieldBinding& field) {
-    // A spin button is an entry too, so it is asked for first.
+    // GtkSpinButton is a GtkEntry, so test for it first.
     if (GTK_IS_SWITCH(field.widget))
         return {field.key, static_cast<bool>(gtk_switch_get_active(GTK_SWITCH(field.widget)))};
     if (GTK_IS_SPIN_BUTTON(field.widget))
@@ -47,7 +47,7 @@ bool form_is_edited() {
 
 bool save_settings() {
     const ReadingStep step{"saving the settings"};
-    // Drawing lets every handler run, this one too.
+    // Drawing runs handlers, and may run this one.
     static bool saving = false;
     const OnlyOnce once{saving};
     if (!once.is_first())

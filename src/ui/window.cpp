@@ -24,7 +24,7 @@ constexpr int default_height = 780;
 enum CloseAnswer : gint { discard = 1, save = 2 };
 
 void on_window_destroyed(GtkWidget*, gpointer) {
-    // Handlers that turned the main loop when the window was closed find it gone.
+    // Handlers that were turning the main loop test this when they go on.
     widgets.window = nullptr;
     if (gtk_main_level() > 0)
         gtk_main_quit();
@@ -130,7 +130,7 @@ void build_window() {
 bool confirm_close() {
     if (!widgets.dirty)
         return false;
-    // While the question is put, closing again must not put it again.
+    // Closing again while the dialog is open must not open another one.
     static bool asking = false;
     const OnlyOnce once{asking};
     if (!once.is_first())
@@ -143,7 +143,7 @@ bool confirm_close() {
     gtk_dialog_add_button(GTK_DIALOG(dialog), "Discard", CloseAnswer::discard);
     gtk_dialog_add_button(GTK_DIALOG(dialog), "Cancel", GTK_RESPONSE_CANCEL);
     gtk_dialog_add_button(GTK_DIALOG(dialog), "Save", CloseAnswer::save);
-    // Enter alone must lose nothing.
+    // By default Enter would press the first button, "Discard".
     gtk_dialog_set_default_response(GTK_DIALOG(dialog), CloseAnswer::save);
     const gint answer = run_dialog(dialog);
     if (!widgets.window)

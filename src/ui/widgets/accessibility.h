@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: MIT
-// What a screen reader is told beyond what GTK tells it by itself.
+// Names, descriptions and announcements for screen readers, beyond those that GTK makes itself.
 #pragma once
 
 #include <gtk/gtk.h>
 
-/// Tells a screen reader that `label` names, or describes, `widget`.
+/// Relates `label` to `widget` as its name, or as its description.
 void name_by_label(GtkWidget* widget, GtkWidget* label);
 void describe_by_label(GtkWidget* widget, GtkWidget* label);
 void set_accessible_name(GtkWidget* widget, const char* name);
 
-/// Lets a screen reader speak the label's text whenever it changes.
+/// Announces the label's text to a screen reader whenever it changes.
 void announce_changes(GtkWidget* label);
 
-/// Lets a screen reader speak the label's text now.
+/// Announces the label's text to a screen reader now.
 void announce(GtkWidget* label);

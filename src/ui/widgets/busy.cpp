@@ -33,12 +33,11 @@ struct BusyWith::Restore {
         gtk_widget_set_sensitive(button, !sensitive_again || sensitive_again());
         if (!focus_was_there || gtk_window_get_focus(GTK_WINDOW(widgets.window)))
             return;
-        // The action may have hidden the button, or left nothing for it to do.
+        // The action may have hidden the button or left it insensitive.
         if (focus_was_here && gtk_widget_is_sensitive(button) && gtk_widget_get_mapped(button))
             gtk_widget_grab_focus(button);
         else
-            // Not the page: its first field would scroll it there, and take the next key for an
-            // edit.
+            // A field of the page would scroll into sight and take the next key as an edit.
             gtk_widget_child_focus(widgets.page_list, GTK_DIR_TAB_FORWARD);
     }
 

@@ -29,7 +29,7 @@ void track_changes(GtkWidget* widget) {
         g_signal_connect(widget, "notify::active", G_CALLBACK(on_widget_notified), nullptr);
     } else if (GTK_IS_SPIN_BUTTON(widget)) {
         g_signal_connect(widget, "value-changed", G_CALLBACK(on_widget_changed), nullptr);
-        // Typed digits are no value yet, but they are an edit.
+        // Typed text becomes the value later, but it is an edit.
         g_signal_connect(widget, "changed", G_CALLBACK(on_widget_changed), nullptr);
     } else if (GTK_IS_ENTRY(widget)) {
         g_signal_connect(widget, "changed", G_CALLBACK(on_widget_changed), nullptr);

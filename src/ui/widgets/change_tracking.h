@@ -12,9 +12,9 @@ void track_changes(GtkWidget* widget);
 /// the loader fills the form.
 void mark_dirty();
 
-/// Back to clean, after a load.
+/// Marks the form clean, after a load.
 void mark_clean();
 
-/// Turns what is typed in the window's spin buttons into their values, as Enter or Tab would.
-/// Whoever reads the form calls it first.
+/// Commits what is typed in the form's spin buttons, as Enter or Tab would. Called before the form
+/// is read.
 void commit_typed_values();

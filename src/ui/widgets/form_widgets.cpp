@@ -24,7 +24,7 @@ GtkWidget* make_label(const char* text, const char* style_class, bool wrap) {
     ease_layout(label);
     gtk_label_set_xalign(GTK_LABEL(label), 0);
     gtk_label_set_line_wrap(GTK_LABEL(label), wrap);
-    // One long word must not widen the window: break it where it has to break.
+    // Wrapping at words alone would let one long word widen the window.
     gtk_label_set_line_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
     if (style_class)
         add_style_class(label, style_class);
@@ -107,7 +107,7 @@ GtkWidget* add_textbox(GtkWidget* parent, int height) {
     gtk_widget_set_margin_bottom(frame, 12);
     GtkWidget* view = gtk_text_view_new();
     gtk_text_view_set_wrap_mode(GTK_TEXT_VIEW(view), GTK_WRAP_WORD_CHAR);
-    // The texts are short and a tab means nothing in them: Tab goes on to the next field.
+    // Tab moves the focus to the next field.
     gtk_text_view_set_accepts_tab(GTK_TEXT_VIEW(view), FALSE);
     gtk_widget_set_size_request(view, -1, height);
     pack(frame, view, true);

@@ -8,8 +8,8 @@
 
 namespace {
 
-/// Length from which a label's layout is eased, in bytes, and that of the pieces it is cut into, in
-/// bytes. Ours: below the first nothing is to be felt; the second was the fastest of those tried.
+/// Length in bytes from which a label's text is cut into pieces, and the length of a piece: shorter
+/// texts are laid out quickly as they are, and of the lengths tried this one was the fastest.
 constexpr std::size_t long_text = 1500;
 constexpr std::size_t long_text_piece = 64;
 
@@ -17,7 +17,7 @@ constexpr std::size_t long_text_piece = 64;
 /// letter to find it.
 constexpr gint long_text_chars = 20;
 
-/// Whether a text has a word that may have to be broken. Ours: the narrowest label holds as many
+/// Whether a text has a word that may have to be broken: the narrowest label has room for 40
 /// characters.
 bool has_long_word(const char* text) {
     constexpr std::size_t long_word = 40;

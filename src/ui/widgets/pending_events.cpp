@@ -5,8 +5,8 @@
 
 namespace {
 
-/// Longest wait for the first frame, and for a later one, in milliseconds. Ours: longer than any
-/// window manager seen to map a window, short enough not to be taken for a hang.
+/// Longest wait for the first frame, and for a later one, in milliseconds: longer than window
+/// managers take to map a window, and short enough not to look like a hang.
 constexpr guint first_frame_limit_ms = 1000;
 constexpr guint frame_limit_ms = 250;
 
@@ -29,8 +29,8 @@ void on_frame_painted(GdkFrameClock*, gpointer painted) {
     *static_cast<bool*>(painted) = true;
 }
 
-/// After the toolkit's own drawing: what is ready to be drawn is not too late, even where the
-/// program had to wait for its turn until the time was over.
+/// Lower than GTK's own drawing: a frame that is due is drawn even when the program got no
+/// processor time until the limit was over.
 constexpr gint limit_priority = GDK_PRIORITY_REDRAW + 10;
 
 /// Turns the main loop until `done` or the time is over. The window may be destroyed in here.
@@ -54,7 +54,7 @@ void wait_for_frame(guint limit_ms) {
         g_signal_connect(clock, "after-paint", G_CALLBACK(on_frame_painted), &painted);
     gdk_frame_clock_request_phase(clock, GDK_FRAME_CLOCK_PHASE_PAINT);
     turn_loop_until(limit_ms, [&painted] { return painted || !widgets.window; });
-    // The clock of a window that was closed meanwhile has let go of its handlers.
+    // Destroying the window has disconnected the handlers of its frame clock.
     if (g_signal_handler_is_connected(clock, handler))
         g_signal_handler_disconnect(clock, handler);
     g_object_unref(clock);

@@ -60,7 +60,7 @@ void show_status_line(GtkWidget* label, const StatusLine& line) {
 
 void ellipsise(GtkWidget* label) {
     gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_END);
-    // A line feed in the text begins no line: it is drawn as a sign.
+    // Draws a line feed as a symbol, not as the end of the line.
     gtk_label_set_single_line_mode(GTK_LABEL(label), TRUE);
 }
 
@@ -78,7 +78,7 @@ void show_footer(const StatusLine& line) {
     const bool same_words =
         gtk_label_get_label(GTK_LABEL(widgets.footer_status)) == valid_utf8(line.text);
     show_status_line(widgets.footer_status, line);
-    // Said again after a second press, the words are no change, but an answer.
+    // An unchanged label emits no "notify", so announce it here.
     if (same_words)
         announce(widgets.footer_status);
 }
@@ -91,7 +91,7 @@ void set_text_of_entry(GtkWidget* entry, const std::string& text) {
     const std::string shown = valid_utf8(text);
     if (gtk_entry_get_text(GTK_ENTRY(entry)) == shown)
         return;
-    // Whoever saves while typing goes on typing at the same place.
+    // After a save the user goes on typing at the same place.
     const gint cursor = gtk_editable_get_position(GTK_EDITABLE(entry));
     gtk_entry_set_text(GTK_ENTRY(entry), shown.c_str());
     if (gtk_widget_is_focus(entry))
@@ -111,7 +111,7 @@ void set_text_of_view(GtkWidget* text_view, const std::string& text) {
     const std::string shown = valid_utf8(text);
     if (text_of_view(text_view) == shown)
         return;
-    // The cursor stays, as in an entry.
+    // Keeps the cursor, as in an entry.
     GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(text_view));
     GtkTextIter cursor;
     gtk_text_buffer_get_iter_at_mark(buffer, &cursor, gtk_text_buffer_get_insert(buffer));

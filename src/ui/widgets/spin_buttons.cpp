@@ -15,18 +15,18 @@ constexpr double frequency_step_mhz = 0.001;
 constexpr guint frequency_decimals = 3;
 constexpr gint frequency_width_chars = 9;
 
-/// Turns the typed text into a value. GTK's own reading follows the locale: it stops at the sign
-/// that is no decimal point there.
+/// Converts the typed text to a value. GTK's own conversion follows the locale and stops at a
+/// decimal point of another locale.
 gint on_spin_input(GtkSpinButton* spin, gdouble* value, gpointer) {
     const double held = gtk_spin_button_get_value(spin);
     const guint decimals = gtk_spin_button_get_digits(spin);
     const std::string text = gtk_entry_get_text(GTK_ENTRY(spin));
-    // A value may be finer than what is shown: looking at it must not round it.
+    // The value may have more decimals than the text shows: keep them.
     if (text == decimal_text(held, decimals)) {
         *value = held;
         return TRUE;
     }
-    // Not GTK_INPUT_ERROR for what is no number: GTK then goes on with a value that nobody set.
+    // After GTK_INPUT_ERROR GTK would set an undefined value.
     *value = typed_number(text, decimals).value_or(held);
     return TRUE;
 }
@@ -39,8 +39,8 @@ gboolean on_spin_output(GtkSpinButton* spin, gpointer) {
     return TRUE;
 }
 
-/// Keeps out what no number has in it, like GTK's own filter for numbers, which this one stands in
-/// for: that one drops the comma (or the dot) and makes 73 of a typed "7,3".
+/// Refuses characters that are in no number. It replaces GTK's "numeric" filter, which drops the
+/// comma (or the dot) and turns a typed "7,3" into 73.
 void on_spin_insert_text(GtkEditable* spin, const char* text, gint length, gpointer, gpointer) {
     const std::string_view typed{text,
                                  length < 0 ? std::strlen(text) : static_cast<std::size_t>(length)};

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Spin buttons that read numbers the same way in every locale, and fields that keep still while a
-// page scrolls.
+// Spin buttons that read numbers alike in every locale, and fields that the mouse wheel scrolls
+// past.
 #pragma once
 
 #include <gtk/gtk.h>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The one record of the window's widgets and of what the window remembers between signals.
+// The window's widgets and flags, in one record that all of the program uses.
 //
-// Every handle belongs to GTK's widget tree. `build_window` fills the record once; nothing in it is
-// freed before the process ends.
+// GTK's widget tree owns every widget. `build_window` fills the record once; nothing in it is freed
+// before the process ends.
 #pragma once
 
 #include "receivers/receiver_list.h"
@@ -33,7 +33,7 @@ struct WidgetRecord {
     GtkWidget* header_status = nullptr; ///< the header line, beside the dot
     GtkWidget* open_page_button = nullptr;
     GtkWidget* save_button = nullptr;   ///< sensitive while the form is dirty
-    GtkWidget* unsaved_label = nullptr; ///< visible while the form is dirty
+    GtkWidget* unsaved_label = nullptr; ///< "Unsaved changes": visible while the form is dirty
 
     GtkWidget* footer_status = nullptr; ///< where saving and the actions report
 
@@ -72,10 +72,10 @@ struct WidgetRecord {
     GtkWidget* relay_switch = nullptr;
     GtkWidget* relay_key_row = nullptr;
     GtkWidget* relay_note = nullptr;
-    GtkWidget* reachability_label = nullptr; ///< the port instructions (markup), not the reach line
+    GtkWidget* reachability_label = nullptr; ///< not the reach line: the port instructions (markup)
     GtkWidget* port_status_label = nullptr;  ///< the reach line
     GtkWidget* port_box = nullptr;
-    GtkWidget* port_hint_label = nullptr; ///< the certificate line, above the public port
+    GtkWidget* port_hint_label = nullptr; ///< the certificate line; it stands above the public port
     GtkWidget* listing_status_label = nullptr;
     GtkWidget* register_box = nullptr;
     GtkWidget* understand_check = nullptr;
@@ -84,17 +84,16 @@ struct WidgetRecord {
     GtkWidget* registered_label = nullptr;
     GtkWidget* linger_switch = nullptr;
 
-    /// True while the loader writes into the form; its writes are no edits. Written by `load_form`.
+    /// True while `load_form` writes into the form: its writes are no edits.
     bool loading = false;
-    /// True when something was edited since the last load. Written by `mark_dirty` and
-    /// `mark_clean`.
+    /// True when something was edited since the last load. Set by `mark_dirty` and `mark_clean`.
     bool dirty = false;
-    /// True while the program itself moves `linger_switch`. Written by `show_linger`.
+    /// True while `show_linger` sets `linger_switch`.
     bool linger_guard = false;
 
-    /// The bound fields in the order they were made, which is the order of loading and saving.
+    /// The bound fields in the order of their making, of loading and of saving.
     std::vector<FieldBinding> field_registry{};
-    /// The receivers shown. Written by `load_form`, `find_devices`, `capture_row_edits` and
+    /// The receivers shown. Set by `load_form`, `find_devices`, `capture_row_edits` and
     /// `rebuild_receiver_rows`.
     std::vector<Receiver> receiver_list{};
 };
