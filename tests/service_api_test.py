@@ -352,6 +352,12 @@ class Requests(unittest.TestCase):
         with Simulator(PROGRAM, "--scenario", "first-run") as simulator:
             self.exchange(simulator, "POST", "/api/register", {"email": "a@b.example"}, 200)
 
+    def test_the_simulator_knows_every_request_and_its_method(self):
+        with Simulator(PROGRAM) as simulator:
+            for target, method, _ in operations():
+                reply = simulator.request("DELETE", target)
+                self.assertEqual((reply.status, reply.header.get("allow")), (405, method), target)
+
     def test_every_refusal_has_its_reason(self):
         with Simulator(PROGRAM) as simulator:
             for reply in (simulator.request("GET", "/api/state", header={"Host": "tarnwave"}),

@@ -8,45 +8,39 @@ or says what came of the request and lives on: what was typed is still there, no
 open, and a poll and a save succeed. Needs a display (scripts/under-xvfb brings one).
 """
 import getpass
-import json
-import os
 import pathlib
 import re
 import signal
-import subprocess
 import sys
 import tempfile
-import threading
 
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parent / "support"))
+from remote_program import Program  # noqa: E402 (the path comes first)
 from stand_in_service import (  # noqa: E402 (the path comes first)
     FAULTS, REQUESTS, StandInService, fault_bytes, reply_bytes)
 
-# Seconds. Far beyond what a loaded machine needs; a wait that reaches it has failed.
-DEADLINE = 60
-
 ON_THE_AIR = "On the air"
 NOT_ANSWERING = "The Tarnwave service is not answering"
+SAVE = REQUESTS["PUT /api/settings"].commands
 
-# The kinds of request that the main loop makes, the command that makes one, how many good answers
-# it has before, and what the window says of no answer, of a refusal and of a success.
+# The kinds of request that the window makes: the request that meets the fault, the one whose
+# commands make it, and what the window says of no answer, of a refusal and of a success.
 ENDED = "Ended the session of 198.51.100.4."
 BLOCKED = "Blocked 198.51.100.4."
 NO_DEVICES = "The Tarnwave service did not answer."
-ACTIONS = {
-    "poll": ("GET /api/state", "poll", 0, NOT_ANSWERING, NOT_ANSWERING, ON_THE_AIR),
-    "load": ("GET /api/state", "save", 1, "Saved.", "Saved.", "Saved."),
-    "save": ("PUT /api/settings", "save", 0, "Not saved: the Tarnwave service did not answer.",
-             "Not saved: No.", "Saved."),
-    "find": ("GET /api/devices", "find", 0, NO_DEVICES, NO_DEVICES, "1 found."),
-    "register": ("POST /api/register", "register", 0,
+KINDS = {
+    "poll": ("GET /api/state", "GET /api/state", NOT_ANSWERING, NOT_ANSWERING, ON_THE_AIR),
+    "load": ("GET /api/state", "PUT /api/settings", "Saved.", "Saved.", "Saved."),
+    "save": ("PUT /api/settings", "PUT /api/settings",
+             "Not saved: the Tarnwave service did not answer.", "Not saved: No.", "Saved."),
+    "find": ("GET /api/devices", "GET /api/devices", NO_DEVICES, NO_DEVICES, "1 found."),
+    "register": ("POST /api/register", "POST /api/register",
                  "Not registered: the service did not answer.", "Not registered: No.",
                  "Registered. "),
-    "end": ("POST /api/kick", "end", 0, ENDED, ENDED, ENDED),
-    "block": ("POST /api/ban", "block", 0, BLOCKED, BLOCKED, BLOCKED),
+    "end": ("POST /api/kick", "POST /api/kick", ENDED, ENDED, ENDED),
+    "block": ("POST /api/ban", "POST /api/ban", BLOCKED, BLOCKED, BLOCKED),
 }
-
 
 # Where nobody reads the document, a broken one is as good as any.
 SUCCESSES = ("good answer", "broken document")
@@ -75,66 +69,6 @@ def shows(report, words):
     return any(text.startswith(words) for text in report.get("texts", ()))
 
 
-class Program:
-    """The real program under remote control."""
-
-    def __init__(self, program, library, folder, socket_path):
-        environment = dict(os.environ, TARNWAVE_SETTINGS_SOCKET=socket_path, LD_PRELOAD=library,
-                           NO_AT_BRIDGE="1", G_DEBUG="fatal-warnings", PATH=str(folder / "bin"),
-                           LC_ALL="C.UTF-8", HOME=str(folder))
-        # The sanitizer is content with a library ahead of its own.
-        environment["ASAN_OPTIONS"] = ":".join(
-            filter(None, [environment.get("ASAN_OPTIONS"), "verify_asan_link_order=0"]))
-        self._errors = folder / "stderr"
-        with open(self._errors, "wb") as errors:
-            self.process = subprocess.Popen([program], env=environment, stdin=subprocess.PIPE,
-                                            stdout=subprocess.PIPE, stderr=errors, text=True)
-        self._guard = threading.Timer(DEADLINE, self.process.kill)
-        self._guard.start()
-
-    def tell(self, command):
-        try:
-            self.process.stdin.write(command + "\n")
-            self.process.stdin.flush()
-        except BrokenPipeError:
-            pass  # its end is noticed when it is read
-
-    def hear(self):
-        """Its next report; None when it has ended."""
-        self._guard.cancel()
-        self._guard = threading.Timer(DEADLINE, self.process.kill)
-        self._guard.start()
-        line = self.process.stdout.readline()
-        return json.loads(line) if line else None
-
-    def hear_until(self, condition):
-        """Its first report that fulfils the condition."""
-        report = self.hear()
-        while report is not None and not condition(report):
-            report = self.hear()
-        check(report is not None, "ended with", self.end() if report is None else "")
-        return report
-
-    def do(self, command):
-        self.tell(command)
-        return self.hear()
-
-    def end(self):
-        """Its exit status, below 0 for a signal, and what it said."""
-        status = self.process.wait(DEADLINE)
-        self._guard.cancel()
-        return status, self._errors.read_text()
-
-    def close(self):
-        self.do("close")
-        check(self.end() == (0, ""), "closing ended with", self.end())
-
-    def kill(self):
-        self._guard.cancel()
-        self.process.kill()
-        self.process.wait()
-
-
 class Matrix:
     def __init__(self, program, library, folder):
         self.program_path = program
@@ -160,18 +94,28 @@ class Matrix:
         return Program(self.program_path, self.library, self.folder,
                        self.service.server_address)
 
+    def wait_for_station(self):
+        """Until a started program shows the station on the air."""
+        report = self.program.hear_until(lambda report: shows(report, ON_THE_AIR))
+        check(report is not None, "ended with", self.program.end() if report is None else "")
+
+    def close(self):
+        status, said = self.program.close()
+        check((status, said) == (0, ""), "closing ended with", status, said)
+        self.program = None
+
     def open(self):
         """The program with the station on its pages; every action has been done once."""
         self.program = self.start()
-        self.program.hear_until(lambda report: shows(report, ON_THE_AIR))
-        for _, command, *_ in ACTIONS.values():
-            self.program.do("edit Warm")
-            self.program.do(command)
-        self.program.do("edit Warm")
-        self.descriptors = self.program.do("save")["descriptors"]
+        self.wait_for_station()
+        for request in REQUESTS.values():
+            self.program.do("edit Warm", *request.commands)
+        self.program.do("edit Warm", *SAVE)
+        self.descriptors = self.program.do("figures")["descriptors"]
 
     def run_action(self, kind, fault):
-        request, command, good_before, none, refused, well = ACTIONS[kind]
+        request, made_by, none, refused, well = KINDS[kind]
+        good_before = int(request != made_by)
         if not self.program:
             self.open()
         program = self.program
@@ -180,7 +124,7 @@ class Matrix:
             program.do("edit Edited")
         self.service.requests.clear()
         self.script = [None] * good_before + [fault]
-        report = program.do(command)
+        report = program.do(*REQUESTS[made_by].commands)
         check(self.service.requests[good_before].key == request, "asked something else")
         if REQUESTS[request].ends_program(fault):
             check(report is None, "lived on with", report)
@@ -193,22 +137,23 @@ class Matrix:
         succeeded = fault["outcome"] in SUCCESSES
         words = none if fault["outcome"] == "no answer" else well if succeeded else refused
         check(shows(report, words), f"shows no “{words}” but", report["texts"])
-        if edited and not (command == "save" and succeeded):
+        if edited and not (made_by == "PUT /api/settings" and succeeded):
             check((report["name"], report["unsaved"]) == ("Edited", True), "lost an edit:", report)
         self.check_usable(program)
 
     def check_usable(self, program):
         report = program.do("poll")
         check(shows(report, ON_THE_AIR), "a poll later it shows", report["texts"])
-        program.do("edit Usable")
-        report = program.do("save")
+        report = program.do("edit Usable", *SAVE)
         check(shows(report, "Saved.") and not report["unsaved"], "a save later:", report)
-        check(report["descriptors"] == self.descriptors, "descriptors:", report["descriptors"],
-              "instead of", self.descriptors)
+        descriptors = program.do("figures")["descriptors"]
+        check(descriptors == self.descriptors, "descriptors:", descriptors, "instead of",
+              self.descriptors)
 
     def answer_question(self, response):
         self.program.tell(f"answer {response}")
         report = self.program.hear_until(lambda report: "dialog" in report)
+        check(report is not None, "ended with", self.program.end() if report is None else "")
         check(f"Make {getpass.getuser()} the station owner?" in report["dialog"], "asks", report)
 
     def run_probe(self, fault):
@@ -216,12 +161,12 @@ class Matrix:
         self.script = [fault]
         self.program = self.start()
         if fault["outcome"] in SUCCESSES:
-            self.program.hear_until(lambda report: shows(report, ON_THE_AIR))
-            self.program.close()
+            self.wait_for_station()
+            self.close()
         else:
             self.answer_question(-7)  # closed
             check(self.program.end() == (1, ""), "ended with", self.program.end())
-        self.program = None
+            self.program = None
 
     def run_wait(self, fault):
         """The wait for the service to accept the new owner ends at the first success."""
@@ -229,9 +174,8 @@ class Matrix:
         self.script = [reply_bytes(403, {"error": "No."}), fault]
         self.program = self.start()
         self.answer_question(-3)  # accepted
-        self.program.hear_until(lambda report: shows(report, ON_THE_AIR))
-        self.program.close()
-        self.program = None
+        self.wait_for_station()
+        self.close()
         # The probe, the try that met the fault, the next one, the probe and the form.
         wanted = 4 if fault["outcome"] in SUCCESSES else 5
         check(len(self.service.requests) == wanted, "asked", len(self.service.requests), "times")
@@ -252,16 +196,16 @@ class Matrix:
 
 def main():
     program, library = sys.argv[1:]
-    if forgotten := REQUESTS.keys() - {request for request, *_ in ACTIONS.values()}:
-        sys.exit(f"no action of the window makes these requests: {sorted(forgotten)}")
+    if forgotten := REQUESTS.keys() - {request for request, *_ in KINDS.values()}:
+        sys.exit(f"what the window says of these requests is not known: {sorted(forgotten)}")
     faults = one_fault_of_each_outcome()
     with tempfile.TemporaryDirectory() as name:
         matrix = Matrix(program, library, pathlib.Path(name))
-        met = [matrix.meet(kind, fault) for kind in ["probe", "wait", *ACTIONS]
+        met = [matrix.meet(kind, fault) for kind in ["probe", "wait", *KINDS]
                for fault in faults]
         if matrix.program:
-            matrix.program.close()
-    print(f"{sum(met)} of {len(met)} as expected: {len(faults)} outcomes, {len(ACTIONS) + 2} kinds")
+            matrix.close()
+    print(f"{sum(met)} of {len(met)} as expected: {len(faults)} outcomes, {len(KINDS) + 2} kinds")
     sys.exit(not all(met))
 
 

@@ -39,29 +39,15 @@ TEST(ServiceApi, RefusesRequestsWithoutTheHeaderFields) {
     }
 }
 
-TEST(ServiceApi, KnowsItsTargetsAndTheirMethods) {
+TEST(ServiceApi, NamesTheMethodOfATarget) {
     Station station = station_in("on-air");
     const ApiReply unknown = answer(station, request("GET", "/api/nothing"));
     EXPECT_EQ(unknown.status, 404);
     EXPECT_EQ(error_in(unknown), "There is nothing at /api/nothing.");
-    struct Case {
-        const char* target;
-        const char* method;
-        const char* other;
-    };
-    for (const Case& c : {
-             Case{"/api/state", "GET", "PUT"},
-             {"/api/settings", "PUT", "POST"},
-             {"/api/devices", "GET", "POST"},
-             {"/api/register", "POST", "PUT"},
-             {"/api/kick", "POST", "DELETE"},
-             {"/api/ban", "POST", "GET"},
-         }) {
-        const ApiReply reply = answer(station, request(c.other, c.target));
-        EXPECT_EQ(reply.status, 405);
-        EXPECT_EQ(reply.allow, c.method);
-        EXPECT_EQ(error_in(reply), std::string{c.target} + " knows " + c.method + " only.");
-    }
+    const ApiReply other = answer(station, request("POST", "/api/settings"));
+    EXPECT_EQ(other.status, 405);
+    EXPECT_EQ(other.allow, "PUT");
+    EXPECT_EQ(error_in(other), "/api/settings knows PUT only.");
 }
 
 TEST(ServiceApi, RefusesBodiesThatAreNoObject) {

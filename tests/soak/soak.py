@@ -1,27 +1,32 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""Runs the real program through thousands of polls and holds that what it uses stays flat.
+"""Runs the real program through thousands of polls and checks that what it uses stays flat.
 
-soak.py PROGRAM LIBRARY POLLS [--faults]: the library is the preloaded hurry.cpp. Each state
-document differs in its listeners, receivers, relay and certificate, except while the quiet file is
-there. With --faults each kind of request meets, one after the other, the faults of faults.json that
+soak.py PROGRAM LIBRARY POLLS [--faults]: the library is the preloaded remote_control.cpp. Each state
+document differs in its listeners, receivers, relay and certificate, and between the polls pages are
+turned and every request is made. At the end of each hundred polls all is quiet, and the figures are
+taken. With --faults each kind of request meets, one after the other, the faults of faults.json that
 must not end the program. Needs a display (scripts/soak brings one).
 """
 import copy
 import json
 import os
+import pathlib
 import random
 import signal
 import statistics
-import subprocess
 import sys
 import tempfile
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, os.path.join(HERE, "..", "support"))
+from remote_program import Program  # noqa: E402 (the path comes first)
 from stand_in_service import (  # noqa: E402 (the path comes first)
     FAULTS, REQUESTS, StandInService, fault_bytes, reply_bytes)
 
+# Polls from one line of figures to the next, the last of which see the same document.
+ROUND = 100
+QUIET_POLLS = 3
 
 # What may change from the first third of the figures to the last one.
 MOST_HEAP_PER_POLL = 16       # bytes
@@ -32,9 +37,9 @@ MOST_MORE_SOURCES = 2         # the toolkit's own come and go
 
 
 class Station:
-    def __init__(self, socket_path, quiet_file, faulty):
+    def __init__(self, socket_path, faulty):
         self.socket_path = socket_path
-        self.quiet_file = quiet_file
+        self.quiet = False
         self.faulty = faulty
         self.answers = 0
         self.faults = {}  # of each kind of request, in the order in which it meets them
@@ -46,7 +51,7 @@ class Station:
         self.requests = {}
 
     def state(self):
-        if os.path.exists(self.quiet_file):
+        if self.quiet:
             return {"settings": self.quiet_settings, "status": self.document["status"]}
         document = copy.deepcopy(self.document)
         status, chance = document["status"], self.chance
@@ -80,7 +85,7 @@ class Station:
         """The fault that takes the place of an answer, or None. Each kind of request meets in turn
         those that it must outlive; the silence, as long as the time limit, only twice."""
         self.answers += 1
-        if not self.faulty or self.answers <= 2 or os.path.exists(self.quiet_file):
+        if not self.faulty or self.answers <= 2 or self.quiet:
             return None
         if self.chance.random() > (0.3 if key == "GET /api/state" else 0.6):
             return None
@@ -98,12 +103,19 @@ class Station:
         if fault is None:
             return reply_bytes(200, good)
         if "connection" in fault:
-            # The socket file is gone at the next request; the library brings it back after it.
+            # The socket file is gone at the next requests.
             os.rename(self.socket_path, self.socket_path + ".away")
             return b""
         if fault.get("silent"):
             request.rfile.read(1)  # until the program hangs up
         return fault_bytes(fault, good)
+
+    def is_away(self):
+        return os.path.exists(self.socket_path + ".away")
+
+    def come_back(self):
+        if self.is_away():
+            os.rename(self.socket_path + ".away", self.socket_path)
 
     def answer(self, key, body):
         self.requests[key] = self.requests.get(key, 0) + 1
@@ -130,33 +142,50 @@ def faults_outlived_by(key):
     return chosen
 
 
+def live(program, station, polls):
+    """So many polls and what a user does between them; the figures of each round."""
+    actions = [request.commands for key, request in REQUESTS.items() if key != "GET /api/state"]
+    figures = []
+    for poll in range(1, polls + 1):
+        turn = poll % ROUND
+        away = station.is_away()
+        if turn == ROUND - QUIET_POLLS:
+            # The first page, and what the service has: cards of what was only found are gone.
+            station.quiet = True
+            station.come_back()
+            program.do(f"edit Hilltop {poll}", *REQUESTS["PUT /api/settings"].commands, "page 0")
+        elif not station.quiet and turn % 7 == 0:
+            program.do(f"page {turn // 7}")
+        elif not station.quiet and turn % 4 == 0:
+            program.do(f"edit Hilltop {poll}", *actions[turn // 4 % len(actions)])
+        if program.do("poll") is None:
+            break
+        if away:
+            station.come_back()
+        if turn == 0:
+            figures.append({"polls": poll, **program.do("figures")})
+            print(*(f"{name} {value}" for name, value in figures[-1].items()), flush=True)
+            station.quiet = False
+    return figures
+
+
 def main():
-    program, library, polls = sys.argv[1:4]
+    program_path, library, polls = sys.argv[1:4]
     faulty = sys.argv[4:] == ["--faults"]
     with tempfile.TemporaryDirectory() as folder:
         socket_path = os.path.join(folder, "socket")
-        quiet_file = os.path.join(folder, "quiet")
-        station = Station(socket_path, quiet_file, faulty)
+        station = Station(socket_path, faulty)
         server = StandInService(socket_path, station.reply)
-        # No command of the system is run: none is on this search path.
-        environment = dict(os.environ, TARNWAVE_SETTINGS_SOCKET=socket_path, LD_PRELOAD=library,
-                           TARNWAVE_SOAK_POLLS=polls, TARNWAVE_SOAK_QUIET_FILE=quiet_file,
-                           NO_AT_BRIDGE="1", G_DEBUG="fatal-warnings", PATH=folder,
-                           LC_ALL="C.UTF-8")
-        program_run = subprocess.Popen([program], env=environment, stdout=subprocess.PIPE,
-                                       text=True)
-        signal.signal(signal.SIGTERM, lambda *_: (program_run.kill(), sys.exit(1)))
-        figures = []
-        for line in program_run.stdout:
-            print(line, end="", flush=True)
-            words = line.split()
-            figures.append({name: int(value) for name, value in zip(words[::2], words[1::2])})
-        status = program_run.wait(timeout=60)
+        program = Program(program_path, library, pathlib.Path(folder), socket_path)
+        signal.signal(signal.SIGTERM, lambda *_: (program.kill(), sys.exit(1)))
+        program.hear()
+        figures = live(program, station, int(polls))
+        status, said = program.close()
         server.stop()
         print("requests:", ", ".join(f"{count} {key}" for key, count in
                                      sorted(station.requests.items())))
-        if status != 0:
-            sys.exit(f"the program ended with {status}")
+        if (status, said) != (0, ""):
+            sys.exit(f"the program ended with {status}: {said}")
     # The rest is warming up: caches of the toolkit, fonts, the widest texts.
     figures = figures[len(figures) // 5:]
     if len(figures) < 6:

@@ -17,11 +17,13 @@ FAULTS = json.loads((ROOT / "tests" / "faults" / "faults.json").read_text())
 
 
 class Request:
-    """One kind of request: a good answer, and which answers the program reads. One that it reads
-    and that is not as described ends the program."""
+    """One kind of request: a good answer, what the window has to be told to make it (see
+    remote_control.cpp), and which answers the program reads. One that it reads and that is not as
+    described ends the program."""
 
-    def __init__(self, reply, reads_reply=False, reads_refusal=False):
+    def __init__(self, reply, *commands, reads_reply=False, reads_refusal=False):
         self.reply = reply
+        self.commands = commands
         self.reads_reply = reads_reply
         self.reads_refusal = reads_refusal
 
@@ -31,14 +33,16 @@ class Request:
 
 
 REQUESTS = {
-    "GET /api/state": Request(json.loads((ROOT / "docs" / "state.json").read_text()),
+    "GET /api/state": Request(json.loads((ROOT / "docs" / "state.json").read_text()), "poll",
                               reads_reply=True),
-    "PUT /api/settings": Request({"restart": False}, reads_reply=True, reads_refusal=True),
+    "PUT /api/settings": Request({"restart": False}, "press Save changes", reads_reply=True,
+                                 reads_refusal=True),
     "GET /api/devices": Request([{"backend": "sdrplay", "serial": "2305012345", "model": "RSPdx",
-                                  "available": True}], reads_reply=True),
-    "POST /api/register": Request({"id": "4711"}, reads_refusal=True),
-    "POST /api/kick": Request({}),
-    "POST /api/ban": Request({}),
+                                  "available": True}], "press Find devices", reads_reply=True),
+    "POST /api/register": Request({"id": "4711"}, "fill", "press Register this station",
+                                  reads_refusal=True),
+    "POST /api/kick": Request({}, "listener", "press End session"),
+    "POST /api/ban": Request({}, "listener", "agree Block address…"),
 }
 
 

@@ -1,16 +1,24 @@
 // SPDX-License-Identifier: MIT
-// Makes the real program do what the test of the faults says, one request at a time.
+// Makes the real program do what a test says, one thing at a time.
 //
 // Preloaded into the program. Reads commands from the standard input, one a line, and answers each
 // on the standard output: a line of JSON with what the window shows afterwards. The poll runs when
 // told to and at no other time, so every request that the service sees is one that was asked for.
-//     poll, save, find, register, end, block, close      as the user or the timer would
-//     edit TEXT       types the station's name
-//     answer NUMBER   gives the next dialog this response; its texts are the answer
+//     poll             as the timer would
+//     edit TEXT        types the station's name
+//     listener         selects the first listener of the table; the answer is whether there is one
+//     fill             ticks the box and types the address that a registration needs
+//     press BUTTON     as soon as it can be pressed
+//     agree BUTTON     the same, and OK to the question that follows
+//     page NUMBER      shows a page, counted from 0 and round and round
+//     figures          the answer is what the program holds, in bytes and numbers
+//     answer NUMBER    gives the next dialog this response; its texts are the answer
+//     close            closes the window
 #include "app/state_poll.h"
 #include "support/real_window.h"
 
 #include <boost/json.hpp>
+#include <malloc.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -18,6 +26,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
+#include <fstream>
 #include <string_view>
 
 namespace json = boost::json;
@@ -60,8 +69,43 @@ void report() {
     }
     say({{"texts", texts_of(all.front())},
          {"name", gtk_entry_get_text(GTK_ENTRY(name_entry()))},
-         {"unsaved", says_unsaved(all)},
-         {"descriptors", open_descriptors()}});
+         {"unsaved", says_unsaved(all)}});
+}
+
+gboolean nothing(gpointer) {
+    return G_SOURCE_REMOVE;
+}
+
+/// The sources of the main loop. Their numbers only grow, so each one up to the newest is tried.
+long live_sources() {
+    const guint newest = g_idle_add(nothing, nullptr);
+    g_source_remove(newest);
+    long count = 0;
+    for (guint id = 1; id < newest; ++id)
+        if (g_main_context_find_source_by_id(nullptr, id))
+            ++count;
+    return count;
+}
+
+void report_figures() {
+    long pages = 0;
+    long resident = 0;
+    std::ifstream{"/proc/self/statm"} >> pages >> resident;
+    say({{"resident", resident * sysconf(_SC_PAGESIZE)},
+         {"heap", mallinfo2().uordblks},
+         {"descriptors", open_descriptors()},
+         {"sources", live_sources()},
+         {"widgets", all_widgets().size()}});
+}
+
+void turn_to_page(long page) {
+    GtkWidget* stack = first_of(gtk_stack_get_type(), [](GtkWidget* w) {
+        return gtk_stack_get_child_by_name(GTK_STACK(w), "overview") != nullptr;
+    });
+    GList* pages = gtk_container_get_children(GTK_CONTAINER(stack));
+    const guint place = static_cast<guint>(page) % g_list_length(pages);
+    gtk_stack_set_visible_child(GTK_STACK(stack), GTK_WIDGET(g_list_nth_data(pages, place)));
+    g_list_free(pages);
 }
 
 gboolean answer_dialog(gpointer) {
@@ -81,11 +125,6 @@ long number_in(std::string_view text) {
     return number;
 }
 
-void press(const char* name) {
-    wait_for_button(name);
-    click(name);
-}
-
 /// The next word of a line, and the line without it.
 std::string_view next_word(std::string_view& line) {
     const std::string_view word = line.substr(0, line.find(' '));
@@ -102,26 +141,30 @@ void obey(std::string_view line) {
         g_timeout_add(look_interval_ms, answer_dialog, nullptr);
         return;
     }
+    if (verb == "figures") {
+        report_figures();
+        return;
+    }
+    if (verb == "listener") {
+        say({{"selected", select_first_listener()}});
+        return;
+    }
     if (verb == "poll")
         program_poll(program_data);
-    else if (verb == "save")
-        press("Save changes");
-    else if (verb == "find")
-        press("Find devices");
-    else if (verb == "register") {
-        fill_in_registration();
-        press("Register this station");
-    } else if (verb == "end") {
-        select_first_listener();
-        press("End session");
-    } else if (verb == "block") {
-        select_first_listener();
-        wait_for_button("Block address…");
-        click_and_agree("Block address…");
-    } else if (verb == "close")
-        gtk_window_close(GTK_WINDOW(all_widgets().front()));
     else if (verb == "edit")
         gtk_entry_set_text(GTK_ENTRY(name_entry()), rest.c_str());
+    else if (verb == "fill")
+        fill_in_registration();
+    else if (verb == "press") {
+        wait_for_button(rest.c_str());
+        click(rest.c_str());
+    } else if (verb == "agree") {
+        wait_for_button(rest.c_str());
+        click_and_agree(rest.c_str());
+    } else if (verb == "page")
+        turn_to_page(number_in(rest));
+    else if (verb == "close")
+        gtk_window_close(GTK_WINDOW(all_widgets().front()));
     else
         give_up("unknown command: " + std::string{line});
     report();
@@ -147,7 +190,9 @@ __attribute__((constructor)) void listen_to_commands() {
     // The commands that the program runs are left alone.
     unsetenv("LD_PRELOAD");
     GIOChannel* channel = g_io_channel_unix_new(STDIN_FILENO);
-    g_io_add_watch(channel, static_cast<GIOCondition>(G_IO_IN | G_IO_HUP), read_command, nullptr);
+    // After all that the program has to do, drawing included.
+    g_io_add_watch_full(channel, G_PRIORITY_LOW, static_cast<GIOCondition>(G_IO_IN | G_IO_HUP),
+                        read_command, nullptr, nullptr);
     g_io_channel_unref(channel);
 }
 
