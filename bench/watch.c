@@ -17,6 +17,8 @@
 #include <time.h>
 #include <unistd.h>
 
+/* By which the timeout of the polls is known among those of the libraries. */
+#define POLL_INTERVAL_S 3
 #define WARM_UP_POLLS 3
 /* A window that has drawn nothing for so long has come to rest. */
 #define REST_MS 25
@@ -182,8 +184,7 @@ void gtk_init(int* argc, char*** argv) {
 }
 
 guint g_timeout_add_seconds(guint interval, GSourceFunc function, gpointer data) {
-    /* No other timeout of either is counted in seconds. */
-    if (polls_wanted == 0)
+    if (interval != POLL_INTERVAL_S || polls_wanted == 0)
         return REAL(g_timeout_add_seconds)(interval, function, data);
     program_poll = function;
     program_data = data;
