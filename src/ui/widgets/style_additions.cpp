@@ -36,7 +36,7 @@ headerbar .title { color: #B0C6DA; font-size: 9.75pt; font-weight: normal; }
 headerbar button.titlebutton { background: transparent; border-color: transparent; }
 headerbar button.titlebutton:hover { background: #22384D; }
 decoration { box-shadow: 0 0 0 1px #7590A8, 0 4px 16px 2px rgba(0, 0, 0, 0.7); }
-.solid-csd decoration { background: #7590A8; box-shadow: none; }
+.solid-csd decoration { background: #3A5570; box-shadow: none; }
 
 @define-color placeholder_text_color #8FA8BF;
 selection { background: #1F5C8C; color: #E9F1F9; }
