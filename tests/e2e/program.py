@@ -83,7 +83,9 @@ class Program:
 
     def dialog_texts(self):
         """The dialog's sentences: the bold one, then the plain one."""
-        return [a.get_name() for a in walk(self.dialog()) if a.get_role() == Role.LABEL]
+        # Under Wayland the labels of the dialog's empty title bar come first.
+        return [a.get_name() for a in walk(self.dialog())
+                if a.get_role() == Role.LABEL and a.get_name()]
 
     def dialog_buttons(self):
         return [a.get_name() for a in walk(self.dialog()) if a.get_role() == Role.PUSH_BUTTON]
@@ -106,7 +108,9 @@ class Program:
     # The parts of the window.
 
     def content(self):
-        return self.frame().get_child_at_index(0)
+        # Under Wayland the title bar that GTK draws comes before it.
+        frame = self.frame()
+        return frame.get_child_at_index(frame.get_child_count() - 1)
 
     def header_labels(self):
         return [a.get_name() for a in walk(self.content().get_child_at_index(0))

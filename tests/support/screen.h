@@ -4,6 +4,10 @@
 
 #include <gtk/gtk.h>
 
+/// Whether the display server answers such questions. A Wayland compositor tells a program nothing
+/// of what it shows.
+bool screen_can_be_asked();
+
 /// The display server's number of a window that is realised.
 unsigned long screen_id_of(GtkWidget* window);
 

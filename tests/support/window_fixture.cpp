@@ -381,6 +381,16 @@ void show_page_at_once(const char* name) {
     drain_events();
 }
 
+/// Tells the settings window that it has the keyboard, as a compositor would: windows that were
+/// opened and closed before may have taken it.
+static void give_keyboard_to_window() {
+    GdkEvent* event = gdk_event_new(GDK_FOCUS_CHANGE);
+    event->focus_change.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(widgets.window)));
+    event->focus_change.in = TRUE;
+    gtk_widget_send_focus_change(widgets.window, event);
+    gdk_event_free(event);
+}
+
 WindowTest::WindowTest() : socket_path_before_{settings_socket_path} {
     settings_socket_path = service.socket_path();
     settings_object = {};
@@ -390,6 +400,7 @@ WindowTest::WindowTest() : socket_path_before_{settings_socket_path} {
     set_label_text(widgets.receivers_status, "");
     gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(widgets.understand_check), FALSE);
     gtk_entry_set_text(GTK_ENTRY(widgets.register_email), "");
+    give_keyboard_to_window();
     gtk_window_set_focus(GTK_WINDOW(widgets.window), nullptr);
     gtk_tree_selection_unselect_all(
         gtk_tree_view_get_selection(GTK_TREE_VIEW(widgets.listeners_view)));
@@ -477,6 +488,7 @@ UntouchedWindowTest::~UntouchedWindowTest() {
 FreshWindowTest::FreshWindowTest() : record_before_{widgets} {
     widgets = WidgetRecord{};
     start_up_as_the_program_does();
+    give_keyboard_to_window();
 }
 
 FreshWindowTest::~FreshWindowTest() {
