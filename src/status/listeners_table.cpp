@@ -108,7 +108,7 @@ void read_record(const json::value& record, std::vector<ListenerRow>& rows) {
     row.number = clamped_int32(number_or_zero(required_member(listener, "number")));
     row.address = valid_utf8(member_string(listener, "address"));
     rows.push_back(std::move(row));
-    // The row is there before a missing address stops the pass.
+    // After the row was added: a record without an address leaves a row with an empty one.
     required_member(listener, "address");
 }
 
@@ -151,8 +151,8 @@ int width_of_a_digit() {
     return width;
 }
 
-/// Rows of one fixed height are not measured, so GTK does not know how wide their texts are.
-/// Columns only grow, so that they do not move while listeners come and go.
+/// Makes each column wide enough for its longest text. GTK does not measure the texts of rows of
+/// one fixed height. Columns only grow, so that they stay in place while listeners come and go.
 void widen_columns(const std::vector<ListenerRow>& rows) {
     std::array<glong, column_count> characters{};
     const auto count = [&characters](Column column, const std::string& text) {
@@ -175,7 +175,7 @@ void widen_columns(const std::vector<ListenerRow>& rows) {
     }
 }
 
-/// Shows a row's address and tuning whole: their cells may end in an ellipsis.
+/// Shows the whole address and tuning of a row, whose cells may end in an ellipsis.
 gboolean on_query_tooltip(GtkWidget* table, gint x, gint y, gboolean by_keyboard,
                           GtkTooltip* tooltip, gpointer) {
     GtkTreeModel* rows = nullptr;
@@ -243,7 +243,8 @@ void draw_listeners(const StationState& state) {
         for (const json::value& record : required_array(status_object, "listeners"))
             read_record(record, rows);
     }
-    // Only now: when the row under the cursor goes, GTK selects the one that takes its place.
+    // After all rows were drawn: when the row under the cursor is removed, GTK selects the one that
+    // takes its place.
     if (!row)
         gtk_tree_selection_unselect_all(selection());
     else if (!gtk_tree_selection_iter_is_selected(selection(), &*row))

@@ -12,7 +12,7 @@
 #include <optional>
 #include <string>
 
-/// Makes the table's store, view and columns and writes them into the widget record. Returns the
+/// Makes the table's store, view and columns, and writes them into the widget record. Returns the
 /// scrolled window around the view.
 GtkWidget* make_listeners_table();
 

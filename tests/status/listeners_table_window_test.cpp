@@ -151,7 +151,11 @@ TEST_F(ListenersTable, ShowsEachListenerInTheOrderOfTheDocument) {
         records.push_back(json::parse(record));
         expected.push_back(row);
     }
-    poll(with(state_document(), "status.listeners", records));
+    const json::value document = with(state_document(), "status.listeners", records);
+    poll(document);
+    EXPECT_EQ(rows(), expected);
+    expected[0].tuned_to = "7.1 MHz USB";
+    poll(with(document, "status.listeners.0.f", 7100000));
     EXPECT_EQ(rows(), expected);
 }
 
