@@ -221,9 +221,13 @@ TEST(ParseReply, ThrowsOnEverythingElse) {
         "nan",
         "01",
         "\"\xff\"",
+        "\"\x80\"",
         "\"\xc3\"",
+        "\"\xc0\xaf\"",
         "\"\xed\xa0\x80\"",
+        "\"\xf4\x90\x80\x80\"",
         R"("\ud800")",
+        R"("\udc00")",
         "\"line\nbreak\"",
         nested_arrays(33),
     };

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """Starts the simulator for a test, and speaks to it in plain bytes."""
 
+import http.client
 import json
 import os
 import shutil
@@ -42,15 +43,8 @@ def read_reply(stream):
     line = stream.readline()
     if not line:
         return None
-    header = {}
-    while True:
-        field = stream.readline().strip().decode()
-        if not field:
-            break
-        name, value = field.split(":", 1)
-        header[name.lower()] = value.strip()
-    body = stream.read(int(header["content-length"]))
-    return Reply(int(line.split()[1]), header, body)
+    header = http.client.parse_headers(stream)
+    return Reply(int(line.split()[1]), header, stream.read(int(header["Content-Length"])))
 
 
 class Simulator:

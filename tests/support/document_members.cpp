@@ -74,6 +74,12 @@ const std::vector<DocumentMember>& document_members() {
     return members;
 }
 
+std::vector<DocumentMember> members_of(json::kind kind) {
+    std::vector<DocumentMember> chosen = document_members();
+    std::erase_if(chosen, [&](const DocumentMember& member) { return member.kind != kind; });
+    return chosen;
+}
+
 json::value document_with(const DocumentMember& member) {
     json::value document;
     if (member.document == "state")

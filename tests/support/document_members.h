@@ -36,6 +36,7 @@ struct DocumentMember {
 std::ostream& operator<<(std::ostream& out, const DocumentMember& member);
 
 const std::vector<DocumentMember>& document_members();
+std::vector<DocumentMember> members_of(boost::json::kind kind);
 
 /// The whole and valid document that a member belongs to, bent so that the member is read.
 boost::json::value document_with(const DocumentMember& member);
