@@ -11,6 +11,7 @@ namespace {
 const std::string host{directory_host};
 
 using ListenersTable = WindowTest;
+using NewListenersTable = FreshWindowTest;
 
 struct TableRow {
     int number = 0;
@@ -333,7 +334,7 @@ TEST_F(ListenersTable, KeepsItsSelectionAndItsPlaceWhenABrokenRecordStopsThePass
     EXPECT_TRUE(gtk_widget_get_visible(widgets.listeners_empty));
 }
 
-TEST_F(ListenersTable, WidensAColumnForItsTextAndNeverNarrowsIt) {
+TEST_F(NewListenersTable, WidensAColumnForItsTextAndNeverNarrowsIt) {
     const auto width_with = [this](std::size_t characters) {
         poll(with(listeners({1}), "status.listeners.0.address", json::string(characters, '0')));
         return gtk_tree_view_column_get_min_width(gtk_tree_view_get_column(view(), 1));
