@@ -34,6 +34,24 @@ void on_theme_changed(GtkSettings* settings, GParamSpec*, gpointer) {
     }
 }
 
+void measure_entries_again(GtkWidget* widget, gpointer) {
+    if (GTK_IS_ENTRY(widget)) {
+        pango_context_changed(gtk_widget_get_pango_context(widget));
+        gtk_widget_queue_resize(widget);
+    } else if (GTK_IS_CONTAINER(widget)) {
+        gtk_container_forall(GTK_CONTAINER(widget), measure_entries_again, nullptr);
+    }
+}
+
+/// GTK lays texts out again by itself, but Pango keeps the width of a character in the contexts of
+/// the entries, whose font is the same in pt.
+void on_text_scale_changed(GtkSettings*, GParamSpec*, gpointer) {
+    GList* windows = gtk_window_list_toplevels();
+    for (GList* window = windows; window; window = window->next)
+        measure_entries_again(GTK_WIDGET(window->data), nullptr);
+    g_list_free(windows);
+}
+
 } // namespace
 
 void apply_theme() {
@@ -42,4 +60,5 @@ void apply_theme() {
     GtkSettings* settings = gtk_settings_get_default();
     g_signal_connect(settings, "notify::gtk-theme-name", G_CALLBACK(on_theme_changed), nullptr);
     on_theme_changed(settings, nullptr, nullptr);
+    g_signal_connect(settings, "notify::gtk-xft-dpi", G_CALLBACK(on_text_scale_changed), nullptr);
 }

@@ -352,6 +352,45 @@ TEST_F(Theme, FollowsTheDesktopsTextScaleAtOnce) {
     EXPECT_EQ(font_pixels(widgets.header_title), 21);
 }
 
+TEST_F(Theme, FitsTheScreenAtEveryTextScale) {
+    const struct {
+        int percent;
+        int width;
+        int height;
+    } cases[] = {{125, 1024, 600}, {150, 1366, 768}, {200, 1366, 768}};
+    load(with(state_document(), "settings.directory.id", ""));
+    type_into("station.name", "Edited");
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.percent);
+        g_object_set(gtk_settings_get_default(), "gtk-xft-dpi", c.percent * 96 * 1024 / 100,
+                     nullptr);
+        ASSERT_TRUE(wait_for_frame_on(widgets.window));
+        for (const char* page : {"overview", "station", "receivers", "listeners", "internet"}) {
+            show_page_at_once(page);
+            int width = 0;
+            int height = 0;
+            gtk_widget_get_preferred_width(widgets.window, &width, nullptr);
+            gtk_widget_get_preferred_height_for_width(widgets.window, c.width, &height, nullptr);
+            EXPECT_LE(width, c.width) << page;
+            EXPECT_LE(height, c.height) << page;
+        }
+        GtkWidget* spin = widgets.receiver_list.at(0).low_spin;
+        type_into(spin, "5999.999");
+        show_page_at_once("receivers");
+        int least = 0;
+        gtk_widget_get_preferred_width(widgets.window, &least, nullptr);
+        ASSERT_TRUE(wait_until(
+            [least] { return gtk_widget_get_allocated_width(widgets.window) >= least; }));
+        ASSERT_TRUE(wait_for_frame_on(spin));
+        int text = 0;
+        pango_layout_get_pixel_size(gtk_entry_get_layout(GTK_ENTRY(spin)), &text, nullptr);
+        GdkRectangle area{};
+        gtk_entry_get_text_area(GTK_ENTRY(spin), &area);
+        EXPECT_LE(text, area.width);
+    }
+    g_object_set(gtk_settings_get_default(), "gtk-xft-dpi", 96 * 1024, nullptr);
+}
+
 TEST_F(Theme, HasStrongBordersWhileTheDesktopHasAHighContrastTheme) {
     GtkSettings* settings = gtk_settings_get_default();
     for (const char* theme : {"HighContrast", "HighContrastInverse"}) {
