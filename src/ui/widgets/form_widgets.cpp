@@ -16,6 +16,19 @@ constexpr int wide_widget_width = 320;
 /// Key of the object data in which a card counts its rows.
 constexpr char row_count_key[] = "rows";
 
+/// GTK scrolls the page to a text view that gets the focus, but not to the frame around it.
+gboolean on_textbox_focused(GtkWidget* view, GdkEvent*, gpointer) {
+    GtkWidget* frame = gtk_widget_get_parent(view);
+    GtkWidget* viewport = gtk_widget_get_ancestor(frame, GTK_TYPE_VIEWPORT);
+    int top = 0;
+    if (!viewport || !gtk_widget_translate_coordinates(frame, viewport, 0, 0, nullptr, &top))
+        return GDK_EVENT_PROPAGATE;
+    GtkAdjustment* place = gtk_scrollable_get_vadjustment(GTK_SCROLLABLE(viewport));
+    const double start = gtk_adjustment_get_value(place) + top;
+    gtk_adjustment_clamp_page(place, start, start + gtk_widget_get_allocated_height(frame));
+    return GDK_EVENT_PROPAGATE;
+}
+
 } // namespace
 
 GtkWidget* make_label(const char* text, const char* style_class, bool wrap) {
@@ -112,6 +125,7 @@ GtkWidget* add_textbox(GtkWidget* parent, int height) {
     gtk_widget_set_size_request(view, -1, height);
     pack(frame, view, true);
     pack(parent, frame);
+    g_signal_connect(view, "focus-in-event", G_CALLBACK(on_textbox_focused), nullptr);
     track_changes(view);
     return view;
 }

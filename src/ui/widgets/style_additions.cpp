@@ -21,7 +21,7 @@ button.primary:focus, button.mode:checked:focus { outline-color: #0A1420; outlin
 entry:focus, spinbutton:focus { box-shadow: inset 0 0 0 1px #3B9BE0; }
 switch:focus { box-shadow: 0 0 0 1px #101E2C, 0 0 0 3px #E9F1F9; }
 switch:focus slider { outline: none; }
-textview text:focus { box-shadow: inset 0 0 0 2px #3B9BE0; }
+textview text:focus { box-shadow: inset 0 0 0 1px #3B9BE0; }
 treeview.view:focus { outline: 1px solid #63B6EE; outline-offset: -2px; }
 .details:disabled { opacity: 0.45; }
 
@@ -63,5 +63,5 @@ stacksidebar row:focus, treeview.view:focus { outline: 3px solid #FFFFFF; }
 button.primary:focus, button.mode:checked:focus { outline-color: #000000; }
 entry:focus, spinbutton:focus { border-color: #FFFFFF; box-shadow: inset 0 0 0 2px #FFFFFF; }
 switch:focus { box-shadow: 0 0 0 1px #101E2C, 0 0 0 4px #FFFFFF; }
-textview text:focus { box-shadow: inset 0 0 0 3px #FFFFFF; }
+textview text:focus { box-shadow: inset 0 0 0 2px #FFFFFF; }
 )";

@@ -190,6 +190,26 @@ TEST_F(LabelSetters, TextIsNoMarkup) {
 
 using TextBoxes = WindowTest;
 
+TEST_F(TextBoxes, AreScrolledWhollyIntoSightWithTheFocus) {
+    show_page_at_once("station");
+    gtk_window_resize(GTK_WINDOW(widgets.window), 800, 480);
+    ASSERT_TRUE(wait_until([] { return gtk_widget_get_allocated_height(widgets.window) <= 480; }));
+    ASSERT_TRUE(wait_for_frame_on(widgets.window));
+    GtkWidget* view = widgets.description_view;
+    GtkWidget* frame = gtk_widget_get_parent(view);
+    GtkWidget* viewport = gtk_widget_get_ancestor(view, GTK_TYPE_VIEWPORT);
+    const auto bottom = [&] {
+        int top = 0;
+        gtk_widget_translate_coordinates(frame, viewport, 0, 0, nullptr, &top);
+        return top + gtk_widget_get_allocated_height(frame);
+    };
+    EXPECT_GT(bottom(), gtk_widget_get_allocated_height(viewport));
+    gtk_widget_grab_focus(view);
+    ASSERT_TRUE(wait_for_frame_on(widgets.window));
+    EXPECT_LE(bottom(), gtk_widget_get_allocated_height(viewport));
+    gtk_window_resize(GTK_WINDOW(widgets.window), 1000, 780);
+}
+
 TEST_F(TextBoxes, LeaveHiddenCharactersOut) {
     set_text_of_view(widgets.description_view, "seen hidden");
     GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(widgets.description_view));
