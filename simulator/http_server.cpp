@@ -36,7 +36,7 @@ using Clock = std::chrono::steady_clock;
 
 // The room for a path in sockaddr_un (unix(7)), its zero byte left out.
 constexpr std::size_t longest_path = 107;
-constexpr std::size_t largest_body = std::size_t{8} * 1024 * 1024; // bytes. Ours.
+constexpr std::size_t largest_body = std::size_t{8} * 1024 * 1024; // bytes
 constexpr std::chrono::minutes stalled_connection_ends_after{5};
 constexpr std::chrono::milliseconds time_passes_every{50};
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Carries requests and replies over a local stream socket; knows nothing of the station.
+// Carries requests and replies over a local stream socket; what they mean is the caller's matter.
 #pragma once
 
 #include "service_api.h"

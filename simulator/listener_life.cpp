@@ -17,7 +17,7 @@ namespace {
 constexpr double fm_broadcast_low = 87'500'000, fm_broadcast_high = 108'000'000;
 constexpr double am_broadcast_low = 530'000, am_broadcast_high = 1'700'000;
 
-// One visitor in so many sits in the owner's own house.
+// One visitor in so many listens from the owner's own network.
 constexpr std::size_t one_at_home_of = 6;
 
 std::string text_at(const json::array& array, std::size_t index) {
@@ -25,7 +25,7 @@ std::string text_at(const json::array& array, std::size_t index) {
     return {text.data(), text.size()};
 }
 
-/// Addresses reserved for examples (RFC 5737, RFC 3849), and a private one for the house.
+/// Addresses reserved for examples (RFC 5737, RFC 3849), and a private one for the owner's own network.
 std::string visitor_address(Random& random, bool at_home) {
     if (at_home)
         return "192.168.1." + std::to_string(20 + random_index(random, 20));

@@ -19,7 +19,7 @@ namespace {
 
 constexpr int usage_fault = 2;
 
-// The same life in each run. Ours.
+// The same life in each run.
 constexpr std::uint64_t seed = 1;
 
 // A day, so that two runs on one day show the same date.

@@ -9,7 +9,7 @@
 
 namespace {
 
-// A faster life than this only runs through its ticks without being seen. Ours.
+// A faster life than this passes more ticks between two requests than anybody can follow.
 constexpr double highest_speed = 10'000;
 constexpr double longest_step_s = 3'600;
 constexpr int longest_delay_ms = 600'000;

@@ -47,7 +47,7 @@ constexpr std::array rules = {
 
 constexpr std::array<std::string_view, 5> known_modes = {"USB", "LSB", "CW", "AM", "FM"};
 
-// Far above what any of the receivers tunes to, in Hz (6 GHz). Ours.
+// Far above what any of the receivers tunes to, in Hz (6 GHz).
 constexpr double highest_frequency = 6e9;
 
 std::string_view text_of(const json::value& value) {

@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "simulator_fixture.h"
 
-#include "state_document.h"
-
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace {
 
@@ -58,22 +54,6 @@ TEST(ServiceApi, RefusesBodiesThatAreNoObject) {
             EXPECT_EQ(reply.status, 400);
             EXPECT_EQ(error_in(reply), "The body must be one JSON object.");
         }
-}
-
-TEST(ServiceApi, SendsTheWholeStateDocument) {
-    Station station = station_in("on-air");
-    const ApiReply reply = answer(station, request("GET", "/api/state"));
-    EXPECT_EQ(reply.status, 200);
-    EXPECT_EQ(object_in(reply), state_document(station));
-}
-
-TEST(ServiceApi, SendsTheDevices) {
-    Station station = station_in("on-air");
-    const ApiReply reply = answer(station, request("GET", "/api/devices"));
-    EXPECT_EQ(reply.status, 200);
-    EXPECT_EQ(json::parse(reply.body), devices_document(station.devices, 0));
-    Station bare = station_in("no-devices");
-    EXPECT_EQ(answer(bare, request("GET", "/api/devices")).body, "[]");
 }
 
 TEST(ServiceApi, SavesSettingsAndSaysWhetherThePortChanged) {
@@ -131,12 +111,8 @@ TEST(ServiceApi, RefusesRegistrationsWithAReason) {
              {"register-refused", R"({"email":"owner@k1abc.example"})", 409,
               "The station list takes no new stations this week."},
              {"first-run", R"({"email":"owner"})", 422, "This is not an email address."},
-             {"first-run", R"({"email":"@b.example"})", 422, "This is not an email address."},
-             {"first-run", R"({"email":"a@.example"})", 422, "This is not an email address."},
-             {"first-run", R"({"email":"a@b."})", 422, "This is not an email address."},
              {"first-run", R"({"email":"a b@c.example"})", 422, "This is not an email address."},
              {"first-run", R"({"email":"a@b@c.example"})", 422, "This is not an email address."},
-             {"first-run", R"({"email":5})", 400, "The request needs one member: email, a text."},
              {"first-run", R"({})", 400, "The request needs one member: email, a text."},
              {"first-run", R"({"email":"a@b.example","name":"A"})", 400,
               "The request needs one member: email, a text."},
