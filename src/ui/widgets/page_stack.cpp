@@ -22,7 +22,7 @@ void make_stack_homogeneous() {
     gtk_stack_set_homogeneous(stack(), TRUE);
 }
 
-gboolean on_idle(gpointer) {
+gboolean on_idle_after_first_frame(gpointer) {
     if (widgets.window)
         make_stack_homogeneous();
     return G_SOURCE_REMOVE;
@@ -131,5 +131,5 @@ void turn_pages(int distance) {
 }
 
 void make_stack_homogeneous_when_idle() {
-    g_idle_add_full(G_PRIORITY_LOW, on_idle, nullptr, nullptr);
+    g_idle_add_full(G_PRIORITY_LOW, on_idle_after_first_frame, nullptr, nullptr);
 }

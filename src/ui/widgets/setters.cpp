@@ -13,7 +13,7 @@ constexpr struct {
 } status_class_names[] = {
     {StatusClass::good, "good"}, {StatusClass::warning, "warning"}, {StatusClass::error, "error"}};
 
-gboolean on_query_tooltip(GtkLabel* label, gint, gint, gboolean, GtkTooltip* tooltip, gpointer) {
+gboolean on_label_query_tooltip(GtkLabel* label, gint, gint, gboolean, GtkTooltip* tooltip, gpointer) {
     if (!pango_layout_is_ellipsized(gtk_label_get_layout(label)))
         return FALSE;
     gtk_tooltip_set_text(tooltip, shortened(gtk_label_get_text(label), longest_tooltip).c_str());
@@ -71,7 +71,7 @@ void limit_lines(GtkWidget* label, int lines) {
 
 void add_whole_text_tooltip(GtkWidget* label) {
     gtk_widget_set_has_tooltip(label, TRUE);
-    g_signal_connect(label, "query-tooltip", G_CALLBACK(on_query_tooltip), nullptr);
+    g_signal_connect(label, "query-tooltip", G_CALLBACK(on_label_query_tooltip), nullptr);
 }
 
 void show_footer(const StatusLine& line) {
