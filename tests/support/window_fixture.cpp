@@ -398,6 +398,9 @@ WindowTest::WindowTest() : socket_path_before_{settings_socket_path} {
     set_label_text(widgets.footer_status, "");
     set_status_class(widgets.footer_status, StatusClass::none);
     set_label_text(widgets.receivers_status, "");
+    widgets.loading = false;
+    for (GtkWidget* button : {widgets.find_devices_button, widgets.register_button})
+        gtk_widget_set_sensitive(button, TRUE);
     gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(widgets.understand_check), FALSE);
     gtk_entry_set_text(GTK_ENTRY(widgets.register_email), "");
     give_keyboard_to_window();

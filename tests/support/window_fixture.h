@@ -99,6 +99,8 @@ void run_when_loop_turns(std::function<void()> function);
 /// Shows a page of the stack at once.
 void show_page_at_once(const char* name);
 
+/// The tests share one window. The constructor puts back all that a test may leave behind and a
+/// load does not replace: what the next test needs reset, it is reset here.
 class WindowTest : public testing::Test {
 protected:
     WindowTest();

@@ -314,44 +314,6 @@ TEST_F(Pages, BindEachKeyOnceInTheOrderOfThePages) {
     EXPECT_EQ(registered, in_order);
 }
 
-TEST_F(Pages, NumbersStartAtTheirMinimum) {
-    for (const FieldBinding& binding : widgets.field_registry) {
-        if (!GTK_IS_SPIN_BUTTON(binding.widget))
-            continue;
-        SCOPED_TRACE(binding.key);
-        double minimum = -1;
-        gtk_spin_button_get_range(GTK_SPIN_BUTTON(binding.widget), &minimum, nullptr);
-        EXPECT_EQ(gtk_spin_button_get_value(GTK_SPIN_BUTTON(binding.widget)), minimum);
-        EXPECT_EQ(gtk_spin_button_get_digits(GTK_SPIN_BUTTON(binding.widget)), 0U);
-    }
-}
-
-TEST_F(PageFields, NumbersRefuseWhatIsOutOfRange) {
-    const struct {
-        const char* key;
-        const char* typed;
-        double value;
-    } cases[] = {
-        {"network.port", "1023", 1024},
-        {"network.port", "1024", 1024},
-        {"network.port", "80", 1024},
-        {"network.port", "65535", 65535},
-        {"network.port", "65536", 65535},
-        {"listeners.max", "0", 1},
-        {"listeners.max", "200", 200},
-        {"listeners.max", "201", 200},
-        {"listeners.max", "-4", 1},
-        {"listeners.session_minutes", "0", 0},
-        {"listeners.session_minutes", "1441", 1440},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(std::string{c.key} + " " + c.typed);
-        type_into(c.key, c.typed);
-        gtk_spin_button_update(GTK_SPIN_BUTTON(field(c.key)));
-        EXPECT_EQ(gtk_spin_button_get_value(GTK_SPIN_BUTTON(field(c.key))), c.value);
-    }
-}
-
 TEST_F(Pages, TextBoxesWrapAnywhereAndLetTabPass) {
     for (GtkWidget* view : {widgets.description_view, widgets.banned_view}) {
         EXPECT_EQ(gtk_text_view_get_wrap_mode(GTK_TEXT_VIEW(view)), GTK_WRAP_WORD_CHAR);
