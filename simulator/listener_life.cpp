@@ -25,7 +25,8 @@ std::string text_at(const json::array& array, std::size_t index) {
     return {text.data(), text.size()};
 }
 
-/// Addresses reserved for examples (RFC 5737, RFC 3849), and a private one for the owner's own network.
+/// Addresses reserved for examples (RFC 5737, RFC 3849), and a private one for the owner's own
+/// network.
 std::string visitor_address(Random& random, bool at_home) {
     if (at_home)
         return "192.168.1." + std::to_string(20 + random_index(random, 20));

@@ -2,6 +2,7 @@
 #include "receivers/coverage.h"
 
 #include "link/text.h"
+#include "ui/colours.h"
 
 #include <glib.h>
 
@@ -9,7 +10,7 @@
 
 namespace {
 
-/// Longest coverage line, in bytes. Ours: ranges that a person can enter stay far below it.
+/// Longest coverage line, in bytes: ranges that a person can enter stay far below it.
 constexpr std::size_t longest_line = 159;
 
 /// The order is the menu's: amateur bands upward to 2 m, then the others as they came.
@@ -98,6 +99,6 @@ std::string receiver_subtitle_markup(std::string_view backend, std::string_view 
     std::string markup =
         escaped_markup(kind_label(backend)) + " · serial " + escaped_markup(isolated(serial));
     if (!available)
-        markup += " · <span foreground=\"#FFB020\">in use by another program</span>";
+        markup += " · " + coloured_markup(warning_colour, "in use by another program");
     return markup;
 }

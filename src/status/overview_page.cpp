@@ -6,6 +6,7 @@
 #include "status/at_scope_end.h"
 #include "status/overview_texts.h"
 #include "status/status_rows.h"
+#include "ui/colours.h"
 #include "ui/widgets/setters.h"
 
 #include <boost/json/value.hpp>
@@ -81,8 +82,7 @@ void draw_receivers_on_air(const StationState& state) {
             rows.push_back(failed_receiver_row(receiver));
     }
     if (state.receiver_count == 0 && started.empty())
-        rows.push_back(
-            {.markup = "<span foreground=\"#B0C6DA\">No receiver is on the air yet.</span>",
-             .button = "Choose receivers →",
-             .page = "receivers"});
+        rows.push_back({.markup = coloured_markup(muted_colour, "No receiver is on the air yet."),
+                        .button = "Choose receivers →",
+                        .page = "receivers"});
 }

@@ -3,6 +3,7 @@
 
 #include "link/build_constants.h"
 #include "link/text.h"
+#include "ui/colours.h"
 
 #include <algorithm>
 #include <cmath>
@@ -73,7 +74,7 @@ bool checklist_is_done(const StationState& state, const StationIdentity& identit
 
 std::string checklist_item_markup(const ChecklistItem& item) {
     const std::string text = escaped_markup(item.text);
-    return item.done ? "<span foreground=\"#7590A8\">" + text + "</span>" : text;
+    return item.done ? coloured_markup(small_colour, text) : text;
 }
 
 std::string frequency_text(double hz) {

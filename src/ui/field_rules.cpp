@@ -10,10 +10,10 @@
 
 namespace {
 
-/// One listener's share of the upload, in kbit/s. Ours: the hint is an estimate.
+/// One listener's share of the upload, in kbit/s: the hint is an estimate.
 constexpr double listener_kbit = 60;
 
-/// Longest upload estimate, in bytes. Ours: estimates of real stations stay far below it.
+/// Longest upload estimate, in bytes: estimates of real stations stay far below it.
 constexpr std::size_t longest_estimate = 120;
 
 /// The white space of the "C" locale, whatever the user's: bytes above 127 are parts of letters.

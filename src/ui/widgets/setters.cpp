@@ -13,7 +13,8 @@ constexpr struct {
 } status_class_names[] = {
     {StatusClass::good, "good"}, {StatusClass::warning, "warning"}, {StatusClass::error, "error"}};
 
-gboolean on_label_query_tooltip(GtkLabel* label, gint, gint, gboolean, GtkTooltip* tooltip, gpointer) {
+gboolean on_label_query_tooltip(GtkLabel* label, gint, gint, gboolean, GtkTooltip* tooltip,
+                                gpointer) {
     if (!pango_layout_is_ellipsized(gtk_label_get_layout(label)))
         return FALSE;
     gtk_tooltip_set_text(tooltip, shortened(gtk_label_get_text(label), longest_tooltip).c_str());

@@ -5,6 +5,7 @@
 #include "app/state_poll.h"
 #include "link/build_constants.h"
 #include "support/window_fixture.h"
+#include "ui/colours.h"
 #include "ui/widgets/style_additions.h"
 #include "ui/widgets/style_sheet.h"
 
@@ -399,6 +400,16 @@ TEST_F(Theme, HasStrongBordersWhileTheDesktopHasAHighContrastTheme) {
         gtk_settings_reset_property(settings, "gtk-theme-name");
         EXPECT_EQ(border(widgets.copy_link_button), "#22384D") << theme;
     }
+}
+
+TEST_F(Theme, HasTheColoursOfMarkupInItsClasses) {
+    const std::string_view sheet{style_sheet};
+    const auto has = [&](const char* start, std::string_view colour) {
+        return sheet.find(start + std::string{colour} + ";") != sheet.npos;
+    };
+    EXPECT_TRUE(has(".muted { color: ", muted_colour));
+    EXPECT_TRUE(has(".small { color: ", small_colour));
+    EXPECT_TRUE(has(".warning { color: ", warning_colour));
 }
 
 } // namespace

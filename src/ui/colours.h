@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+// The colours of the style sheet that stand in Pango markup too, where no style class reaches.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+inline constexpr std::string_view muted_colour = "#B0C6DA";
+inline constexpr std::string_view small_colour = "#7590A8";
+inline constexpr std::string_view warning_colour = "#FFB020";
+
+inline std::string coloured_markup(std::string_view colour, std::string_view markup) {
+    return "<span foreground=\"" + std::string{colour} + "\">" + std::string{markup} + "</span>";
+}
