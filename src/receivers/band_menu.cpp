@@ -60,6 +60,9 @@ GtkWidget* make_band_menu(std::size_t index) {
     for (const BandPreset& preset : band_presets())
         gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(menu), preset.id, preset.text);
     gtk_combo_box_set_active(GTK_COMBO_BOX(menu), 0);
+    // As a grid of one column GTK opens the menu below its button. Without columns the active item
+    // covers the button, with a gap above it where that would be beyond the screen's edge.
+    gtk_combo_box_set_wrap_width(GTK_COMBO_BOX(menu), 1);
     // The longest band must not decide how narrow the window can be.
     GList* cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(menu));
     g_object_set(cells->data, "ellipsize", PANGO_ELLIPSIZE_END, "width-chars", band_menu_chars,
