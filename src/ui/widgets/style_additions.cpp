@@ -53,7 +53,7 @@ treeview header button label { color: #D6E4F0; }
 .error { color: #FF9C96; }
 entry, spinbutton, combobox button, button, switch, .card, .textbox, menu, popover, tooltip,
 checkbutton check { border-color: #9FB8CE; }
-button.link, spinbutton button, headerbar button { border-color: transparent; }
+button.link, spinbutton entry, spinbutton button, headerbar button { border-color: transparent; }
 entry.invalid { border-color: #FF9C96; }
 button.mode:checked { background: #8CCBF5; }
 separator { background: #9FB8CE; }
