@@ -60,19 +60,16 @@ bool answer_without_display(std::string_view argument) {
 /// the service's contract get here.
 // GCOVR_EXCL_START: the process aborts and takes the counts with it; the end-to-end tests look on.
 [[noreturn]] void end_with_a_sentence() {
-    const char* message = "unknown error";
-    // The exception lives as long as it is current, which is until the end.
-    if (const std::exception_ptr error = std::current_exception()) {
-        try {
-            std::rethrow_exception(error);
-        } catch (const std::exception& known) {
-            std::fprintf(stderr, "tarnwave-settings: %s\n",
-                         contract_error_message(known.what()).c_str());
-            std::abort();
-        } catch (...) {
-        }
+    std::string message = "unknown error";
+    try {
+        if (std::current_exception())
+            throw;
+    } catch (const std::exception& known) {
+        message = known.what();
+    } catch (...) {
     }
-    std::fprintf(stderr, "tarnwave-settings: %s\n", contract_error_message(message).c_str());
+    std::fprintf(stderr, "tarnwave-settings: %s\n",
+                 contract_error_message(message.c_str()).c_str());
     std::abort();
 }
 // GCOVR_EXCL_STOP

@@ -6,9 +6,9 @@
 #include "ui/widgets/pending_events.h"
 #include "ui/widgets/setters.h"
 
-#include <cerrno>
-#include <ctime>
+#include <chrono>
 #include <fstream>
+#include <thread>
 
 std::string owner_file_path = "/etc/tarnwave/owner";
 
@@ -17,7 +17,7 @@ namespace {
 /// How often the service is asked whether it accepts the new owner, and the pause between.
 constexpr int tries = 50;
 constexpr int try_time_limit_s = 3;
-constexpr long pause_ns = 200'000'000;
+constexpr std::chrono::milliseconds pause{200};
 
 bool user_wants_to_be_owner() {
     GtkWidget* dialog = gtk_message_dialog_new(
@@ -43,18 +43,11 @@ bool set_owner() {
            wait_status == 0;
 }
 
-void pause_between_tries() {
-    timespec left{.tv_sec = 0, .tv_nsec = pause_ns};
-    // A signal interrupts the sleep; `left` then holds the remaining time.
-    while (nanosleep(&left, &left) != 0 && errno == EINTR) {
-    }
-}
-
 bool service_accepts_owner() {
     for (int i = 0; i < tries; ++i) {
         if (service_request(HttpMethod::get, "/api/state", "", try_time_limit_s).status == 200)
             return true;
-        pause_between_tries();
+        std::this_thread::sleep_for(pause);
     }
     return false;
 }

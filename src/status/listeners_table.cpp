@@ -36,6 +36,8 @@ struct ListenerRow {
     std::string address{};
     std::string tuned_to{};
     std::string time{};
+
+    bool operator==(const ListenerRow&) const = default;
 };
 
 GtkTreeView* view() {
@@ -72,18 +74,6 @@ void store_row(GtkTreeIter* iter, const ListenerRow& row) {
     gtk_list_store_set(widgets.listeners_store, iter, number_column, row.number, address_column,
                        row.address.c_str(), tuned_column, row.tuned_to.c_str(), time_column,
                        row.time.c_str(), -1);
-}
-
-/// Writes what differs, which as a rule is the time alone.
-void overwrite_row(GtkTreeIter* iter, const ListenerRow& row) {
-    const ListenerRow shown = row_at(model(), iter);
-    const auto write = [iter](gint column, const std::string& before, const std::string& now) {
-        if (before != now)
-            gtk_list_store_set(widgets.listeners_store, iter, column, now.c_str(), -1);
-    };
-    write(address_column, shown.address, row.address);
-    write(tuned_column, shown.tuned_to, row.tuned_to);
-    write(time_column, shown.time, row.time);
 }
 
 std::optional<Tuning> tuning_of(const json::object& listener) {
@@ -128,7 +118,8 @@ std::optional<GtkTreeIter> show_listeners(const std::vector<ListenerRow>& rows,
             old_is_left = gtk_list_store_remove(widgets.listeners_store, &old);
         GtkTreeIter shown = old;
         if (old_is_left && number_at(&old) == row.number) {
-            overwrite_row(&shown, row);
+            if (row_at(model(), &shown) != row)
+                store_row(&shown, row);
             old_is_left = gtk_tree_model_iter_next(model(), &old);
         } else {
             gtk_list_store_insert_before(widgets.listeners_store, &shown,

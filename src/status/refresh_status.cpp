@@ -3,7 +3,6 @@
 
 #include "link/json_access.h"
 #include "link/service_link.h"
-#include "status/header_line.h"
 #include "status/render_state.h"
 
 #include <boost/json/value.hpp>

@@ -2,15 +2,38 @@
 #include "status/render_state.h"
 
 #include "link/json_access.h"
-#include "status/header_line.h"
-#include "status/internet_page.h"
+#include "status/internet_texts.h"
+#include "status/lan_address.h"
 #include "status/listeners_table.h"
 #include "status/overview_page.h"
-#include "status/station_state.h"
+#include "status/overview_texts.h"
+#include "ui/widgets/setters.h"
+
+#include <boost/json/value.hpp>
+
+namespace {
+
+void draw_internet_status(const StationState& state) {
+    set_label_markup(widgets.reachability_label,
+                     port_instructions_markup(state.port, lan_address()));
+    show_status_line(widgets.port_status_label, reach_line(state));
+    const json::value* https = status_object.if_contains("https");
+    const json::object* certificate = https ? https->if_object() : nullptr;
+    show_status_line(widgets.port_hint_label,
+                     certificate_line(certificate ? *certificate : json::object{}, state));
+    show_status_line(widgets.listing_status_label, listing_line(state));
+}
+
+} // namespace
+
+void show_header_line(const StatusLine& line) {
+    set_label_text(widgets.header_status, line.text);
+    set_status_class(widgets.header_dot, line.status_class);
+}
 
 void render_state() {
     const StationState state = derive_station_state(settings_object, status_object);
-    draw_header_line(state);
+    show_header_line(header_line(state, optional_bool(status_object, "broker", false)));
     draw_checklist(state);
     draw_station_link(state);
     draw_receivers_on_air(state);

@@ -5,7 +5,6 @@
 #include "link/service_link.h"
 #include "receivers/linger.h"
 #include "receivers/receiver_rows.h"
-#include "status/header_line.h"
 #include "status/render_state.h"
 #include "ui/field_checks.h"
 #include "ui/field_rules.h"
@@ -99,7 +98,8 @@ void load_form() {
     show_blocked_addresses();
     show_receivers();
     show_registration();
-    show_header_title();
+    set_label_text(widgets.header_title, header_title(setting_string("station.name"),
+                                                      setting_string("station.callsign")));
     check_grid_square();
     update_upload_estimate();
     update_relay_visibility();

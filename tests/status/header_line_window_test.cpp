@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "status/header_line.h"
-
 #include "link/build_constants.h"
 #include "link/json_access.h"
 #include "support/window_fixture.h"
