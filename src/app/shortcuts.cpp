@@ -13,8 +13,8 @@
 namespace {
 
 void save_if_edited() {
-    // An unchanged form has nothing to send.
-    if (widgets.dirty)
+    // As the button, which is insensitive for a key that was queued while the form was saved, too.
+    if (gtk_widget_get_sensitive(widgets.save_button))
         save_settings();
 }
 

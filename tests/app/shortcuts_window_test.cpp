@@ -46,6 +46,16 @@ TEST_F(Shortcuts, ControlSCountsWhatIsTypedInASpinButton) {
     EXPECT_EQ(saved("listeners", "max"), "1.2E1");
 }
 
+TEST_F(Shortcuts, ControlSSendsNothingMoreForAPressWhileItSaves) {
+    service.will_answer("PUT", "/api/settings", 409, R"({"error":"The port is taken."})");
+    type_into("station.name", "Edited");
+    press_key(widgets.window, GDK_KEY_s, control);
+    press(GDK_KEY_s, control); // handled before anything idle, as a queued key
+    EXPECT_EQ(service.requests("PUT", "/api/settings").size(), 1U);
+    press(GDK_KEY_s, control);
+    EXPECT_EQ(service.requests("PUT", "/api/settings").size(), 2U);
+}
+
 TEST_F(Shortcuts, ControlSSendsNothingForACleanForm) {
     press(GDK_KEY_s, control);
     EXPECT_TRUE(service.requests().empty());
