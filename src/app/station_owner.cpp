@@ -33,7 +33,10 @@ bool user_wants_to_be_owner() {
         gtk_dialog_add_button(GTK_DIALOG(dialog), "Make me the owner", GTK_RESPONSE_ACCEPT),
         "primary");
     gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_CLOSE);
-    return run_dialog(dialog) == GTK_RESPONSE_ACCEPT;
+    if (run_dialog(dialog) != GTK_RESPONSE_ACCEPT)
+        return false;
+    wait_until_uncovered();
+    return true;
 }
 
 bool set_owner() {

@@ -28,7 +28,10 @@ bool user_wants_to_block(const std::string& address) {
         "blocked addresses on the Listeners page.");
     // Enter alone must not shut somebody out.
     gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_CANCEL);
-    return run_dialog(dialog) == GTK_RESPONSE_OK;
+    if (run_dialog(dialog) != GTK_RESPONSE_OK)
+        return false;
+    wait_until_uncovered();
+    return true;
 }
 
 void post(const char* target, const json::object& body) {

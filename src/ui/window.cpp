@@ -150,7 +150,8 @@ bool confirm_close() {
         return false;
     switch (answer) {
     case CloseAnswer::save:
-        return !save_settings();
+        wait_until_uncovered();
+        return widgets.window && !save_settings();
     case CloseAnswer::discard:
         return false;
     default:

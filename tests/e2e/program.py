@@ -304,14 +304,9 @@ class Program:
 
     def quit(self):
         """Closes the window with the keyboard; edits are thrown away."""
-        self.activate()
-
-        def closing():
-            if self.process.poll() is not None or self.find_dialog():
-                return True
-            key("ctrl+q")  # again: one that comes while a question is put away is ignored
-            return False
-        wait_for(closing, "the window to close")
+        self.keys("ctrl+q")
+        wait_for(lambda: self.process.poll() is not None or self.find_dialog(),
+                 "the window to close")
         if self.process.poll() is None and self.find_dialog():
             self.answer("Discard")
         self.wait_for_end()

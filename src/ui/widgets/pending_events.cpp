@@ -97,7 +97,12 @@ gint run_dialog(GtkWidget* dialog) {
 
     const gint response = gtk_dialog_run(GTK_DIALOG(dialog));
     gtk_widget_destroy(dialog);
-    turn_loop_until(uncover_time_ms, [] { return !widgets.window; });
+    run_pending_events();
     gdk_display_flush(gdk_display_get_default());
     return response;
+}
+
+void wait_until_uncovered() {
+    turn_loop_until(uncover_time_ms, [] { return !widgets.window; });
+    gdk_display_flush(gdk_display_get_default());
 }

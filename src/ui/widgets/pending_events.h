@@ -18,6 +18,10 @@ void wait_until_window_is_drawn();
 /// quarter of a second (a window that is covered or minimised draws no frames).
 void draw_now();
 
-/// Runs a message dialog until it is answered, destroys it and takes it off the screen, since a
-/// blocking call may follow. Returns the response.
+/// Runs a message dialog until it is answered and destroys it. Returns the response.
 gint run_dialog(GtkWidget* dialog);
+
+/// Waits a tenth of a second for the window to be drawn where a destroyed dialog was. Called before
+/// something blocks: without a compositor the dialog would stay on the screen meanwhile. Not called
+/// otherwise, because an action of the user would be refused during that time.
+void wait_until_uncovered();
