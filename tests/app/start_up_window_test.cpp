@@ -5,6 +5,7 @@
 #include "link/build_constants.h"
 #include "link/json_access.h"
 #include "link/service_link.h"
+#include "support/no_patience.h"
 #include "support/toplevels.h"
 #include "support/window_fixture.h"
 
@@ -245,6 +246,14 @@ TEST_F(StartUp, AsksAboutTheOwnerWhenTheServiceRefuses) {
     }
     EXPECT_EQ(dialogs.size(), 2U);
     EXPECT_TRUE(commands.calls().empty());
+}
+
+TEST_F(StartUp, WaitsThreeSecondsForItsFirstAnswer) {
+    service.next_connection({stay_silent()});
+    answer_next_dialog(GTK_RESPONSE_CLOSE);
+    const NoPatience no_patience;
+    EXPECT_EQ(run({}), 1);
+    EXPECT_EQ(no_patience.time_limits_s(), std::vector<int>{3});
 }
 
 TEST_F(StartUp, AsksAboutTheOwnerWhenOnlyTheSocketsFileIsThere) {
