@@ -50,6 +50,8 @@ searchbar > revealer > box { background: #101E2C; border-color: #22384D; box-sha
 const char high_contrast_styles[] = R"(
 .small, expander title label, stacksidebar row label, .muted,
 treeview header button label { color: #D6E4F0; }
+.good { color: #35C759; }
+.warning { color: #FFB020; }
 .error { color: #FF9C96; }
 entry, spinbutton, combobox button, button, switch, .card, .textbox, menu, popover, tooltip,
 checkbutton check { border-color: #9FB8CE; }

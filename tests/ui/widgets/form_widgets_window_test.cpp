@@ -192,12 +192,14 @@ using TextBoxes = WindowTest;
 
 TEST_F(TextBoxes, AreScrolledWhollyIntoSightWithTheFocus) {
     show_page_at_once("station");
-    gtk_window_resize(GTK_WINDOW(widgets.window), 800, 480);
-    ASSERT_TRUE(wait_until([] { return gtk_widget_get_allocated_height(widgets.window) <= 480; }));
-    ASSERT_TRUE(wait_for_frame_on(widgets.window));
     GtkWidget* view = widgets.description_view;
     GtkWidget* frame = gtk_widget_get_parent(view);
     GtkWidget* viewport = gtk_widget_get_ancestor(view, GTK_TYPE_VIEWPORT);
+    ASSERT_TRUE(wait_for_frame_on(widgets.window));
+    const int height = gtk_widget_get_allocated_height(viewport);
+    gtk_window_resize(GTK_WINDOW(widgets.window), 800, 480);
+    ASSERT_TRUE(wait_until([=] { return gtk_widget_get_allocated_height(viewport) < height; }));
+    ASSERT_TRUE(wait_for_frame_on(widgets.window));
     const auto bottom = [&] {
         int top = 0;
         gtk_widget_translate_coordinates(frame, viewport, 0, 0, nullptr, &top);

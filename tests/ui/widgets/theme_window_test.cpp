@@ -6,6 +6,7 @@
 #include "link/build_constants.h"
 #include "support/window_fixture.h"
 #include "ui/colours.h"
+#include "ui/widgets/setters.h"
 #include "ui/widgets/style_additions.h"
 #include "ui/widgets/style_sheet.h"
 
@@ -397,6 +398,9 @@ TEST_F(Theme, HasStrongBordersWhileTheDesktopHasAHighContrastTheme) {
     for (const char* theme : {"HighContrast", "HighContrastInverse"}) {
         g_object_set(settings, "gtk-theme-name", theme, nullptr);
         EXPECT_EQ(border(widgets.copy_link_button), "#9FB8CE") << theme;
+        set_status_class(widgets.footer_status, StatusClass::good);
+        EXPECT_EQ(text_colour(widgets.footer_status), "#35C759") << theme;
+        set_status_class(widgets.footer_status, StatusClass::none);
         gtk_settings_reset_property(settings, "gtk-theme-name");
         EXPECT_EQ(border(widgets.copy_link_button), "#22384D") << theme;
     }
