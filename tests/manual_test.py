@@ -19,7 +19,7 @@ PAGE = PROJECT / "docs" / "manual.md"
 # Where the lines come from that tell how the station is doing or what came of an action.
 EXPLAINED_FILES = [
     "receivers/coverage.cpp", "receivers/find_devices.cpp",
-    "receivers/set_linger.cpp", "receivers/receiver_list.cpp", "status/internet_texts.cpp",
+    "receivers/linger.cpp", "receivers/receiver_list.cpp", "status/internet_texts.cpp",
     "status/listener_actions.cpp", "status/overview_texts.cpp", "status/refresh_status.cpp",
     "status/registration.cpp",
     "ui/field_rules.cpp", "ui/save_settings.cpp", "ui/station_link.cpp"]
@@ -37,7 +37,8 @@ NOT_EXPLAINED = {
     "registering the station", "saving the settings", "the list of devices",
     "the reply to a registration", "the reply to a save", "the state document",
     # commands
-    "loginctl enable-linger", "loginctl disable-linger"}
+    "loginctl show-user", "-p Linger --value", "loginctl enable-linger",
+    "loginctl disable-linger"}
 
 # What the manual quotes from elsewhere: a router's menu, an owner's own words.
 NOT_OURS = {"WAN", "static lease", "reservation", "Antenna down until Sunday"}

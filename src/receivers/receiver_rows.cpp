@@ -9,6 +9,7 @@
 #include "ui/widgets/change_tracking.h"
 #include "ui/widgets/form_widgets.h"
 #include "ui/widgets/setters.h"
+#include "ui/widgets/signals.h"
 #include "ui/widgets/spin_buttons.h"
 
 #include <optional>
@@ -23,10 +24,6 @@ constexpr int empty_list_margin = 14;
 
 double spin_value(GtkWidget* spin) {
     return gtk_spin_button_get_value(GTK_SPIN_BUTTON(spin));
-}
-
-void on_range_changed(GtkSpinButton*, gpointer index) {
-    check_receiver_range(GPOINTER_TO_SIZE(index));
 }
 
 /// The receiver's names and its switch. `title_out` receives the label with the model.
@@ -98,8 +95,7 @@ void add_details(Receiver& receiver, std::size_t index, GtkWidget* title) {
     announce_changes(receiver.coverage_label);
 
     for (GtkWidget* spin : {receiver.low_spin, receiver.high_spin}) {
-        g_signal_connect(spin, "value-changed", G_CALLBACK(on_range_changed),
-                         GSIZE_TO_POINTER(index));
+        call_at_signal(spin, "value-changed", [index] { check_receiver_range(index); });
         track_changes(spin);
     }
 }

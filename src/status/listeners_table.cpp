@@ -6,6 +6,7 @@
 #include "status/at_scope_end.h"
 #include "status/overview_texts.h"
 #include "ui/widgets/setters.h"
+#include "ui/widgets/signals.h"
 
 #include <boost/json/value.hpp>
 
@@ -183,10 +184,6 @@ gboolean on_query_tooltip(GtkWidget* table, gint x, gint y, gboolean by_keyboard
     return TRUE;
 }
 
-void on_selection_changed(GtkTreeSelection*, gpointer) {
-    update_listener_buttons();
-}
-
 void add_column(gint column) {
     GtkCellRenderer* cell = gtk_cell_renderer_text_new();
     // All rows are as high as the first: a line feed in it begins no line.
@@ -209,7 +206,7 @@ GtkWidget* make_listeners_table() {
         add_column(column);
     gtk_tree_view_set_fixed_height_mode(view(), TRUE);
     gtk_tree_view_set_search_column(view(), address_column);
-    g_signal_connect(selection(), "changed", G_CALLBACK(on_selection_changed), nullptr);
+    call_at_signal(selection(), "changed", update_listener_buttons);
     gtk_widget_set_has_tooltip(widgets.listeners_view, TRUE);
     g_signal_connect(widgets.listeners_view, "query-tooltip", G_CALLBACK(on_query_tooltip),
                      nullptr);

@@ -19,10 +19,6 @@ void delete_content(gpointer content) {
     delete static_cast<RowContent*>(content);
 }
 
-void on_link_button_clicked(GtkButton*, gpointer row) {
-    show_page(content_of(row).page.c_str());
-}
-
 GtkWidget* make_row(const RowContent& content) {
     GtkWidget* row = make_box(GTK_ORIENTATION_HORIZONTAL, 10, "row");
     g_object_set_data_full(G_OBJECT(row), content_key, new RowContent{content}, delete_content);
@@ -33,9 +29,9 @@ GtkWidget* make_row(const RowContent& content) {
     if (!content.origin.empty())
         pack(row, make_label(escaped_markup(content.origin).c_str(), "small", false));
     if (!content.button.empty()) {
-        GtkWidget* button = make_button(content.button.c_str(), "link");
+        const auto show = [page = content.page] { show_page(page.c_str()); };
+        GtkWidget* button = make_button(content.button.c_str(), show, "link");
         describe_by_label(button, text);
-        g_signal_connect(button, "clicked", G_CALLBACK(on_link_button_clicked), row);
         pack(row, button);
     }
     gtk_widget_show_all(row);

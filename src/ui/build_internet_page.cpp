@@ -3,28 +3,21 @@
 
 #include "link/build_constants.h"
 #include "link/text.h"
-#include "receivers/set_linger.h"
+#include "receivers/linger.h"
 #include "status/registration.h"
 #include "ui/field_checks.h"
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/form_widgets.h"
 #include "ui/widgets/page_stack.h"
 #include "ui/widgets/setters.h"
+#include "ui/widgets/signals.h"
 
 namespace {
 
-void on_register_clicked(GtkButton*, gpointer) {
-    register_station();
-}
-
-void on_email_activated(GtkEntry*, gpointer) {
+void register_at_enter() {
     // As the button: not while it runs, nor for a key that was queued meanwhile.
     if (gtk_widget_get_sensitive(widgets.register_button))
         register_station();
-}
-
-void on_relay_switch_toggled(GtkSwitch*, GParamSpec*, gpointer) {
-    update_relay_visibility();
 }
 
 void build_way_in_card(GtkWidget* page) {
@@ -36,8 +29,7 @@ void build_way_in_card(GtkWidget* page) {
         " can host your page and carry listeners to you instead. It needs a relay key from "
         "Corvane.";
     add_row(card, "I can't accept incoming connections", relay_hint.c_str(), widgets.relay_switch);
-    g_signal_connect(widgets.relay_switch, "notify::active", G_CALLBACK(on_relay_switch_toggled),
-                     nullptr);
+    call_at_signal(widgets.relay_switch, "notify::active", update_relay_visibility);
     const std::string key_hint = "From Corvane, through " + host + "/contact.html.";
     widgets.relay_key_row =
         add_row(card, "Relay key", key_hint.c_str(),
@@ -82,10 +74,9 @@ void build_register_box(GtkWidget* card) {
     widgets.register_email = gtk_entry_new();
     gtk_entry_set_placeholder_text(GTK_ENTRY(widgets.register_email), email_placeholder);
     set_accessible_name(widgets.register_email, email_placeholder);
-    g_signal_connect(widgets.register_email, "activate", G_CALLBACK(on_email_activated), nullptr);
+    call_at_signal(widgets.register_email, "activate", register_at_enter);
     pack(row, widgets.register_email, true);
-    widgets.register_button = make_button("Register this station", "primary");
-    g_signal_connect(widgets.register_button, "clicked", G_CALLBACK(on_register_clicked), nullptr);
+    widgets.register_button = make_button("Register this station", register_station, "primary");
     pack(row, widgets.register_button);
     pack(widgets.register_box, row);
     pack(card, widgets.register_box);
@@ -109,8 +100,7 @@ void build_stay_card(GtkWidget* page) {
             "Your receivers keep running after you log out and come back after a restart. An "
             "RX-888 still needs you logged in.",
             widgets.linger_switch);
-    g_signal_connect(widgets.linger_switch, "notify::active", G_CALLBACK(on_linger_switch_toggled),
-                     nullptr);
+    call_at_signal(widgets.linger_switch, "notify::active", on_linger_switch_toggled);
 }
 
 void build_advanced_expander(GtkWidget* page) {

@@ -12,41 +12,16 @@
 #include "ui/widgets/form_widgets.h"
 #include "ui/widgets/page_stack.h"
 #include "ui/widgets/setters.h"
+#include "ui/widgets/signals.h"
 #include "ui/widgets/spin_buttons.h"
 
 namespace {
 
-void on_copy_link_clicked(GtkButton*, gpointer) {
-    copy_station_link();
-}
-
-void on_end_session_clicked(GtkButton*, gpointer) {
-    end_listener_session();
-}
-
-gboolean on_block_idle(gpointer) {
-    if (widgets.window)
-        block_listener_address();
-    return G_SOURCE_REMOVE;
-}
-
-void on_block_clicked(GtkButton*, gpointer) {
-    // A click through the accessibility bus blocks the bus until its handler has returned: a
-    // dialog run in here could not be read by the screen reader that clicked. Idle with high
-    // priority runs before the next event.
-    g_idle_add_full(G_PRIORITY_HIGH, on_block_idle, nullptr, nullptr);
-}
-
-void on_find_devices_clicked(GtkButton*, gpointer) {
-    find_devices();
-}
-
-void on_grid_entry_changed(GtkEditable*, gpointer) {
-    check_grid_square();
-}
-
-void on_max_listeners_changed(GtkSpinButton*, gpointer) {
-    update_upload_estimate();
+/// A click through the accessibility bus blocks the bus until its handler has returned: a dialog
+/// run in there could not be read by the screen reader that clicked. Idle with high priority runs
+/// before the next event.
+void block_when_idle() {
+    call_when_idle(G_PRIORITY_HIGH, block_listener_address);
 }
 
 void build_link_row(GtkWidget* card) {
@@ -55,9 +30,7 @@ void build_link_row(GtkWidget* card) {
     widgets.station_link = gtk_link_button_new("about:blank");
     add_style_class(widgets.station_link, "link");
     pack(widgets.station_link_row, widgets.station_link);
-    widgets.copy_link_button = make_button("Copy link");
-    g_signal_connect(widgets.copy_link_button, "clicked", G_CALLBACK(on_copy_link_clicked),
-                     nullptr);
+    widgets.copy_link_button = make_button("Copy link", copy_station_link);
     pack_end(widgets.station_link_row, widgets.copy_link_button);
     pack(card, widgets.station_link_row);
 }
@@ -76,11 +49,8 @@ void build_listeners_card(GtkWidget* page) {
 
     GtkWidget* buttons = make_box(GTK_ORIENTATION_HORIZONTAL, 8);
     set_vertical_margins(buttons, 10, 12);
-    widgets.end_session_button = make_button("End session");
-    g_signal_connect(widgets.end_session_button, "clicked", G_CALLBACK(on_end_session_clicked),
-                     nullptr);
-    widgets.block_button = make_button("Block address…");
-    g_signal_connect(widgets.block_button, "clicked", G_CALLBACK(on_block_clicked), nullptr);
+    widgets.end_session_button = make_button("End session", end_listener_session);
+    widgets.block_button = make_button("Block address…", block_when_idle);
     pack(buttons, widgets.end_session_button);
     pack(buttons, widgets.block_button);
     GtkWidget* hint =
@@ -122,7 +92,7 @@ void build_station_page() {
     GtkWidget* grid_column = nullptr;
     add_row(about, "Grid square", nullptr, widgets.grid_entry, RowWidth::wide, &grid_column);
     widgets.grid_hint = add_live_hint(grid_column, widgets.grid_entry);
-    g_signal_connect(widgets.grid_entry, "changed", G_CALLBACK(on_grid_entry_changed), nullptr);
+    call_at_signal(widgets.grid_entry, "changed", check_grid_square);
     add_entry_row(about, "station.antenna", "Antenna", nullptr, "80 m end-fed, 12 m up");
     add_entry_row(about, "station.contact", "Contact", "A web page or email address for listeners.",
                   "https://…");
@@ -144,9 +114,7 @@ void build_receivers_page() {
     pack(page, widgets.receiver_rows_box);
 
     GtkWidget* discovery = make_box(GTK_ORIENTATION_HORIZONTAL, 12);
-    widgets.find_devices_button = make_button("Find devices");
-    g_signal_connect(widgets.find_devices_button, "clicked", G_CALLBACK(on_find_devices_clicked),
-                     nullptr);
+    widgets.find_devices_button = make_button("Find devices", find_devices);
     pack(discovery, widgets.find_devices_button);
     widgets.receivers_status = make_label("", "small");
     announce_changes(widgets.receivers_status);
@@ -179,8 +147,7 @@ void build_listeners_page() {
     add_row(places, "Listeners at once", nullptr, widgets.max_listeners_spin, RowWidth::natural,
             &max_column);
     widgets.upload_estimate = add_live_hint(max_column, widgets.max_listeners_spin);
-    g_signal_connect(widgets.max_listeners_spin, "value-changed",
-                     G_CALLBACK(on_max_listeners_changed), nullptr);
+    call_at_signal(widgets.max_listeners_spin, "value-changed", update_upload_estimate);
     add_number_row(places, "listeners.per_address", "Listeners from one address",
                    "Stops one visitor from taking every place.", 1, 20);
     add_number_row(places, "listeners.session_minutes", "Session length",

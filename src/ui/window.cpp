@@ -34,14 +34,6 @@ gboolean on_window_delete(GtkWidget*, GdkEvent*, gpointer) {
     return confirm_close();
 }
 
-void on_open_page_clicked(GtkButton*, gpointer) {
-    open_station_page();
-}
-
-void on_save_clicked(GtkButton*, gpointer) {
-    save_settings();
-}
-
 GtkWidget* make_header_texts() {
     GtkWidget* texts = make_box(GTK_ORIENTATION_VERTICAL, 3);
     pack(texts, make_label("TARNWAVE", "brand"));
@@ -68,12 +60,9 @@ GtkWidget* make_header() {
     gtk_widget_set_valign(actions, GTK_ALIGN_CENTER);
     widgets.unsaved_label = make_label("Unsaved changes", "warning", false);
     gtk_box_pack_start(GTK_BOX(actions), widgets.unsaved_label, FALSE, TRUE, 6);
-    widgets.open_page_button = make_button("Open station page");
-    g_signal_connect(widgets.open_page_button, "clicked", G_CALLBACK(on_open_page_clicked),
-                     nullptr);
+    widgets.open_page_button = make_button("Open station page", open_station_page);
     pack(actions, widgets.open_page_button);
-    widgets.save_button = make_button("Save changes", "primary");
-    g_signal_connect(widgets.save_button, "clicked", G_CALLBACK(on_save_clicked), nullptr);
+    widgets.save_button = make_button("Save changes", save_settings, "primary");
     pack(actions, widgets.save_button);
     pack_end(header, actions);
     return header;

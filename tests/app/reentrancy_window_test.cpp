@@ -3,7 +3,7 @@
 // a question both turn the main loop, and with it comes whatever the user or a timer does.
 #include "link/json_access.h"
 #include "receivers/find_devices.h"
-#include "receivers/set_linger.h"
+#include "receivers/linger.h"
 #include "status/listener_actions.h"
 #include "status/refresh_status.h"
 #include "status/registration.h"

@@ -2,7 +2,6 @@
 #include "receivers/linger.h"
 
 #include "link/json_access.h"
-#include "receivers/set_linger.h"
 #include "support/window_fixture.h"
 
 namespace {

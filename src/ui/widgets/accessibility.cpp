@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widgets/accessibility.h"
 
+#include "ui/widgets/signals.h"
+
 namespace {
 
 void relate(GtkWidget* from, AtkRelationType type, GtkWidget* to) {
     atk_object_add_relationship(gtk_widget_get_accessible(from), type,
                                 gtk_widget_get_accessible(to));
-}
-
-void on_label_changed(GtkLabel* label, GParamSpec*, gpointer) {
-    announce(GTK_WIDGET(label));
 }
 
 } // namespace
@@ -29,7 +27,7 @@ void set_accessible_name(GtkWidget* widget, const char* name) {
 }
 
 void announce_changes(GtkWidget* label) {
-    g_signal_connect(label, "notify::label", G_CALLBACK(on_label_changed), nullptr);
+    call_at_signal(label, "notify::label", [label] { announce(label); });
 }
 
 void announce(GtkWidget* label) {

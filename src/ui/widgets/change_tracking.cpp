@@ -1,21 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widgets/change_tracking.h"
 
+#include "ui/widgets/signals.h"
 #include "ui/widgets/widget_record.h"
 
 namespace {
-
-void on_widget_changed(GtkWidget*, gpointer) {
-    mark_dirty();
-}
-
-void on_widget_notified(GObject*, GParamSpec*, gpointer) {
-    mark_dirty();
-}
-
-void on_buffer_changed(GtkTextBuffer*, gpointer) {
-    mark_dirty();
-}
 
 void commit(GtkWidget* spin) {
     if (spin)
@@ -25,20 +14,17 @@ void commit(GtkWidget* spin) {
 } // namespace
 
 void track_changes(GtkWidget* widget) {
-    if (GTK_IS_SWITCH(widget)) {
-        g_signal_connect(widget, "notify::active", G_CALLBACK(on_widget_notified), nullptr);
-    } else if (GTK_IS_SPIN_BUTTON(widget)) {
-        g_signal_connect(widget, "value-changed", G_CALLBACK(on_widget_changed), nullptr);
-        // Typed text becomes the value later, but it is an edit.
-        g_signal_connect(widget, "changed", G_CALLBACK(on_widget_changed), nullptr);
-    } else if (GTK_IS_ENTRY(widget)) {
-        g_signal_connect(widget, "changed", G_CALLBACK(on_widget_changed), nullptr);
-    } else if (GTK_IS_TOGGLE_BUTTON(widget)) {
-        g_signal_connect(widget, "toggled", G_CALLBACK(on_widget_changed), nullptr);
-    } else if (GTK_IS_TEXT_VIEW(widget)) {
-        g_signal_connect(gtk_text_view_get_buffer(GTK_TEXT_VIEW(widget)), "changed",
-                         G_CALLBACK(on_buffer_changed), nullptr);
-    }
+    if (GTK_IS_SWITCH(widget))
+        call_at_signal(widget, "notify::active", mark_dirty);
+    if (GTK_IS_SPIN_BUTTON(widget))
+        call_at_signal(widget, "value-changed", mark_dirty);
+    // Text that is typed in a spin button becomes its value later, but it is an edit.
+    if (GTK_IS_ENTRY(widget))
+        call_at_signal(widget, "changed", mark_dirty);
+    if (GTK_IS_TOGGLE_BUTTON(widget))
+        call_at_signal(widget, "toggled", mark_dirty);
+    if (GTK_IS_TEXT_VIEW(widget))
+        call_at_signal(gtk_text_view_get_buffer(GTK_TEXT_VIEW(widget)), "changed", mark_dirty);
 }
 
 void mark_dirty() {

@@ -6,6 +6,7 @@
 #include "ui/widgets/change_tracking.h"
 #include "ui/widgets/long_text.h"
 #include "ui/widgets/setters.h"
+#include "ui/widgets/signals.h"
 #include "ui/widgets/spin_buttons.h"
 
 namespace {
@@ -51,8 +52,10 @@ GtkWidget* make_box(GtkOrientation orientation, int spacing, const char* style_c
     return box;
 }
 
-GtkWidget* make_button(const char* text, const char* style_class) {
+GtkWidget* make_button(const char* text, std::function<void()> on_clicked,
+                       const char* style_class) {
     GtkWidget* button = gtk_button_new_with_label(text);
+    call_at_signal(button, "clicked", std::move(on_clicked));
     if (style_class)
         add_style_class(button, style_class);
     return button;

@@ -9,13 +9,15 @@
 
 #include <gtk/gtk.h>
 
+#include <functional>
 #include <string>
 
 /// Left-aligned label. `text` is Pango markup; `style_class` may be null.
 GtkWidget* make_label(const char* text, const char* style_class, bool wrap = true);
 
 GtkWidget* make_box(GtkOrientation orientation, int spacing, const char* style_class = nullptr);
-GtkWidget* make_button(const char* text, const char* style_class = nullptr);
+GtkWidget* make_button(const char* text, std::function<void()> on_clicked,
+                       const char* style_class = nullptr);
 
 /// Packs at the start or, the second, at the end of a box.
 void pack(GtkWidget* box, GtkWidget* child, bool expand = false);

@@ -4,6 +4,7 @@
 #include "link/text.h"
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/form_widgets.h"
+#include "ui/widgets/signals.h"
 
 #include <algorithm>
 
@@ -20,12 +21,6 @@ GtkStack* stack() {
 /// taller than its screen, since GTK computes the least height at the least width.
 void make_stack_homogeneous() {
     gtk_stack_set_homogeneous(stack(), TRUE);
-}
-
-gboolean on_idle_after_first_frame(gpointer) {
-    if (widgets.window)
-        make_stack_homogeneous();
-    return G_SOURCE_REMOVE;
 }
 
 int current_page() {
@@ -131,5 +126,5 @@ void turn_pages(int distance) {
 }
 
 void make_stack_homogeneous_when_idle() {
-    g_idle_add_full(G_PRIORITY_LOW, on_idle_after_first_frame, nullptr, nullptr);
+    call_when_idle(G_PRIORITY_LOW, make_stack_homogeneous);
 }

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#include "ui/widgets/signals.h"
+
+#include "ui/widgets/widget_record.h"
+
+#include <memory>
+
+namespace {
+
+using Action = std::function<void()>;
+
+void on_signal(gpointer, gpointer action) {
+    (*static_cast<Action*>(action))();
+}
+
+void on_notify(gpointer, GParamSpec*, gpointer action) {
+    (*static_cast<Action*>(action))();
+}
+
+void delete_action(gpointer action, GClosure*) {
+    delete static_cast<Action*>(action);
+}
+
+gboolean on_idle(gpointer data) {
+    const std::unique_ptr<Action> action{static_cast<Action*>(data)};
+    if (widgets.window)
+        (*action)();
+    return G_SOURCE_REMOVE;
+}
+
+} // namespace
+
+void call_at_signal(gpointer instance, const char* signal, Action action) {
+    g_signal_connect_data(instance, signal,
+                          g_str_has_prefix(signal, "notify::") ? G_CALLBACK(on_notify)
+                                                               : G_CALLBACK(on_signal),
+                          new Action{std::move(action)}, delete_action, GConnectFlags{});
+}
+
+void call_when_idle(gint priority, Action action) {
+    g_idle_add_full(priority, on_idle, new Action{std::move(action)}, nullptr);
+}

@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+// Functions without GTK's arguments as handlers of signals and as idle callbacks.
+#pragma once
+
+#include <glib-object.h>
+
+#include <functional>
+
+/// Calls `action` at each emission of a signal without arguments, such as "clicked", or of a
+/// "notify" for one property.
+void call_at_signal(gpointer instance, const char* signal, std::function<void()> action);
+
+/// Calls `action` once from idle, unless the window is gone by then.
+void call_when_idle(gint priority, std::function<void()> action);
