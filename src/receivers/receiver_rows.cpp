@@ -4,16 +4,16 @@
 #include "link/text.h"
 #include "receivers/band_menu.h"
 #include "receivers/coverage.h"
-#include "receivers/row_focus.h"
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/change_tracking.h"
 #include "ui/widgets/form_widgets.h"
+#include "ui/widgets/keep_focus.h"
 #include "ui/widgets/setters.h"
 #include "ui/widgets/signals.h"
 #include "ui/widgets/spin_buttons.h"
 
-#include <optional>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -24,6 +24,11 @@ constexpr int empty_list_margin = 14;
 
 double spin_value(GtkWidget* spin) {
     return gtk_spin_button_get_value(GTK_SPIN_BUTTON(spin));
+}
+
+/// Backend and serial number identify a receiver.
+void name_for_focus(const Receiver& receiver, GtkWidget* control, const char* name) {
+    set_focus_name(control, receiver.backend + " " + receiver.serial + " " + name);
 }
 
 /// The receiver's names and its switch. `title_out` receives the label with the model.
@@ -41,6 +46,7 @@ GtkWidget* make_header(Receiver& receiver, GtkWidget** title_out) {
     pack(header, names, true);
 
     receiver.share_switch = gtk_switch_new();
+    name_for_focus(receiver, receiver.share_switch, "switch");
     gtk_switch_set_active(GTK_SWITCH(receiver.share_switch), receiver.enabled);
     gtk_widget_set_valign(receiver.share_switch, GTK_ALIGN_CENTER);
     gtk_widget_set_tooltip_text(receiver.share_switch, "Share this receiver with listeners");
@@ -59,6 +65,8 @@ GtkWidget* make_frequency_row(Receiver& receiver) {
     const std::string of_it = " of " + valid_utf8(spoken_name(widgets.receiver_list, receiver));
     receiver.low_spin = make_frequency_spin(("Lowest frequency" + of_it + " in MHz").c_str());
     receiver.high_spin = make_frequency_spin(("Highest frequency" + of_it + " in MHz").c_str());
+    name_for_focus(receiver, receiver.low_spin, "low");
+    name_for_focus(receiver, receiver.high_spin, "high");
     gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver.low_spin),
                               receiver.lo / hertz_per_megahertz);
     gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver.high_spin),
@@ -82,6 +90,7 @@ void add_details(Receiver& receiver, std::size_t index, GtkWidget* title) {
     }
     GtkWidget* row = make_frequency_row(receiver);
     GtkWidget* menu = make_band_menu(index);
+    name_for_focus(receiver, menu, "band");
     // GtkComboBox takes its accessible name from the active item, so a label gives the receiver.
     name_by_label(menu, title);
     pack_end(row, menu);
@@ -109,9 +118,6 @@ void add_receiver_card(std::size_t index) {
     receiver.details_box = make_box(GTK_ORIENTATION_VERTICAL, 4, "details");
     gtk_widget_set_margin_bottom(receiver.details_box, 12);
     pack(card, receiver.details_box);
-    receiver.low_spin = nullptr;
-    receiver.high_spin = nullptr;
-    receiver.coverage_label = nullptr;
     add_details(receiver, index, title);
 
     g_object_bind_property(receiver.share_switch, "active", receiver.details_box, "sensitive",
@@ -119,23 +125,8 @@ void add_receiver_card(std::size_t index) {
     track_changes(receiver.share_switch);
 }
 
-void forget_row(Receiver& receiver) {
-    receiver.share_switch = nullptr;
-    receiver.low_spin = nullptr;
-    receiver.high_spin = nullptr;
-    receiver.coverage_label = nullptr;
-    receiver.details_box = nullptr;
-}
-
 void destroy_child(GtkWidget* child, gpointer) {
     gtk_widget_destroy(child);
-}
-
-void destroy_rows() {
-    // Destroying a spin button that is being typed in runs handlers, which must find null here.
-    for (Receiver& receiver : widgets.receiver_list)
-        forget_row(receiver);
-    gtk_container_foreach(GTK_CONTAINER(widgets.receiver_rows_box), destroy_child, nullptr);
 }
 
 void add_rows() {
@@ -154,20 +145,12 @@ void add_rows() {
 } // namespace
 
 void rebuild_receiver_rows() {
-    const std::optional<FocusedRowControl> focused = focused_row_control();
-    destroy_rows();
-    add_rows();
-    if (focused)
-        give_row_focus_to(*focused);
-}
-
-void replace_receivers(std::vector<Receiver> list) {
-    const std::optional<FocusedRowControl> focused = focused_row_control();
-    destroy_rows();
+    const KeepFocus keep_focus{widgets.receiver_rows_box};
+    // Destroying a spin button that is being typed in runs handlers, which must find no receiver.
+    std::vector<Receiver> list = std::exchange(widgets.receiver_list, {});
+    gtk_container_foreach(GTK_CONTAINER(widgets.receiver_rows_box), destroy_child, nullptr);
     widgets.receiver_list = std::move(list);
     add_rows();
-    if (focused)
-        give_row_focus_to(*focused);
 }
 
 void capture_row_edits() {

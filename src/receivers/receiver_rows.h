@@ -2,17 +2,11 @@
 // One card per receiver on the Receivers page.
 #pragma once
 
-#include "receivers/receiver_list.h"
-
 #include <cstddef>
-#include <vector>
 
 /// Makes the cards anew from the receiver list. Edits in the old cards are lost unless they were
 /// captured before. The focus stays on the same control of the same receiver.
 void rebuild_receiver_rows();
-
-/// Replaces the receiver list and makes the cards anew.
-void replace_receivers(std::vector<Receiver> list);
 
 /// Commits what is typed in spin buttons, then copies the cards' values into the receiver list: the
 /// share switch, and the range of a receiver that tunes.

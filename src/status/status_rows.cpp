@@ -4,6 +4,7 @@
 #include "link/text.h"
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/form_widgets.h"
+#include "ui/widgets/keep_focus.h"
 #include "ui/widgets/page_stack.h"
 
 namespace {
@@ -32,27 +33,17 @@ GtkWidget* make_row(const RowContent& content) {
         const auto show = [page = content.page] { show_page(page.c_str()); };
         GtkWidget* button = make_button(content.button.c_str(), show, "link");
         describe_by_label(button, text);
+        set_focus_name(button, content.page);
         pack(row, button);
     }
     gtk_widget_show_all(row);
     return row;
 }
 
-/// Gives the focus to the button of a row without scrolling the page to it.
-void focus_button_of(GtkWidget* row) {
-    GtkWidget* scroll = gtk_widget_get_ancestor(row, GTK_TYPE_SCROLLED_WINDOW);
-    GtkAdjustment* position = gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroll));
-    const double value = gtk_adjustment_get_value(position);
-    gtk_widget_child_focus(row, GTK_DIR_TAB_FORWARD);
-    gtk_adjustment_set_value(position, value);
-}
-
 } // namespace
 
 void show_rows(GtkWidget* box, const std::vector<RowContent>& contents) {
-    GtkWidget* focused_row = gtk_container_get_focus_child(GTK_CONTAINER(box));
-    const std::string focused_page = focused_row ? content_of(focused_row).page : "";
-
+    const KeepFocus keep_focus{box};
     GList* const old_rows = gtk_container_get_children(GTK_CONTAINER(box));
     GList* old_row = old_rows;
     for (std::size_t i = 0; i < contents.size(); ++i) {
@@ -69,14 +60,4 @@ void show_rows(GtkWidget* box, const std::vector<RowContent>& contents) {
     for (; old_row; old_row = old_row->next)
         gtk_widget_destroy(GTK_WIDGET(old_row->data));
     g_list_free(old_rows);
-
-    if (focused_page.empty() || gtk_container_get_focus_child(GTK_CONTAINER(box)))
-        return;
-    GList* const rows = gtk_container_get_children(GTK_CONTAINER(box));
-    for (GList* row = rows; row; row = row->next)
-        if (content_of(row->data).page == focused_page) {
-            focus_button_of(GTK_WIDGET(row->data));
-            break;
-        }
-    g_list_free(rows);
 }

@@ -69,7 +69,8 @@ void show_receivers() {
     std::vector<Receiver> receivers;
     for (const json::value& element : required_array(settings_object, "receivers"))
         receivers.push_back(receiver_from_settings(element));
-    replace_receivers(std::move(receivers));
+    widgets.receiver_list = std::move(receivers);
+    rebuild_receiver_rows();
 }
 
 void show_registration() {

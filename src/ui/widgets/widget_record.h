@@ -93,8 +93,8 @@ struct WidgetRecord {
 
     /// The bound fields in the order of their making, of loading and of saving.
     std::vector<FieldBinding> field_registry{};
-    /// The receivers shown. Set by `load_form`, `find_devices`, `capture_row_edits` and
-    /// `rebuild_receiver_rows`.
+    /// The receivers shown. Set by `load_form`, `find_devices` and `capture_row_edits`; their
+    /// widgets by `rebuild_receiver_rows`.
     std::vector<Receiver> receiver_list{};
 };
 
