@@ -81,12 +81,10 @@ void take_over_socket_path() {
 }
 
 void tell_service_is_not_running() {
-    GtkWidget* dialog =
-        gtk_message_dialog_new(GTK_WINDOW(widgets.window), GTK_DIALOG_MODAL, GTK_MESSAGE_ERROR,
-                               GTK_BUTTONS_CLOSE, "%s", "The Tarnwave service is not running.");
-    gtk_message_dialog_format_secondary_text(GTK_MESSAGE_DIALOG(dialog), "%s",
-                                             "Start it with: sudo systemctl start tarnwave");
-    run_dialog(dialog);
+    run_dialog({.type = GTK_MESSAGE_ERROR,
+                .text = "The Tarnwave service is not running.",
+                .secondary_text = "Start it with: sudo systemctl start tarnwave",
+                .stock_buttons = GTK_BUTTONS_CLOSE});
 }
 
 /// Asks the service for its state until it answers. Returns nothing when the program has to end.

@@ -4,7 +4,7 @@
 #include "link/service_link.h"
 #include "link/text.h"
 #include "ui/widgets/pending_events.h"
-#include "ui/widgets/setters.h"
+#include "ui/widgets/widget_record.h"
 
 #include <chrono>
 #include <fstream>
@@ -20,20 +20,16 @@ constexpr int try_time_limit_s = 3;
 constexpr std::chrono::milliseconds pause{200};
 
 bool user_wants_to_be_owner() {
-    GtkWidget* dialog = gtk_message_dialog_new(
-        GTK_WINDOW(widgets.window), GTK_DIALOG_MODAL, GTK_MESSAGE_QUESTION, GTK_BUTTONS_NONE,
-        "Make %s the station owner?", valid_utf8(g_get_user_name()).c_str());
-    gtk_message_dialog_format_secondary_text(
-        GTK_MESSAGE_DIALOG(dialog),
-        "%s Only the station owner may change Tarnwave's settings and share receivers through it. "
-        "Becoming the owner needs an administrator's password.",
-        owner_sentence().c_str());
-    gtk_dialog_add_button(GTK_DIALOG(dialog), "Close", GTK_RESPONSE_CLOSE);
-    add_style_class(
-        gtk_dialog_add_button(GTK_DIALOG(dialog), "Make me the owner", GTK_RESPONSE_ACCEPT),
-        "primary");
-    gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_CLOSE);
-    if (run_dialog(dialog) != GTK_RESPONSE_ACCEPT)
+    const gint answer = run_dialog(
+        {.text = "Make " + valid_utf8(g_get_user_name()) + " the station owner?",
+         .secondary_text = owner_sentence() +
+                           " Only the station owner may change Tarnwave's settings and share "
+                           "receivers through it. Becoming the owner needs an administrator's "
+                           "password.",
+         .buttons = {{"Close", GTK_RESPONSE_CLOSE},
+                     {"Make me the owner", GTK_RESPONSE_ACCEPT, "primary"}},
+         .default_response = GTK_RESPONSE_CLOSE});
+    if (answer != GTK_RESPONSE_ACCEPT)
         return false;
     wait_until_uncovered();
     return true;

@@ -19,16 +19,14 @@ namespace {
 constexpr int action_time_limit_s = 3;
 
 bool user_wants_to_block(const std::string& address) {
-    GtkWidget* dialog =
-        gtk_message_dialog_new(GTK_WINDOW(widgets.window), GTK_DIALOG_MODAL, GTK_MESSAGE_QUESTION,
-                               GTK_BUTTONS_OK_CANCEL, "Block %s?", address.c_str());
-    gtk_message_dialog_format_secondary_text(
-        GTK_MESSAGE_DIALOG(dialog), "%s",
-        "Their session ends now and the address cannot listen again. You can remove it from the "
-        "blocked addresses on the Listeners page.");
     // Enter alone must not shut somebody out.
-    gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_CANCEL);
-    if (run_dialog(dialog) != GTK_RESPONSE_OK)
+    const gint answer = run_dialog(
+        {.text = "Block " + address + "?",
+         .secondary_text = "Their session ends now and the address cannot listen again. You can "
+                           "remove it from the blocked addresses on the Listeners page.",
+         .stock_buttons = GTK_BUTTONS_OK_CANCEL,
+         .default_response = GTK_RESPONSE_CANCEL});
+    if (answer != GTK_RESPONSE_OK)
         return false;
     wait_until_uncovered();
     return true;

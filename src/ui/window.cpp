@@ -124,17 +124,13 @@ bool confirm_close() {
     const OnlyOnce once{asking};
     if (!once.is_first())
         return true;
-    GtkWidget* dialog =
-        gtk_message_dialog_new(GTK_WINDOW(widgets.window), GTK_DIALOG_MODAL, GTK_MESSAGE_QUESTION,
-                               GTK_BUTTONS_NONE, "%s", "Save your changes?");
-    gtk_message_dialog_format_secondary_text(GTK_MESSAGE_DIALOG(dialog), "%s",
-                                             "Some settings have changed and are not saved yet.");
-    gtk_dialog_add_button(GTK_DIALOG(dialog), "Discard", CloseAnswer::discard);
-    gtk_dialog_add_button(GTK_DIALOG(dialog), "Cancel", GTK_RESPONSE_CANCEL);
-    gtk_dialog_add_button(GTK_DIALOG(dialog), "Save", CloseAnswer::save);
-    // By default Enter would press the first button, "Discard".
-    gtk_dialog_set_default_response(GTK_DIALOG(dialog), CloseAnswer::save);
-    const gint answer = run_dialog(dialog);
+    const gint answer =
+        run_dialog({.text = "Save your changes?",
+                    .secondary_text = "Some settings have changed and are not saved yet.",
+                    .buttons = {{"Discard", CloseAnswer::discard},
+                                {"Cancel", GTK_RESPONSE_CANCEL},
+                                {"Save", CloseAnswer::save}},
+                    .default_response = CloseAnswer::save});
     if (!widgets.window)
         return false;
     switch (answer) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widgets/pending_events.h"
 
-#include "ui/widgets/widget_record.h"
+#include "ui/widgets/setters.h"
 
 namespace {
 
@@ -86,7 +86,19 @@ void draw_now() {
         wait_for_frame(frame_limit_ms);
 }
 
-gint run_dialog(GtkWidget* dialog) {
+gint run_dialog(const MessageDialog& message) {
+    GtkWidget* dialog =
+        gtk_message_dialog_new(GTK_WINDOW(widgets.window), GTK_DIALOG_MODAL, message.type,
+                               message.stock_buttons, "%s", message.text.c_str());
+    gtk_message_dialog_format_secondary_text(GTK_MESSAGE_DIALOG(dialog), "%s",
+                                             message.secondary_text.c_str());
+    for (const MessageDialog::Button& button : message.buttons) {
+        GtkWidget* made = gtk_dialog_add_button(GTK_DIALOG(dialog), button.label, button.response);
+        if (button.style_class)
+            add_style_class(made, button.style_class);
+    }
+    if (message.default_response != GTK_RESPONSE_NONE)
+        gtk_dialog_set_default_response(GTK_DIALOG(dialog), message.default_response);
     // A long word from outside must not make the dialog wider than the screen.
     GList* texts = gtk_container_get_children(
         GTK_CONTAINER(gtk_message_dialog_get_message_area(GTK_MESSAGE_DIALOG(dialog))));

@@ -8,6 +8,9 @@
 
 #include <gtk/gtk.h>
 
+#include <string>
+#include <vector>
+
 /// Runs the events that are pending, without waiting for more.
 void run_pending_events();
 
@@ -18,8 +21,24 @@ void wait_until_window_is_drawn();
 /// quarter of a second (a window that is covered or minimised draws no frames).
 void draw_now();
 
-/// Runs a message dialog until it is answered and destroys it. Returns the response.
-gint run_dialog(GtkWidget* dialog);
+/// A modal message dialog. Texts are plain.
+struct MessageDialog {
+    GtkMessageType type = GTK_MESSAGE_QUESTION;
+    std::string text{};
+    std::string secondary_text{};
+    GtkButtonsType stock_buttons = GTK_BUTTONS_NONE;
+    struct Button {
+        const char* label;
+        gint response;
+        const char* style_class = nullptr;
+    };
+    std::vector<Button> buttons{};
+    /// Without one, Enter presses the first button.
+    gint default_response = GTK_RESPONSE_NONE;
+};
+
+/// Shows a message dialog until it is answered and destroys it. Returns the response.
+gint run_dialog(const MessageDialog& message);
 
 /// Waits a tenth of a second for the window to be drawn where a destroyed dialog was. Called before
 /// something blocks: without a compositor the dialog would stay on the screen meanwhile. Not called

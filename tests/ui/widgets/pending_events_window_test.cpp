@@ -80,8 +80,7 @@ TEST_F(PendingEvents, ADestroyedDialogIsPaintedOverEvenWhereTheDisplayAsksForItL
     };
     g_signal_connect(widgets.window, "draw", G_CALLBACK(on_draw), &painted);
     answer_next_dialog(GTK_RESPONSE_CLOSE, [&] { g_timeout_add(40, on_late_expose, &painted); });
-    run_dialog(gtk_message_dialog_new(GTK_WINDOW(widgets.window), GTK_DIALOG_MODAL,
-                                      GTK_MESSAGE_INFO, GTK_BUTTONS_CLOSE, "Well?"));
+    run_dialog({.text = "Well?", .stock_buttons = GTK_BUTTONS_CLOSE});
     wait_until_uncovered();
     EXPECT_TRUE(painted);
     g_signal_handlers_disconnect_by_data(widgets.window, &painted);
