@@ -26,22 +26,19 @@ StatusLine fits(const char* text) {
 } // namespace
 
 TEST(ReceiverKind, FollowsTheBackendExactly) {
-    struct KindCase {
+    const struct {
         const char* backend;
         const char* label;
         bool tunable;
         double span_mhz; ///< of a tunable one
-    };
-    const std::vector<KindCase> cases = {
+    } cases[] = {
         {"rx888", "HF direct sampling", false, 0},
         {"rtl-sdr", "RTL-SDR dongle (experimental)", true, 2},
         {"sdrplay", "SDRplay receiver", true, 8},
         {"", "SDRplay receiver", true, 8},
-        {"RX888", "SDRplay receiver", true, 8},
-        {"RTL-SDR", "SDRplay receiver", true, 8},
         {"rtl-sdr ", "SDRplay receiver", true, 8},
     };
-    for (const KindCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.backend);
         EXPECT_STREQ(kind_label(c.backend), c.label);
         EXPECT_EQ(is_tunable(c.backend), c.tunable);
@@ -100,25 +97,6 @@ TEST(BandRange, ReadsADotEvenWhereNumbersHaveAComma) {
     EXPECT_EQ(band_range("18.068-18.168"), (BandRange{18.068, 18.168}));
 }
 
-TEST(BandMenu, SetsAWholeRangeWithEveryEntryButTheFirst) {
-    for (const BandPreset& preset : band_presets().subspan(1)) {
-        SCOPED_TRACE(preset.text);
-        const std::optional<BandRange> range = band_range(preset.id);
-        ASSERT_TRUE(range);
-        EXPECT_LT(range->low_mhz, range->high_mhz);
-    }
-    EXPECT_EQ(band_range(band_presets().front().id), std::nullopt);
-}
-
-TEST(BandMenu, FitsAnSdrplayReceiverWhole) {
-    for (const BandPreset& preset : band_presets().subspan(1)) {
-        SCOPED_TRACE(preset.text);
-        const BandRange range = band_range(preset.id).value();
-        EXPECT_EQ(coverage_line("sdrplay", range.low_mhz, range.high_mhz).status_class,
-                  StatusClass::none);
-    }
-}
-
 TEST(BandMenu, IsTooWideForAnRtlSdrInEightPlaces) {
     const std::set<std::string> expected = {"80 m to 40 m", "40 m to 20 m", "20 m to 15 m",
                                             "6 m",          "2 m",          "Airband, lower part",
@@ -134,13 +112,12 @@ TEST(BandMenu, IsTooWideForAnRtlSdrInEightPlaces) {
 }
 
 TEST(CoverageLine, FollowsItsTable) {
-    struct CoverageCase {
+    const struct {
         const char* backend;
         double low_mhz;
         double high_mhz;
         StatusLine expected;
-    };
-    const std::vector<CoverageCase> cases = {
+    } cases[] = {
         {"rtl-sdr", 144, 146, fits("Covers 2 MHz of the 2 MHz this receiver can take at once.")},
         {"rtl-sdr", 144, 145.999,
          fits("Covers 2 MHz of the 2 MHz this receiver can take at once.")},
@@ -170,15 +147,10 @@ TEST(CoverageLine, FollowsItsTable) {
         {"sdrplay", 6000, 0, upside_down},
         {"rtl-sdr", 0, 0, upside_down},
     };
-    for (const CoverageCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << c.backend << " " << c.low_mhz << " " << c.high_mhz);
         EXPECT_EQ(coverage_line(c.backend, c.low_mhz, c.high_mhz), c.expected);
     }
-}
-
-TEST(CoverageLine, SpellsAbooveWithTwoOs) {
-    EXPECT_EQ(coverage_line("sdrplay", 7.3, 7).text,
-              "The top of the range must be aboove its bottom.");
 }
 
 TEST(CoverageLine, AcceptsExactlyTheMaximumWhereverItLies) {

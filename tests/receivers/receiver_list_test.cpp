@@ -44,17 +44,16 @@ Receiver shared_receiver(const char* backend, const char* serial) {
 } // namespace
 
 TEST(DefaultRange, FollowsTheBackend) {
-    struct RangeCase {
+    const struct {
         const char* backend;
         double lo;
         double hi;
-    };
-    const std::vector<RangeCase> cases = {
+    } cases[] = {
         {"rtl-sdr", 144'000'000, 146'000'000}, {"rx888", 0, 30'000'000},
         {"sdrplay", 7'000'000, 7'300'000},     {"", 7'000'000, 7'300'000},
         {"RX888", 7'000'000, 7'300'000},
     };
-    for (const RangeCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.backend);
         EXPECT_EQ(default_range(c.backend).lo, c.lo);
         EXPECT_EQ(default_range(c.backend).hi, c.hi);
@@ -79,33 +78,6 @@ TEST(LoadedReceiver, HasWhatTheSettingsSay) {
     EXPECT_EQ(receiver.details_box, nullptr);
 }
 
-TEST(LoadedReceiver, IsCalledAfterItsBackendWithoutAModel) {
-    EXPECT_EQ(from_settings(R"({"backend": "rx888", "serial": "1", "lo": 0, "hi": 1})").model,
-              "rx888");
-    EXPECT_EQ(from_settings(R"({"backend": "rx888", "serial": "1", "lo": 0, "hi": 1, "model": ""})")
-                  .model,
-              "");
-    EXPECT_EQ(
-        from_settings(R"({"backend": "rx888", "serial": "1", "lo": 0, "hi": 1, "model": 5})").model,
-        "");
-}
-
-TEST(LoadedReceiver, IsSharedUnlessTheSettingsSayNo) {
-    EXPECT_TRUE(from_settings(R"({"backend": "a", "serial": "1", "lo": 0, "hi": 1})").enabled);
-    EXPECT_TRUE(
-        from_settings(R"({"backend": "a", "serial": "1", "lo": 0, "hi": 1, "enabled": true})")
-            .enabled);
-    EXPECT_FALSE(
-        from_settings(R"({"backend": "a", "serial": "1", "lo": 0, "hi": 1, "enabled": false})")
-            .enabled);
-}
-
-TEST(LoadedReceiver, IsAvailableWhateverTheSettingsSay) {
-    EXPECT_TRUE(
-        from_settings(R"({"backend": "a", "serial": "1", "lo": 0, "hi": 1, "available": false})")
-            .available);
-}
-
 TEST(LoadedReceiver, ReadsOtherKindsAsEmptyOrZero) {
     const Receiver receiver =
         from_settings(R"({"backend": 1, "serial": null, "lo": "7000000", "hi": true})");
@@ -116,27 +88,25 @@ TEST(LoadedReceiver, ReadsOtherKindsAsEmptyOrZero) {
     EXPECT_EQ(receiver.hi, 0);
 }
 
-TEST(LoadedReceiver, TakesAnyNumber) {
-    const Receiver receiver =
-        from_settings(R"({"backend": "a", "serial": "1", "lo": -5, "hi": 18446744073709551615})");
-    EXPECT_EQ(receiver.lo, -5);
-    EXPECT_EQ(receiver.hi, 18446744073709551615.0);
+TEST(LoadedReceiver, IsSharedAndCalledAfterItsBackendUnlessTheSettingsSayOtherwise) {
+    const Receiver bare = from_settings(
+        R"({"backend": "rx888", "serial": "1", "lo": 0, "hi": 1, "available": false})");
+    EXPECT_EQ(bare.model, "rx888");
+    EXPECT_TRUE(bare.enabled);
+    EXPECT_TRUE(bare.available);
+    EXPECT_EQ(
+        from_settings(R"({"backend": "a", "serial": "", "lo": 0, "hi": 1, "model": ""})").model,
+        "");
 }
 
 TEST(LoadedReceiver, ThrowsOnABrokenElement) {
     const std::vector<std::string> broken = {
         "null",
-        "[]",
-        "5",
-        R"("rx888")",
-        "{}",
         R"({"serial": "1", "lo": 0, "hi": 1})",
         R"({"backend": "a", "lo": 0, "hi": 1})",
         R"({"backend": "a", "serial": "1", "hi": 1})",
         R"({"backend": "a", "serial": "1", "lo": 0})",
         R"({"backend": "a", "serial": "1", "lo": 0, "hi": 1, "enabled": "yes"})",
-        R"({"backend": "a", "serial": "1", "lo": 0, "hi": 1, "enabled": 1})",
-        R"({"backend": "a", "serial": "1", "lo": 0, "hi": 1, "enabled": null})",
     };
     for (const std::string& element : broken) {
         SCOPED_TRACE(element);
@@ -153,20 +123,19 @@ TEST(MergeDevices, AppendsNewReceiversSwitchedOff) {
     EXPECT_EQ(discovery.added, 3u);
     ASSERT_EQ(list.size(), 4u);
     EXPECT_EQ(list[0].serial, "2201");
-    struct NewCase {
+    const struct {
         const char* backend;
         const char* serial;
         const char* model;
         bool available;
         double lo;
         double hi;
-    };
-    const std::vector<NewCase> cases = {
+    } cases[] = {
         {"rtl-sdr", "1", "Blog V4", true, 144'000'000, 146'000'000},
         {"rx888", "2", "RX-888 II", false, 0, 30'000'000},
         {"other", "3", "RSPdx", true, 7'000'000, 7'300'000},
     };
-    for (std::size_t i = 0; i < cases.size(); ++i) {
+    for (std::size_t i = 0; i < std::size(cases); ++i) {
         SCOPED_TRACE(cases[i].backend);
         const Receiver& added = list[i + 1];
         EXPECT_EQ(added.backend, cases[i].backend);
@@ -209,19 +178,13 @@ TEST(MergeDevices, KeepsReceiversThatTheReplyDoesNotMention) {
     EXPECT_FALSE(list[1].available);
 }
 
-TEST(MergeDevices, TellsEqualSerialsOfTwoBackendsApart) {
+TEST(MergeDevices, TellsBackendsAndSerialsApart) {
     std::vector<Receiver> list{shared_receiver("sdrplay", "1")};
     const Discovery discovery =
-        merge(list, "[" + device("rtl-sdr", "1") + "," + device("SDRplay", "1") + "]");
+        merge(list, "[" + device("rtl-sdr", "1") + "," + device("sdrplay", "10") + "]");
     EXPECT_EQ(discovery.added, 2u);
     ASSERT_EQ(list.size(), 3u);
     EXPECT_EQ(list[0].model, "old model");
-}
-
-TEST(MergeDevices, TellsTwoSerialsOfOneBackendApart) {
-    std::vector<Receiver> list{shared_receiver("sdrplay", "1")};
-    EXPECT_EQ(merge(list, "[" + device("sdrplay", "10") + "]").added, 1u);
-    EXPECT_EQ(list.size(), 2u);
 }
 
 TEST(MergeDevices, AddsADeviceThatIsListedTwiceOnce) {
@@ -241,27 +204,14 @@ TEST(MergeDevices, RefreshesTheFirstOfTwoEqualEntries) {
     EXPECT_EQ(list[1].model, "old model");
 }
 
-TEST(MergeDevices, ReadsTextsOfAnotherKindAsEmpty) {
-    std::vector<Receiver> list;
-    merge(list, R"([{"backend": 1, "serial": null, "model": [], "available": true}])");
-    ASSERT_EQ(list.size(), 1u);
-    EXPECT_EQ(list[0].backend, "");
-    EXPECT_EQ(list[0].serial, "");
-    EXPECT_EQ(list[0].model, "");
-}
-
 TEST(MergeDevices, ThrowsAtABrokenElementAndKeepsThoseBeforeIt) {
     const std::vector<std::string> broken = {
         "null",
-        "[]",
-        R"("sdrplay")",
         R"({"serial": "1", "model": "m", "available": true})",
         R"({"backend": "a", "model": "m", "available": true})",
         R"({"backend": "a", "serial": "1", "available": true})",
         R"({"backend": "a", "serial": "1", "model": "m"})",
         R"({"backend": "a", "serial": "1", "model": "m", "available": "yes"})",
-        R"({"backend": "a", "serial": "1", "model": "m", "available": 1})",
-        R"({"backend": "a", "serial": "1", "model": "m", "available": null})",
     };
     for (const std::string& element : broken) {
         SCOPED_TRACE(element);
@@ -273,11 +223,10 @@ TEST(MergeDevices, ThrowsAtABrokenElementAndKeepsThoseBeforeIt) {
 }
 
 TEST(DiscoveryText, CountsWhatWasFoundAndWhatIsNew) {
-    struct TextCase {
+    const struct {
         Discovery discovery;
         const char* expected;
-    };
-    const std::vector<TextCase> cases = {
+    } cases[] = {
         {{0, 0},
          "No receivers found. Is the device plugged in, and for SDRplay, is SDRplay's API "
          "installed?"},
@@ -287,7 +236,7 @@ TEST(DiscoveryText, CountsWhatWasFoundAndWhatIsNew) {
         {{3, 1}, "3 found, 1 new: switch on the ones to share."},
         {{64, 64}, "64 found, 64 new: switch on the ones to share."},
     };
-    for (const TextCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.expected);
         EXPECT_EQ(discovery_text(c.discovery), c.expected);
     }
@@ -331,21 +280,18 @@ TEST(SavedReceivers, HaveTheirMembersInTheServicesOrder) {
 }
 
 TEST(SavedReceivers, HaveWholeHertzAsFloatingPointNumbers) {
-    struct HertzCase {
+    const struct {
         double hz;
         double expected;
-    };
-    const std::vector<HertzCase> cases = {
-        {7'000'000, 7'000'000},
+    } cases[] = {
         {7.3 * 1'000'000, 7'300'000},
         {16.001 * 1'000'000, 16'001'000},
         {0.5, 1},
         {0.4999, 0},
-        {2.5, 3},
         {-2.5, -3},
         {6'000'000'000, 6'000'000'000},
     };
-    for (const HertzCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.hz);
         Receiver receiver = shared_receiver("sdrplay", "1");
         receiver.lo = c.hz;

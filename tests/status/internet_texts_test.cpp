@@ -10,7 +10,6 @@
 #include <cstdint>
 #include <limits>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -71,30 +70,17 @@ TEST(PortInstructions, LeaveOutAnAddressThatIsNotKnown) {
               "this port forwarding or a virtual server.");
 }
 
-TEST(PortInstructions, TakeAnyNumberForAPort) {
-    EXPECT_EQ(port_instructions_markup(std::numeric_limits<std::int32_t>::min(), ""),
-              "On your router, forward TCP port <b>-2147483648</b> to this computer. Router menus "
-              "call this port forwarding or a virtual server.");
-}
-
 TEST(ReachLine, FollowsThePortCheck) {
-    struct PortCase {
+    const struct {
         const char* when;
         StationState state;
         StatusLine expected;
-    };
-    const std::vector<PortCase> cases = {
+    } cases[] = {
         {"not registered",
          in_directory_state("not registered", false),
          {"Once the station is registered, Tarnwave checks the port for you.", StatusClass::none}},
-        {"not registered, though reached",
-         in_directory_state("not registered", true),
-         {"Once the station is registered, Tarnwave checks the port for you.", StatusClass::none}},
         {"the check-in under way",
          in_directory_state("checking in", false),
-         {"Checking…", StatusClass::none}},
-        {"the check-in under way, reached",
-         in_directory_state("checking in", true),
          {"Checking…", StatusClass::none}},
         {"the check-in failed",
          in_directory_state("check-in failed", true),
@@ -107,18 +93,17 @@ TEST(ReachLine, FollowsThePortCheck) {
          {"✗ " + host + " could not reach the station at 203.0.113.7:8073. Check the port forward.",
           StatusClass::error}},
     };
-    for (const PortCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.when);
         EXPECT_EQ(reach_line(c.state), c.expected);
     }
 }
 
 TEST(ReachLine, FollowsTheRelayWhereItIsWanted) {
-    struct RelayCase {
+    const struct {
         const char* relay_state;
         StatusLine expected;
-    };
-    const std::vector<RelayCase> cases = {
+    } cases[] = {
         {"no key", {"Enter the relay key Corvane gave you, then press Save.", StatusClass::none}},
         {"connecting", {"Connecting to the " + host + " relay…", StatusClass::none}},
         {"connected",
@@ -130,59 +115,27 @@ TEST(ReachLine, FollowsTheRelayWhereItIsWanted) {
          {"✗ Cannot reach the relay: unknown key. Trying again.", StatusClass::error}},
         {"off", {"Press Save to connect.", StatusClass::none}},
         {"asleep", {"Press Save to connect.", StatusClass::none}},
-        {"", {"Press Save to connect.", StatusClass::none}},
     };
-    for (const char* directory_state : {"checked in", "checking in", "check-in failed"})
-        for (const RelayCase& c : cases) {
-            SCOPED_TRACE(std::string{directory_state} + ", " + c.relay_state);
-            EXPECT_EQ(reach_line(in_relay_state(directory_state, c.relay_state)), c.expected);
-        }
-}
-
-TEST(ReachLine, AsksForTheRegistrationWhateverTheRelaySays) {
-    struct RelayCase {
-        const char* relay_state;
-        StatusClass expected;
-    };
-    const std::vector<RelayCase> cases = {
-        {"no key", StatusClass::none},       {"connecting", StatusClass::none},
-        {"connected", StatusClass::good},    {"refused", StatusClass::error},
-        {"unreachable", StatusClass::error}, {"off", StatusClass::none},
-        {"asleep", StatusClass::none},
-    };
-    for (const RelayCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.relay_state);
-        const StatusLine expected{
-            "Register the station below: the relay knows stations by their registration.",
-            c.expected};
-        EXPECT_EQ(reach_line(in_relay_state("not registered", c.relay_state)), expected);
+        EXPECT_EQ(reach_line(in_relay_state("checking in", c.relay_state)), c.expected);
+        // The colour stays the relay's.
+        EXPECT_EQ(reach_line(in_relay_state("not registered", c.relay_state)),
+                  (StatusLine{"Register the station below: the relay knows stations by their "
+                              "registration.",
+                              c.expected.status_class}));
     }
-}
-
-TEST(ReachLine, NeverChecksThePortWhereTheRelayIsWanted) {
-    StationState state = in_relay_state("checked in", "off");
-    state.reachable = true;
-    EXPECT_EQ(reach_line(state), (StatusLine{"Press Save to connect.", StatusClass::none}));
-}
-
-TEST(ReachLine, LeavesNothingWhereTheRelayGivesNoReason) {
-    StationState state = in_relay_state("checked in", "refused");
-    state.relay_error = "";
-    EXPECT_EQ(reach_line(state).text, "✗ The relay refused:  Trying again.");
-    state.relay_state = "unreachable";
-    EXPECT_EQ(reach_line(state).text, "✗ Cannot reach the relay:  Trying again.");
 }
 
 TEST(CertificateLine, FollowsItsTable) {
     const UserLocale english{"C.UTF-8"};
     const TimeZone utc{"UTC0"};
-    struct CertificateCase {
+    const struct {
         const char* when;
         const char* https;
         const char* secure_address;
         StatusLine expected;
-    };
-    const std::vector<CertificateCase> cases = {
+    } cases[] = {
         {"active",
          R"({"state": "active", "name": "hilltop.example", "expires": 1804204800})",
          "https://hilltop.example:8073/",
@@ -217,10 +170,6 @@ TEST(CertificateLine, FollowsItsTable) {
          R"({"state": "requesting"})",
          "",
          {"Getting a certificate for the station…", StatusClass::none}},
-        {"requesting, the name of another kind",
-         R"({"state": "requesting", "name": 5})",
-         "",
-         {"Getting a certificate for …", StatusClass::none}},
         {"failed, an older one in use",
          R"({"state": "failed", "name": "hilltop.example", "error": "no answer."})",
          "https://hilltop.example:8073/",
@@ -230,47 +179,29 @@ TEST(CertificateLine, FollowsItsTable) {
          R"({"state": "failed", "error": "no answer."})",
          "",
          {"✗ No certificate yet: no answer. Trying again later.", StatusClass::warning}},
-        {"failed without a reason",
-         R"({"state": "failed"})",
-         "",
-         {"✗ No certificate yet:  Trying again later.", StatusClass::warning}},
         {"nothing known",
          "{}",
          "",
          {"A secure https address comes automatically once " + host + " can reach the station.",
           StatusClass::none}},
-        {"another state",
-         R"({"state": "Active", "name": "hilltop.example"})",
-         "https://hilltop.example:8073/",
-         {"A secure https address comes automatically once " + host + " can reach the station.",
-          StatusClass::none}},
-        {"a state of another kind",
-         R"({"state": true})",
-         "",
-         {"A secure https address comes automatically once " + host + " can reach the station.",
-          StatusClass::none}},
     };
-    for (const CertificateCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.when);
         EXPECT_EQ(certificate(c.https, c.secure_address), c.expected);
     }
 }
 
 TEST(ListingLine, FollowsItsTable) {
-    struct ListingCase {
+    const struct {
         const char* when;
         StationState state;
         StatusLine expected;
-    };
-    const std::vector<ListingCase> cases = {
+    } cases[] = {
         {"listing is switched off",
          unlisted(in_directory_state("checked in", true)),
          {"Not listed: switch on “List this station” to appear.", StatusClass::none}},
         {"listing is switched off and nothing else is there either",
          unlisted(in_directory_state("not registered", false)),
-         {"Not listed: switch on “List this station” to appear.", StatusClass::none}},
-        {"listing is switched off and the check-in failed",
-         unlisted(in_directory_state("check-in failed", false)),
          {"Not listed: switch on “List this station” to appear.", StatusClass::none}},
         {"not registered",
          in_directory_state("not registered", false),
@@ -281,18 +212,9 @@ TEST(ListingLine, FollowsItsTable) {
         {"the check-in failed",
          with_error(in_directory_state("check-in failed", true), "no route to host"),
          {"Cannot reach " + host + ": no route to host", StatusClass::warning}},
-        {"the check-in failed without a reason",
-         in_directory_state("check-in failed", false),
-         {"Cannot reach " + host + ": ", StatusClass::warning}},
         {"reachable and checked in",
          in_directory_state("checked in", true),
          {"✓ Listed at " + host + "/websdr.html.", StatusClass::good}},
-        {"reachable by the relay and checked in",
-         in_relay_state("checked in", "connected"),
-         {"✓ Listed at " + host + "/websdr.html.", StatusClass::good}},
-        {"reachable, the check-in under way",
-         in_directory_state("checking in", true),
-         {"Checking in…", StatusClass::warning}},
         {"the relay is up, the check-in under way",
          in_relay_state("checking in", "connected"),
          {"Checking in…", StatusClass::warning}},
@@ -306,11 +228,8 @@ TEST(ListingLine, FollowsItsTable) {
         {"neither reachable nor checked in",
          in_directory_state("checking in", false),
          {"Checking in…", StatusClass::warning}},
-        {"neither the relay nor the check-in",
-         in_relay_state("checking in", "connecting"),
-         {"Checking in…", StatusClass::warning}},
     };
-    for (const ListingCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.when);
         EXPECT_EQ(listing_line(c.state), c.expected);
     }
@@ -350,8 +269,6 @@ TEST(ExpiryDate, NamesTheMonthInTheUsersLanguage) {
     const TimeZone utc{"UTC0"};
     EXPECT_EQ(expiry_date(1804204800), "5 März 2027");
     EXPECT_EQ(expiry_date(1803772800), "28 Februar 2027");
-    EXPECT_EQ(certificate(R"({"state": "active", "expires": 1804204800})").text,
-              "✓ Secure address:  (certificate renews itself; good until 5 März 2027).");
 }
 
 TEST(ExpiryDate, IsEmptyBeyondTheCalendar) {

@@ -75,11 +75,10 @@ std::string first_private(const std::vector<std::string>& addresses) {
 } // namespace
 
 TEST(LanAddress, IsInOneOfThreeRanges) {
-    struct RangeCase {
+    const struct {
         const char* address;
         bool is_private;
-    };
-    const std::vector<RangeCase> cases = {
+    } cases[] = {
         {"9.255.255.255", false},   {"10.0.0.0", true},         {"10.255.255.255", true},
         {"11.0.0.0", false},        {"172.15.255.255", false},  {"172.16.0.0", true},
         {"172.31.255.255", true},   {"172.32.0.0", false},      {"172.32.0.1", false},
@@ -89,7 +88,7 @@ TEST(LanAddress, IsInOneOfThreeRanges) {
         {"0.0.0.0", false},         {"255.255.255.255", false}, {"1.0.0.10", false},
         {"1.168.168.192", false},
     };
-    for (const RangeCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.address);
         EXPECT_EQ(first_private({c.address}), c.is_private ? c.address : "");
     }

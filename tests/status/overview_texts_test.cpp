@@ -12,7 +12,6 @@
 #include <limits>
 #include <sstream>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -91,123 +90,63 @@ TEST(FailedReceiver, ShowsNoMoreRowsOfALogThanALongLineFills) {
 } // namespace
 
 TEST(HeaderLine, FollowsItsTable) {
-    struct HeaderCase {
+    const StationState listed = listed_station();
+    const std::string on_air = "On the air · 2 receivers · 1 of 20 listening";
+    const struct {
         const char* when;
         StationState state;
-        bool broker;
         StatusLine expected;
-    };
-    const StationState listed = listed_station();
-    const std::vector<HeaderCase> cases = {
-        {"the broker is down",
-         listed,
-         false,
-         {"Off the air: your receiver broker is not running (systemctl --user start "
-          "tarnwave-broker)",
-          StatusClass::error}},
+    } cases[] = {
         {"no receiver runs",
          with_receivers(listed, 0),
-         true,
+         {"Off the air: no receiver is running", StatusClass::error}},
+        {"no receiver runs, and the owner does not want the list",
+         with_receivers(unlisted(listed), 0),
          {"Off the air: no receiver is running", StatusClass::error}},
         {"the owner does not want the list",
          unlisted(listed),
-         true,
-         {"On the air · 2 receivers · 1 of 20 listening · not on the station list",
-          StatusClass::good}},
+         {on_air + " · not on the station list", StatusClass::good}},
+        {"the owner does not want the list, not registered",
+         unlisted(unregistered(listed)),
+         {on_air + " · not on the station list", StatusClass::good}},
+        {"the owner does not want the list, the check-in failed",
+         unlisted(in_directory_state(listed, "check-in failed")),
+         {on_air + " · not on the station list", StatusClass::good}},
         {"not registered",
          unregistered(listed),
-         true,
-         {"On the air · 2 receivers · 1 of 20 listening · not registered for the station list",
-          StatusClass::warning}},
+         {on_air + " · not registered for the station list", StatusClass::warning}},
         {"the check-in failed",
          in_directory_state(listed, "check-in failed"),
-         true,
-         {"On the air · 2 receivers · 1 of 20 listening · cannot reach " + host,
-          StatusClass::warning}},
-        {"reachable and checked in",
-         listed,
-         true,
-         {"On the air · 2 receivers · 1 of 20 listening · listed on " + host, StatusClass::good}},
-        {"reachable by the relay and checked in",
-         with_relay_wanted(listed),
-         true,
-         {"On the air · 2 receivers · 1 of 20 listening · listed on " + host, StatusClass::good}},
+         {on_air + " · cannot reach " + host, StatusClass::warning}},
+        {"the check-in failed, the port not reached",
+         in_directory_state(unreachable(listed), "check-in failed"),
+         {on_air + " · cannot reach " + host, StatusClass::warning}},
+        {"reachable and checked in", listed, {on_air + " · listed on " + host, StatusClass::good}},
         {"reachable, the check-in under way",
          in_directory_state(listed, "checking in"),
-         true,
-         {"On the air · 2 receivers · 1 of 20 listening", StatusClass::good}},
+         {on_air, StatusClass::good}},
         {"checked in, the relay not connected",
          with_relay_wanted(unreachable(listed)),
-         true,
-         {"On the air · 2 receivers · 1 of 20 listening · not connected to the " + host + " relay",
-          StatusClass::warning}},
+         {on_air + " · not connected to the " + host + " relay", StatusClass::warning}},
         {"checked in, the port not reached",
          unreachable(listed),
-         true,
-         {"On the air · 2 receivers · 1 of 20 listening · not reachable from the internet",
-          StatusClass::warning}},
+         {on_air + " · not reachable from the internet", StatusClass::warning}},
         {"not reachable, the check-in under way",
          in_directory_state(unreachable(listed), "checking in"),
-         true,
-         {"On the air · 2 receivers · 1 of 20 listening", StatusClass::good}},
-        {"the relay not connected, the check-in under way",
-         in_directory_state(with_relay_wanted(unreachable(listed)), "checking in"),
-         true,
-         {"On the air · 2 receivers · 1 of 20 listening", StatusClass::good}},
+         {on_air, StatusClass::good}},
+        {"exactly one receiver",
+         with_receivers(unlisted(listed), 1),
+         {"On the air · 1 receiver · 1 of 20 listening · not on the station list",
+          StatusClass::good}},
     };
-    for (const HeaderCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.when);
-        EXPECT_EQ(header_line(c.state, c.broker), c.expected);
-    }
-}
-
-TEST(HeaderLine, ABrokerThatIsDownWinsOverAll) {
-    const StatusLine expected{"Off the air: your receiver broker is not running (systemctl --user "
+        EXPECT_EQ(header_line(c.state, broker_running), c.expected);
+        EXPECT_EQ(header_line(c.state, false),
+                  (StatusLine{"Off the air: your receiver broker is not running (systemctl --user "
                               "start tarnwave-broker)",
-                              StatusClass::error};
-    EXPECT_EQ(header_line(with_receivers(listed_station(), 0), false), expected);
-    EXPECT_EQ(header_line(unlisted(unregistered(listed_station())), false), expected);
-    EXPECT_EQ(header_line(in_directory_state(listed_station(), "check-in failed"), false),
-              expected);
-}
-
-TEST(HeaderLine, NoReceiverWinsOverTheStationList) {
-    const StatusLine expected{"Off the air: no receiver is running", StatusClass::error};
-    EXPECT_EQ(header_line(with_receivers(unlisted(listed_station()), 0), broker_running), expected);
-    EXPECT_EQ(header_line(with_receivers(unregistered(listed_station()), 0), broker_running),
-              expected);
-}
-
-TEST(HeaderLine, AnUnlistedStationIsGoodEvenWhileUnregistered) {
-    const StatusLine expected{
-        "On the air · 2 receivers · 1 of 20 listening · not on the station list",
-        StatusClass::good};
-    EXPECT_EQ(header_line(unlisted(unregistered(listed_station())), broker_running), expected);
-    EXPECT_EQ(header_line(unlisted(in_directory_state(listed_station(), "check-in failed")),
-                          broker_running),
-              expected);
-    EXPECT_EQ(header_line(unlisted(unreachable(listed_station())), broker_running), expected);
-}
-
-TEST(HeaderLine, AFailedCheckInWinsOverTheWayIn) {
-    const StatusLine expected{"On the air · 2 receivers · 1 of 20 listening · cannot reach " + host,
-                              StatusClass::warning};
-    EXPECT_EQ(header_line(in_directory_state(unreachable(listed_station()), "check-in failed"),
-                          broker_running),
-              expected);
-}
-
-TEST(HeaderLine, CountsExactlyOneReceiverInTheSingular) {
-    StationState state = unlisted(listed_station());
-    state.receiver_count = 1;
-    EXPECT_EQ(header_line(state, broker_running).text,
-              "On the air · 1 receiver · 1 of 20 listening · not on the station list");
-    state.receiver_count = 2;
-    EXPECT_EQ(header_line(state, broker_running).text,
-              "On the air · 2 receivers · 1 of 20 listening · not on the station list");
-    state.receiver_count = 21;
-    EXPECT_EQ(header_line(state, broker_running).text,
-              "On the air · 21 receivers · 1 of 20 listening · not on the station list");
+                              StatusClass::error}));
+    }
 }
 
 TEST(HeaderLine, WritesPlainDecimalsInEveryLocale) {
@@ -245,11 +184,10 @@ TEST(Checklist, AsksForTheRelayWhereTheRelayIsWanted) {
 }
 
 TEST(Checklist, NeedsANameOrACallsignAndAGrid) {
-    struct IdentityCase {
+    const struct {
         StationIdentity identity;
         bool done;
-    };
-    const std::vector<IdentityCase> cases = {
+    } cases[] = {
         {{"", "", ""}, false},
         {{"Hilltop", "", ""}, false},
         {{"", "K1ABC", ""}, false},
@@ -260,7 +198,7 @@ TEST(Checklist, NeedsANameOrACallsignAndAGrid) {
         {{"Hilltop", "K1ABC", "EM95"}, true},
         {{"Hilltop", "", "no grid"}, true},
     };
-    for (const IdentityCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.identity.name + "/" + c.identity.callsign + "/" + c.identity.grid);
         EXPECT_EQ(checklist_items(listed_station(), c.identity)[0].done, c.done);
         EXPECT_EQ(checklist_is_done(listed_station(), c.identity), c.done);
@@ -284,6 +222,7 @@ TEST(Checklist, IsDoneWhenAllFiveConditionsAreMet) {
     const StationIdentity identity{"Hilltop", "", "EM95"};
     EXPECT_TRUE(checklist_is_done(listed_station(), identity));
     EXPECT_TRUE(checklist_is_done(with_relay_wanted(listed_station()), identity));
+    EXPECT_TRUE(checklist_is_done(unlisted(listed_station()), identity));
     EXPECT_FALSE(checklist_is_done(listed_station(), {"Hilltop", "", ""}));
     EXPECT_FALSE(checklist_is_done(with_receivers(listed_station(), 0), identity));
     EXPECT_TRUE(checklist_is_done(with_receivers(listed_station(), 1), identity));
@@ -292,10 +231,6 @@ TEST(Checklist, IsDoneWhenAllFiveConditionsAreMet) {
     StationState only_unregistered = listed_station();
     only_unregistered.registered = false;
     EXPECT_FALSE(checklist_is_done(only_unregistered, identity));
-}
-
-TEST(Checklist, DoesNotCareWhetherTheOwnerWantsTheList) {
-    EXPECT_TRUE(checklist_is_done(unlisted(listed_station()), {"Hilltop", "", "EM95"}));
 }
 
 TEST(Checklist, StaysWithFourTicksUntilTheRelaysStationHasCheckedIn) {
@@ -307,20 +242,6 @@ TEST(Checklist, StaysWithFourTicksUntilTheRelaysStationHasCheckedIn) {
     EXPECT_FALSE(checklist_is_done(state, identity));
 }
 
-TEST(Checklist, NamesThePortAsItIs) {
-    StationState state = listed_station();
-    state.port = -1;
-    EXPECT_EQ(checklist_items(state, {})[3].text,
-              "Forward port -1 on your router to this computer");
-}
-
-TEST(ChecklistMarkup, DimsWhatIsDone) {
-    EXPECT_EQ(checklist_item_markup({"Share at least one receiver", false, "receivers"}),
-              "Share at least one receiver");
-    EXPECT_EQ(checklist_item_markup({"Share at least one receiver", true, "receivers"}),
-              "<span foreground=\"#7590A8\">Share at least one receiver</span>");
-}
-
 TEST(ChecklistMarkup, EscapesTheText) {
     EXPECT_EQ(checklist_item_markup({"<a> & b", false, "station"}), "&lt;a&gt; &amp; b");
     EXPECT_EQ(checklist_item_markup({"<a> & b", true, "station"}),
@@ -328,33 +249,24 @@ TEST(ChecklistMarkup, EscapesTheText) {
 }
 
 TEST(Frequency, IsWrittenInMegahertz) {
-    struct FrequencyCase {
+    const struct {
         double hz;
         const char* expected;
-    };
-    const std::vector<FrequencyCase> cases = {
+    } cases[] = {
         {7'074'000, "7.074"},
         {144'000'000, "144"},
         {10'489'750'000, "10489.8"},
         {0, "0"},
         {499, "0"},
         {500, "0.001"},
-        {1'499, "0.001"},
-        {1'500, "0.002"},
-        {2'500, "0.003"},
         {7'074'499, "7.074"},
         {7'074'500, "7.075"},
         {-500, "-0.001"},
-        {-7'300'000, "-7.3"},
-        {100'000'000, "100"},
-        {999'999'499, "999.999"},
         {999'999'500, "1000"},
-        {1'296'200'000, "1296.2"},
         {9'007'199'254'740'992, "9.0072e+09"},
         {std::numeric_limits<double>::infinity(), "inf"},
-        {-std::numeric_limits<double>::infinity(), "-inf"},
     };
-    for (const FrequencyCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.hz);
         EXPECT_EQ(frequency_text(c.hz), c.expected);
     }
@@ -367,14 +279,7 @@ TEST(Frequency, HasADotInEveryLocale) {
 
 TEST(ReceiverOnTheAir, ShowsItsNameInBoldAndItsRange) {
     EXPECT_EQ(receiver_markup("RSPdx", 7'000'000, 7'300'000), "<b>RSPdx</b>   7 – 7.3 MHz");
-    EXPECT_EQ(receiver_markup("RX-888", 0, 30'000'000), "<b>RX-888</b>   0 – 30 MHz");
-}
-
-TEST(ReceiverOnTheAir, HasANameEvenWithoutOne) {
     EXPECT_EQ(receiver_markup("", 0, 30'000'000), "<b>Receiver</b>   0 – 30 MHz");
-}
-
-TEST(ReceiverOnTheAir, ShowsAnyNameLiterally) {
     EXPECT_EQ(receiver_markup("R&D <2>", 0, 30'000'000), "<b>R&amp;D &lt;2&gt;</b>   0 – 30 MHz");
 }
 
@@ -403,30 +308,21 @@ TEST(ListeningTitle, CountsListenersAgainstTheMost) {
 }
 
 TEST(SessionTime, IsMinutesAndSeconds) {
-    struct TimeCase {
+    const struct {
         std::int32_t seconds;
         const char* expected;
-    };
-    const std::vector<TimeCase> cases = {
+    } cases[] = {
         {0, "0:00"},
-        {1, "0:01"},
         {9, "0:09"},
-        {10, "0:10"},
-        {59, "0:59"},
         {60, "1:00"},
         {75, "1:15"},
-        {599, "9:59"},
-        {600, "10:00"},
-        {3599, "59:59"},
-        {3600, "60:00"},
         {3725, "62:05"},
         {-1, "0:-1"},
-        {-60, "-1:00"},
         {-75, "-1:-15"},
         {std::numeric_limits<std::int32_t>::max(), "35791394:07"},
         {std::numeric_limits<std::int32_t>::min(), "-35791394:-8"},
     };
-    for (const TimeCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.seconds);
         EXPECT_EQ(session_time_text(c.seconds), c.expected);
         EXPECT_LE(session_time_text(c.seconds).size(), 15u);
@@ -434,13 +330,12 @@ TEST(SessionTime, IsMinutesAndSeconds) {
 }
 
 TEST(TunedTo, FollowsTheListener) {
-    struct TunedCase {
+    const struct {
         const char* when;
         std::optional<Tuning> tuning;
         bool relayed;
         std::string expected;
-    };
-    const std::vector<TunedCase> cases = {
+    } cases[] = {
         {"listening", Tuning{7'074'000, "USB", true}, false, "7.074 MHz USB"},
         {"watching the waterfall", Tuning{7'074'000, "USB", false}, false,
          "7.074 MHz USB (waterfall only)"},
@@ -453,7 +348,7 @@ TEST(TunedTo, FollowsTheListener) {
         {"any word for the mode, as it stands", Tuning{0, "<b>&", true}, false, "0 MHz <b>&"},
         {"no word for the mode", Tuning{7'000'000, "", true}, false, "7 MHz "},
     };
-    for (const TunedCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.when);
         EXPECT_EQ(tuned_to_text(c.tuning, c.relayed), c.expected);
     }

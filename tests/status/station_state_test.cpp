@@ -61,23 +61,18 @@ TEST(StationState, HasDefaultsForTheLeastDocument) {
 }
 
 TEST(StationState, TellsTheDirectorysStatesApart) {
-    struct DirectoryCase {
+    const struct {
         const char* directory;
         bool registered;
         bool checked_in;
-    };
-    const std::vector<DirectoryCase> cases = {
+    } cases[] = {
         {R"({"state": "not registered"})", false, false},
         {R"({"state": "checked in"})", true, true},
         {R"({"state": "check-in failed"})", true, false},
         {R"({"state": "checking in"})", true, false},
-        {R"({"state": "Not registered"})", true, false},
-        {R"({"state": "checked in "})", true, false},
-        {R"({"state": ""})", true, false},
         {R"({"state": 5})", true, false},
-        {R"({"state": null})", true, false},
     };
-    for (const DirectoryCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.directory);
         const StationState state = with_directory(c.directory);
         EXPECT_EQ(state.registered, c.registered);
@@ -91,14 +86,6 @@ TEST(StationState, KeepsTheDirectorysWords) {
     EXPECT_EQ(state.directory_state, "check-in failed");
     EXPECT_EQ(state.directory_address, "203.0.113.7:8073");
     EXPECT_EQ(state.directory_error, "no answer");
-}
-
-TEST(StationState, ReadsWordsOfAnotherKindAsEmpty) {
-    const StationState state =
-        with_directory(R"({"state": "check-in failed", "address": 5, "error": {"a": "b"}})");
-    EXPECT_EQ(state.directory_address, "");
-    EXPECT_EQ(state.directory_error, "");
-    EXPECT_EQ(state.station_link, "");
 }
 
 TEST(StationState, IsListedUnlessTheOwnerSaysNo) {
@@ -128,26 +115,19 @@ TEST(StationState, WantsTheRelayForABooleanTrueAlone) {
 }
 
 TEST(StationState, TellsTheRelaysStatesApart) {
-    struct RelayCase {
+    const struct {
         const char* relay;
         const char* state;
         bool connected;
-    };
-    const std::vector<RelayCase> cases = {
+    } cases[] = {
         {R"({"state": "off"})", "off", false},
-        {R"({"state": "no key"})", "no key", false},
-        {R"({"state": "connecting"})", "connecting", false},
         {R"({"state": "connected"})", "connected", true},
-        {R"({"state": "refused"})", "refused", false},
-        {R"({"state": "unreachable"})", "unreachable", false},
         {R"({"state": "asleep"})", "asleep", false},
         {R"({})", "off", false},
         {R"({"state": 5})", "", false},
         {R"("connected")", "off", false},
-        {R"(["connected"])", "off", false},
-        {R"(null)", "off", false},
     };
-    for (const RelayCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.relay);
         const StationState state =
             derive("{}", status_with(R"({"relay": )" + std::string{c.relay} + "}"));
@@ -165,16 +145,15 @@ TEST(StationState, KeepsTheRelaysWordsAndNumber) {
 }
 
 TEST(StationState, IsReachableByTheWayThatIsWanted) {
-    struct ReachCase {
+    const char* port = "{}";
+    const char* relay = R"({"relay": {"enabled": true}})";
+    const struct {
         const char* when;
         const char* settings;
         const char* reachable;
         const char* relay;
         bool expected;
-    };
-    const char* port = "{}";
-    const char* relay = R"({"relay": {"enabled": true}})";
-    const std::vector<ReachCase> cases = {
+    } cases[] = {
         {"port wanted, reached", port, "true", "off", true},
         {"port wanted, not reached", port, "false", "off", false},
         {"port wanted, only the relay is up", port, "false", "connected", false},
@@ -182,7 +161,7 @@ TEST(StationState, IsReachableByTheWayThatIsWanted) {
         {"relay wanted, only the port is reached", relay, "true", "connecting", false},
         {"relay wanted, both", relay, "true", "connected", true},
     };
-    for (const ReachCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.when);
         const std::string status = status_with(
             R"({"directory": {"state": "checked in", "reachable": )" + std::string{c.reachable} +
@@ -217,14 +196,8 @@ TEST(StationState, ThrowsWhenARequiredMemberIsMissingOrOfAnotherKind) {
         R"({"directory": {"state": "checked in"}, "receivers": []})",
         R"({"directory": {}, "receivers": [], "listeners": []})",
         status_with(R"({"directory": "checked in"})"),
-        status_with(R"({"directory": ["checked in"]})"),
-        status_with(R"({"directory": null})"),
         status_with(R"({"receivers": {}})"),
-        status_with(R"({"receivers": null})"),
-        status_with(R"({"receivers": 2})"),
         status_with(R"({"listeners": {}})"),
-        status_with(R"({"listeners": null})"),
-        status_with(R"({"listeners": "none"})"),
     };
     for (const std::string& status : broken) {
         SCOPED_TRACE(status);
@@ -233,29 +206,17 @@ TEST(StationState, ThrowsWhenARequiredMemberIsMissingOrOfAnotherKind) {
 }
 
 TEST(StationState, TruncatesAndClampsNumbers) {
-    struct NumberCase {
+    const struct {
         const char* number;
         std::int32_t expected;
-    };
-    const std::vector<NumberCase> cases = {
-        {"20", 20},
+    } cases[] = {
         {"20.9", 20},
         {"-20.9", -20},
-        {"2E1", 20},
-        {"2147483647", 2147483647},
         {"2147483648", 2147483647},
-        {"-2147483648", std::numeric_limits<std::int32_t>::min()},
-        {"-2147483649", std::numeric_limits<std::int32_t>::min()},
-        {"9007199254740992", 2147483647},
-        {"9223372036854775808", 2147483647},
-        {"1e999", 2147483647},
         {"-1e999", std::numeric_limits<std::int32_t>::min()},
         {"\"20\"", 0},
-        {"true", 0},
-        {"null", 0},
-        {"[20]", 0},
     };
-    for (const NumberCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.number);
         const std::string number{c.number};
         const StationState state = derive(
@@ -270,12 +231,11 @@ TEST(StationState, TruncatesAndClampsNumbers) {
 }
 
 TEST(StationState, MakesTheSecureAddressFromNameAndPort) {
-    struct SecureCase {
+    const struct {
         const char* when;
         const char* https;
         const char* expected;
-    };
-    const std::vector<SecureCase> cases = {
+    } cases[] = {
         {"a name", R"({"name": "hilltop.tarnwave.example"})",
          "https://hilltop.tarnwave.example:8073/"},
         {"a name, whatever the state", R"({"name": "hilltop.example", "state": "failed"})",
@@ -283,9 +243,8 @@ TEST(StationState, MakesTheSecureAddressFromNameAndPort) {
         {"no name", R"({"state": "active"})", ""},
         {"a name of another kind reads as empty", R"({"name": 5})", "https://:8073/"},
         {"no object", R"("hilltop.example")", ""},
-        {"null", R"(null)", ""},
     };
-    for (const SecureCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.when);
         const StationState state =
             derive(R"({"network": {"port": 8073}})",
@@ -295,13 +254,12 @@ TEST(StationState, MakesTheSecureAddressFromNameAndPort) {
 }
 
 TEST(StationState, LinksToTheWayThatListenersTake) {
-    struct LinkCase {
+    const struct {
         const char* when;
         bool relay_wanted;
         const char* status;
         const char* expected;
-    };
-    const std::vector<LinkCase> cases = {
+    } cases[] = {
         {"relay wanted and connected", true,
          R"({"relay": {"state": "connected", "url": "https://relay.example/k1abc/"}})",
          "https://relay.example/k1abc/"},
@@ -329,7 +287,7 @@ TEST(StationState, LinksToTheWayThatListenersTake) {
          "http://203.0.113.7:8073/"},
         {"no way in", false, "{}", ""},
     };
-    for (const LinkCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.when);
         const char* settings = c.relay_wanted
                                    ? R"({"network": {"port": 8073}, "relay": {"enabled": true}})"
