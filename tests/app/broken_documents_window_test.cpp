@@ -333,17 +333,4 @@ TEST_F(BrokenDocuments, AnyNumberLeavesTheWindowAliveAndAWholeOneStopsAtItsEnds)
     expect_recovery();
 }
 
-TEST_F(BrokenDocuments, ACertificateWithoutANameMakesNoAddressAndOneWithoutAnEndNoDate) {
-    load(without(state_document(), "status.https.name"));
-    EXPECT_STREQ(gtk_button_get_label(GTK_BUTTON(widgets.station_link)), "http://192.0.2.7:8073/");
-    EXPECT_EQ(text_of(widgets.port_hint_label),
-              "✓ Secure address:  (certificate renews itself; good until 1 January 2027).");
-    load(without(state_document(), "status.https.expires"));
-    EXPECT_EQ(text_of(widgets.port_hint_label),
-              "✓ Secure address: https://k1abc.example:8073/ (certificate renews itself; good "
-              "until ).");
-    load(with(without(state_document(), "status.https.name"), "status.https.state", "requesting"));
-    EXPECT_EQ(text_of(widgets.port_hint_label), "Getting a certificate for the station…");
-}
-
 } // namespace

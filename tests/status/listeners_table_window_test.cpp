@@ -103,31 +103,6 @@ json::value listeners(std::initializer_list<int> numbers, int seconds = 0) {
     return with(state_document(), "status.listeners", std::move(records));
 }
 
-TEST_F(ListenersTable, HasFourColumnsOfWhichTunedToExpands) {
-    const struct {
-        const char* title;
-        bool expands;
-        GType type;
-    } columns[] = {{"#", false, G_TYPE_INT},
-                   {"Address", false, G_TYPE_STRING},
-                   {"Tuned to", true, G_TYPE_STRING},
-                   {"Time", false, G_TYPE_STRING}};
-    ASSERT_EQ(gtk_tree_view_get_n_columns(view()), std::size(columns));
-    ASSERT_EQ(gtk_tree_model_get_n_columns(model()), static_cast<int>(std::size(columns)));
-    for (int i = 0; i < static_cast<int>(std::size(columns)); ++i) {
-        const auto& expected = columns[i];
-        SCOPED_TRACE(expected.title);
-        GtkTreeViewColumn* column = gtk_tree_view_get_column(view(), i);
-        EXPECT_STREQ(gtk_tree_view_column_get_title(column), expected.title);
-        EXPECT_EQ(gtk_tree_view_column_get_expand(column), expected.expands);
-        EXPECT_EQ(gtk_tree_model_get_column_type(model(), i), expected.type);
-    }
-    int height = 0;
-    gtk_widget_get_size_request(widgets.listeners_scroll, nullptr, &height);
-    EXPECT_EQ(height, 150);
-    EXPECT_EQ(gtk_widget_get_parent(widgets.listeners_view), widgets.listeners_scroll);
-}
-
 TEST_F(ListenersTable, ShowsEachListenerInTheOrderOfTheDocument) {
     const std::string relay = "via " + host + " · ";
     const std::pair<const char*, TableRow> cases[] = {

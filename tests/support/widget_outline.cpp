@@ -85,6 +85,23 @@ std::string columns_line(GtkTreeView* table) {
     return line;
 }
 
+std::string text_view_line(GtkTextView* view) {
+    std::string line = "text view";
+    if (gtk_text_view_get_wrap_mode(view) != GTK_WRAP_WORD_CHAR)
+        line += " that breaks no long words";
+    if (gtk_text_view_get_accepts_tab(view))
+        line += " that takes Tab";
+    return line;
+}
+
+std::string scrolled_line(GtkScrolledWindow* scrolled) {
+    GtkPolicyType horizontal = GTK_POLICY_ALWAYS;
+    GtkPolicyType vertical = GTK_POLICY_ALWAYS;
+    gtk_scrolled_window_get_policy(scrolled, &horizontal, &vertical);
+    const bool up_and_down = horizontal == GTK_POLICY_NEVER && vertical == GTK_POLICY_AUTOMATIC;
+    return up_and_down ? "scrolled" : "scrolled every way";
+}
+
 /// The widget itself, without its place; `is_whole` when what is below it does not count.
 std::string kind_line(GtkWidget* widget, bool& is_whole) {
     is_whole = true;
@@ -111,20 +128,21 @@ std::string kind_line(GtkWidget* widget, bool& is_whole) {
     if (GTK_IS_TREE_VIEW(widget))
         return columns_line(GTK_TREE_VIEW(widget));
     if (GTK_IS_TEXT_VIEW(widget))
-        return "text view";
+        return text_view_line(GTK_TEXT_VIEW(widget));
     if (GTK_IS_STACK_SIDEBAR(widget))
         return "sidebar";
     is_whole = false;
     if (GTK_IS_BOX(widget))
         return box_line(widget);
     if (GTK_IS_SCROLLED_WINDOW(widget))
-        return "scrolled";
+        return scrolled_line(GTK_SCROLLED_WINDOW(widget));
     if (GTK_IS_VIEWPORT(widget))
         return "viewport";
     if (GTK_IS_STACK(widget))
         return "stack";
     if (GTK_IS_EXPANDER(widget))
-        return "expander " + quoted(gtk_expander_get_label(GTK_EXPANDER(widget)));
+        return (gtk_expander_get_expanded(GTK_EXPANDER(widget)) ? "open expander " : "expander ") +
+               quoted(gtk_expander_get_label(GTK_EXPANDER(widget)));
     return G_OBJECT_TYPE_NAME(widget);
 }
 
@@ -219,20 +237,31 @@ std::string place_line(GtkWidget* widget) {
     return line;
 }
 
+std::string line_of(GtkWidget* widget, bool& is_whole) {
+    return kind_line(widget, is_whole) + style_line(widget) + place_line(widget) +
+           name_line(widget);
+}
+
 void add_outline(GtkWidget* widget, std::size_t depth, std::string& outline) {
     bool is_whole = false;
-    const std::string kind = kind_line(widget, is_whole);
-    outline.append(depth * 2, ' ')
-        .append(kind)
-        .append(style_line(widget))
-        .append(place_line(widget))
-        .append(name_line(widget))
-        .append("\n");
+    std::string line = line_of(widget, is_whole);
+    std::vector<GtkWidget*> below;
     if (!is_whole && GTK_IS_CONTAINER(widget))
-        for (GtkWidget* child : children_of(widget))
-            if (!GTK_IS_EXPANDER(widget) ||
-                child != gtk_expander_get_label_widget(GTK_EXPANDER(widget)))
-                add_outline(child, depth + 1, outline);
+        below = children_of(widget);
+    if (GTK_IS_EXPANDER(widget))
+        std::erase(below, gtk_expander_get_label_widget(GTK_EXPANDER(widget)));
+    // A row of a card with its label and hint, as add_row makes them, is one line.
+    constexpr std::string_view row = "box horizontal 18 .row";
+    if (line.starts_with(row) &&
+        line_of(below.front(), is_whole) == "box vertical 2 centred expands") {
+        line.replace(0, row.size(), "row");
+        for (GtkWidget* label : children_of(below.front()))
+            line += " | " + line_of(label, is_whole);
+        below.erase(below.begin());
+    }
+    outline.append(depth * 2, ' ').append(line).append("\n");
+    for (GtkWidget* child : below)
+        add_outline(child, depth + 1, outline);
 }
 
 } // namespace
