@@ -73,19 +73,10 @@ TEST_F(ServiceLink, SendsARequestInOnePiece) {
     EXPECT_EQ(service.last_request().body, body);
 }
 
-TEST_F(ServiceLink, SendsAnyBytesOfABodyUnchanged) {
-    std::string body;
-    for (int byte = 0; byte < 256; ++byte)
-        body.push_back(static_cast<char>(byte));
-    service.will_answer("PUT", "/api/settings", 200, "{}");
-    EXPECT_EQ(service_request(HttpMethod::put, "/api/settings", body, 5).status, 200);
-    EXPECT_EQ(service.last_request().body, body);
-}
-
-TEST_F(ServiceLink, SendsALargeBodyWhole) {
+TEST_F(ServiceLink, SendsALargeBodyOfAnyBytesWhole) {
     std::string body(4'000'000, 'x');
     for (std::size_t i = 0; i < body.size(); ++i)
-        body[i] = static_cast<char>('a' + i % 23);
+        body[i] = static_cast<char>(i % 251);
     service.will_answer("PUT", "/api/settings", 200, "{}");
     EXPECT_EQ(service_request(HttpMethod::put, "/api/settings", body, 5).status, 200);
     EXPECT_TRUE(service.last_request().body == body);

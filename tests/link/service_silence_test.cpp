@@ -103,22 +103,6 @@ TEST_F(AbsentService, IsNoAnswerWhenItHangsUpWhileARequestIsSent) {
     expect_no_answer(service_request(HttpMethod::put, "/api/settings", large_body, 5));
 }
 
-TEST_F(AbsentService, AnswersAgainAfterItDiedBetweenAnyTwoRequests) {
-    service.will_answer_state("{}");
-    service.will_answer("PUT", "/api/settings", 200, R"({"restart":false})");
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(get_state().status, 200);
-        service.crash();
-        expect_no_answer(service_request(HttpMethod::put, "/api/settings", "{}", 5));
-        service.start();
-        EXPECT_EQ(service_request(HttpMethod::put, "/api/settings", "{}", 5).status, 200);
-        service.stop();
-        expect_no_answer(get_state());
-        service.start();
-    }
-    EXPECT_EQ(get_state().body, "{}");
-}
-
 TEST_F(SilentService, IsGivenUpAtTheTimeLimitOfAReceive) {
     expect_no_answer(request_while({read_request(), let_time_pass(30s), stay_silent()}, 30));
     EXPECT_EQ(time_outs, TimeOuts{30s});
