@@ -25,9 +25,10 @@ constexpr std::array<const char*, column_count> column_titles = {"#", "Address",
 /// Height of the scrolled window around the table, in pixels.
 constexpr int table_height = 150;
 
-/// Greatest width of a column, in characters: an IPv6 address has 39. What is longer ends in an
-/// ellipsis.
-constexpr glong most_column_characters = 40;
+/// Greatest width of each column, in characters: an IPv6 address has 39. What is longer ends in an
+/// ellipsis. What is tuned to gets the room that is left, so that the time is in sight in a small
+/// window and with large text too.
+constexpr std::array<glong, column_count> most_characters = {12, 40, 20, 12};
 
 /// Room on both sides of a cell's text, in pixels.
 constexpr int cell_padding = 20;
@@ -159,8 +160,8 @@ void widen_columns(const std::vector<ListenerRow>& rows) {
     const int digit_width = width_of_a_digit();
     for (gint column = 0; column < column_count; ++column) {
         GtkTreeViewColumn* view_column = gtk_tree_view_get_column(view(), column);
-        const glong shown =
-            std::min(characters[static_cast<std::size_t>(column)], most_column_characters);
+        const auto at = static_cast<std::size_t>(column);
+        const glong shown = std::min(characters[at], most_characters[at]);
         const int width = static_cast<int>(shown) * digit_width + cell_padding;
         if (width > gtk_tree_view_column_get_min_width(view_column))
             gtk_tree_view_column_set_min_width(view_column, width);

@@ -322,6 +322,19 @@ TEST_F(NewListenersTable, WidensAColumnForItsTextAndNeverNarrowsIt) {
     EXPECT_EQ(width_with(7), widest);
 }
 
+TEST_F(NewListenersTable, KeepsTheTimeInSightWhateverIsTunedTo) {
+    json::object watcher = listener(1);
+    watcher["relayed"] = true;
+    watcher["f"] = 10'489'750'000;
+    watcher["mode"] = "USB";
+    watcher["listening"] = false;
+    load(with(state_document(), "status.listeners", json::array{watcher}));
+    int width = 0;
+    gtk_widget_get_preferred_width(widgets.listeners_view, &width, nullptr);
+    constexpr int width_in_a_window_of_800_pixels = 520;
+    EXPECT_LE(width, width_in_a_window_of_800_pixels);
+}
+
 TEST_F(ListenersTable, KeepsARowOneLineHighWhateverTheAddressHolds) {
     GList* cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(gtk_tree_view_get_column(view(), 1)));
     GtkCellRenderer* address = GTK_CELL_RENDERER(cells->data);
