@@ -18,13 +18,15 @@ GtkCssProvider* add_sheet(const char* sheet) {
     return provider;
 }
 
-/// Adds or removes the styles for high contrast, as the name of the desktop's theme says.
+/// Adds or removes the styles for high contrast, as the name of the theme says.
 void on_theme_changed(GtkSettings* settings, GParamSpec*, gpointer) {
     static GtkCssProvider* added = nullptr;
-    char* name = nullptr;
-    g_object_get(settings, "gtk-theme-name", &name, nullptr);
+    char* of_desktop = nullptr;
+    g_object_get(settings, "gtk-theme-name", &of_desktop, nullptr);
+    const char* of_user = g_getenv("GTK_THEME"); // GTK prefers it to the desktop's
+    const char* name = of_user ? of_user : of_desktop;
     const bool wanted = name && g_str_has_prefix(name, "HighContrast");
-    g_free(name);
+    g_free(of_desktop);
     if (wanted && !added) {
         added = add_sheet(high_contrast_styles);
     } else if (!wanted && added) {

@@ -406,6 +406,15 @@ TEST_F(Theme, HasStrongBordersWhileTheDesktopHasAHighContrastTheme) {
     }
 }
 
+TEST_F(Theme, HasStrongBordersWhenTheEnvironmentAsksForHighContrast) {
+    setenv("GTK_THEME", "HighContrast", 1);
+    g_object_notify(G_OBJECT(gtk_settings_get_default()), "gtk-theme-name");
+    EXPECT_EQ(border(widgets.copy_link_button), "#9FB8CE");
+    unsetenv("GTK_THEME");
+    g_object_notify(G_OBJECT(gtk_settings_get_default()), "gtk-theme-name");
+    EXPECT_EQ(border(widgets.copy_link_button), "#22384D");
+}
+
 TEST_F(Theme, HasTheColoursOfMarkupInItsClasses) {
     const std::string_view sheet{style_sheet};
     const auto has = [&](const char* start, std::string_view colour) {
