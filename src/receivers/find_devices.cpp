@@ -5,7 +5,6 @@
 #include "link/service_link.h"
 #include "receivers/receiver_rows.h"
 #include "ui/widgets/busy.h"
-#include "ui/widgets/pending_events.h"
 #include "ui/widgets/setters.h"
 
 #include <boost/json/value.hpp>
@@ -15,7 +14,7 @@ namespace {
 /// Time limit of the request, in seconds: drivers take their time to look.
 constexpr int discovery_time_limit_s = 30;
 
-void take_in_devices() {
+void show_devices() {
     const ServiceReply reply =
         service_request(HttpMethod::get, "/api/devices", "", discovery_time_limit_s);
     if (reply.status != 200) {
@@ -35,15 +34,9 @@ void take_in_devices() {
 
 void find_devices() {
     const ReadingStep step{"looking for receivers"};
-    // Drawing the progress text runs handlers, and may run this one.
-    static bool looking = false;
-    const OnlyOnce once{looking};
-    if (!once.is_first())
-        return;
     const BusyWith busy{widgets.find_devices_button};
     capture_row_edits();
     set_label_text(widgets.receivers_status, "Looking for receivers…");
-    draw_now();
-    if (widgets.window)
-        take_in_devices();
+    if (busy.draw_progress())
+        show_devices();
 }

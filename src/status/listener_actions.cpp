@@ -53,8 +53,7 @@ void listener_action(bool block) {
 
     const BusyWith busy{block ? widgets.block_button : widgets.end_session_button,
                         listener_is_selected};
-    draw_now();
-    if (!widgets.window)
+    if (!busy.draw_progress())
         return;
     if (block)
         post("/api/ban", {{"address", listener->address}});

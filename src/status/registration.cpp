@@ -9,7 +9,6 @@
 #include "ui/load_form.h"
 #include "ui/save_settings.h"
 #include "ui/widgets/busy.h"
-#include "ui/widgets/pending_events.h"
 #include "ui/widgets/setters.h"
 
 #include <boost/json/serialize.hpp>
@@ -57,7 +56,6 @@ void register_station() {
     if (widgets.dirty && !save_settings())
         return;
     show_footer({"Registering…", StatusClass::none});
-    draw_now();
-    if (widgets.window)
+    if (busy.draw_progress())
         send_registration(email);
 }

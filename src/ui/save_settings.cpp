@@ -7,7 +7,6 @@
 #include "ui/load_form.h"
 #include "ui/settings_body.h"
 #include "ui/widgets/busy.h"
-#include "ui/widgets/pending_events.h"
 #include "ui/widgets/setters.h"
 
 #include <boost/json/serialize.hpp>
@@ -47,14 +46,8 @@ bool form_is_edited() {
 
 bool save_settings() {
     const ReadingStep step{"saving the settings"};
-    // Drawing runs handlers, and may run this one.
-    static bool saving = false;
-    const OnlyOnce once{saving};
-    if (!once.is_first())
-        return false;
     const BusyWith busy{widgets.save_button, form_is_edited};
-    draw_now();
-    if (!widgets.window)
+    if (!busy.draw_progress())
         return false;
     capture_row_edits();
     const json::object body = settings_body(settings_object, form_values(), widgets.receiver_list);

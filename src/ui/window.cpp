@@ -7,7 +7,6 @@
 #include "ui/save_settings.h"
 #include "ui/station_link.h"
 #include "ui/widgets/accessibility.h"
-#include "ui/widgets/busy.h"
 #include "ui/widgets/change_tracking.h"
 #include "ui/widgets/form_widgets.h"
 #include "ui/widgets/page_stack.h"
@@ -89,6 +88,28 @@ GtkWidget* make_footer() {
     return footer;
 }
 
+/// Asks, saves where that is the answer, and returns whether the window stays open.
+bool save_or_stay() {
+    const gint answer =
+        run_dialog({.text = "Save your changes?",
+                    .secondary_text = "Some settings have changed and are not saved yet.",
+                    .buttons = {{"Discard", CloseAnswer::discard},
+                                {"Cancel", GTK_RESPONSE_CANCEL},
+                                {"Save", CloseAnswer::save}},
+                    .default_response = CloseAnswer::save});
+    if (!widgets.window)
+        return false;
+    switch (answer) {
+    case CloseAnswer::save:
+        wait_until_uncovered();
+        return widgets.window && !save_settings();
+    case CloseAnswer::discard:
+        return false;
+    default:
+        return true;
+    }
+}
+
 } // namespace
 
 void build_window() {
@@ -119,27 +140,12 @@ void build_window() {
 bool confirm_close() {
     if (!widgets.dirty)
         return false;
-    // Closing again while the dialog is open must not open another one.
+    // Closing again while the dialog is open, or the form is saved, must not open another one.
     static bool asking = false;
-    const OnlyOnce once{asking};
-    if (!once.is_first())
+    if (asking)
         return true;
-    const gint answer =
-        run_dialog({.text = "Save your changes?",
-                    .secondary_text = "Some settings have changed and are not saved yet.",
-                    .buttons = {{"Discard", CloseAnswer::discard},
-                                {"Cancel", GTK_RESPONSE_CANCEL},
-                                {"Save", CloseAnswer::save}},
-                    .default_response = CloseAnswer::save});
-    if (!widgets.window)
-        return false;
-    switch (answer) {
-    case CloseAnswer::save:
-        wait_until_uncovered();
-        return widgets.window && !save_settings();
-    case CloseAnswer::discard:
-        return false;
-    default:
-        return true;
-    }
+    asking = true;
+    const bool stays_open = save_or_stay();
+    asking = false;
+    return stays_open;
 }

@@ -19,25 +19,14 @@ public:
     BusyWith(const BusyWith&) = delete;
     BusyWith& operator=(const BusyWith&) = delete;
 
-private:
-    struct Restore;
-    Restore* restore_ = nullptr;
-};
-
-/// Tells an action that runs handlers whether one of them has begun it a second time.
-class OnlyOnce {
-public:
-    explicit OnlyOnce(bool& running) : running_{running}, first_{!running} { running_ = true; }
-    ~OnlyOnce() {
-        if (first_)
-            running_ = false;
-    }
-    OnlyOnce(const OnlyOnce&) = delete;
-    OnlyOnce& operator=(const OnlyOnce&) = delete;
-
-    bool is_first() const { return first_; }
+    /// Draws what the action has shown so far. Returns whether the action goes on: not when the
+    /// window was closed meanwhile, nor in the midst of the same action.
+    bool draw_progress() const;
 
 private:
-    bool& running_;
-    bool first_;
+    GtkWidget* button_;
+    bool (*sensitive_again_)();
+    bool first_;           ///< not in the midst of the same action
+    bool focus_was_there_; ///< somewhere in the window
+    bool focus_was_here_;  ///< on the button
 };

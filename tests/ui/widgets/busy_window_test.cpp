@@ -79,18 +79,17 @@ TEST_F(Busy, KeepsThePointerWhenAnActionWithinItIsOver) {
     drain_events();
 }
 
-TEST(OnlyOnceTest, LetsTheFirstInUntilItIsOver) {
-    bool running = false;
+TEST_F(Busy, LetsAnActionThatBeginsInItselfNotGoOn) {
     {
-        const OnlyOnce first{running};
-        EXPECT_TRUE(first.is_first());
-        {
-            const OnlyOnce second{running};
-            EXPECT_FALSE(second.is_first());
-        }
-        EXPECT_TRUE(running);
+        const BusyWith first{widgets.find_devices_button};
+        { EXPECT_FALSE(BusyWith{widgets.find_devices_button}.draw_progress()); }
+        drain_events();
+        EXPECT_FALSE(sensitive()) << "the first is not over";
+        EXPECT_NE(pointer(), nullptr);
+        EXPECT_TRUE(first.draw_progress());
     }
-    EXPECT_FALSE(running);
+    drain_events();
+    EXPECT_TRUE(sensitive());
 }
 
 } // namespace
