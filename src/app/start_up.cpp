@@ -27,8 +27,6 @@
 
 namespace {
 
-constexpr int probe_time_limit_s = 3;
-
 /// Without its ending: by this name a desktop finds it from a window.
 constexpr char desktop_file_name[] = "org.tarnwave.Settings";
 
@@ -90,7 +88,7 @@ void tell_service_is_not_running() {
 /// Asks the service for its state until it answers. Returns nothing when the program has to end.
 std::optional<std::string> probe_service() {
     for (;;) {
-        ServiceReply reply = service_request(HttpMethod::get, "/api/state", "", probe_time_limit_s);
+        ServiceReply reply = service_request(HttpMethod::get, "/api/state", "");
         if (reply.status == 200)
             return std::move(reply.body);
         if (access(settings_socket_path.c_str(), F_OK) != 0) {

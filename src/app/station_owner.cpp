@@ -16,7 +16,6 @@ namespace {
 
 /// How often the service is asked whether it accepts the new owner, and the pause between.
 constexpr int tries = 50;
-constexpr int try_time_limit_s = 3;
 constexpr std::chrono::milliseconds pause{200};
 
 bool user_wants_to_be_owner() {
@@ -44,7 +43,7 @@ bool set_owner() {
 
 bool service_accepts_owner() {
     for (int i = 0; i < tries; ++i) {
-        if (service_request(HttpMethod::get, "/api/state", "", try_time_limit_s).status == 200)
+        if (service_request(HttpMethod::get, "/api/state", "").status == 200)
             return true;
         std::this_thread::sleep_for(pause);
     }

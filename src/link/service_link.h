@@ -16,6 +16,9 @@ extern std::string settings_socket_path;
 /// POST.
 enum class HttpMethod { get, post, put };
 
+/// Time limit of the requests that the service answers at once, in seconds.
+inline constexpr int usual_time_limit_s = 3;
+
 struct ServiceReply {
     int status = 0;     ///< HTTP status code; 0 when no complete reply came
     std::string body{}; ///< after transfer decoding; empty when `status` is 0
@@ -26,4 +29,4 @@ struct ServiceReply {
 /// receive, not the exchange as a whole; the window stands still meanwhile. Never throws: every
 /// failure is a reply of status 0. Not reentrant, and called on the main thread only.
 ServiceReply service_request(HttpMethod method, std::string_view target, std::string_view body,
-                             int time_limit_s);
+                             int time_limit_s = usual_time_limit_s);

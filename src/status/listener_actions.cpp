@@ -15,9 +15,6 @@
 
 namespace {
 
-/// Time limit of each request, in seconds.
-constexpr int action_time_limit_s = 3;
-
 bool user_wants_to_block(const std::string& address) {
     // Enter alone must not shut somebody out.
     const gint answer = run_dialog(
@@ -33,7 +30,7 @@ bool user_wants_to_block(const std::string& address) {
 }
 
 void post(const char* target, const json::object& body) {
-    service_request(HttpMethod::post, target, json::serialize(body), action_time_limit_s);
+    service_request(HttpMethod::post, target, json::serialize(body));
 }
 
 bool listener_is_selected() {

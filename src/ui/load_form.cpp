@@ -17,9 +17,6 @@
 
 namespace {
 
-/// Time limit of the request, in seconds.
-constexpr int load_time_limit_s = 3;
-
 const json::object& required_group(const char* name) {
     return required_object(settings_object, name);
 }
@@ -85,8 +82,7 @@ void show_registration() {
 
 void load_form() {
     const ReadingStep step{"loading the settings"};
-    const ServiceReply reply =
-        service_request(HttpMethod::get, "/api/state", "", load_time_limit_s);
+    const ServiceReply reply = service_request(HttpMethod::get, "/api/state", "");
     if (reply.status != 200)
         return;
     keep_document(reply.body);

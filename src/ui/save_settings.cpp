@@ -14,9 +14,6 @@
 
 namespace {
 
-/// Time limit of the request, in seconds.
-constexpr int save_time_limit_s = 3;
-
 FieldValue value_of(const FieldBinding& field) {
     // GtkSpinButton is a GtkEntry, so test for it first.
     if (GTK_IS_SWITCH(field.widget))
@@ -52,7 +49,7 @@ bool save_settings() {
     capture_row_edits();
     const json::object body = settings_body(settings_object, form_values(), widgets.receiver_list);
     const ServiceReply reply =
-        service_request(HttpMethod::put, "/api/settings", json::serialize(body), save_time_limit_s);
+        service_request(HttpMethod::put, "/api/settings", json::serialize(body));
     if (reply.status == 0) {
         show_footer_error("Not saved: the Tarnwave service did not answer.");
         return false;
