@@ -52,11 +52,11 @@ std::string receiver_markup(std::string_view device, double lo_hz, double hi_hz)
 /// Who runs a receiver on the air.
 const char* receiver_origin(bool attached);
 
-/// A receiver that was started and failed, with its log: of a very long one the end.
 /// The end of a receiver's log: at most 8 KiB, and no more rows than that fills without a line
 /// feed, so that a log makes no page longer than three screens.
 std::string end_of_log(std::string_view log);
 
+/// A receiver that was started and failed, with the end of its log.
 std::string failed_receiver_markup(std::string_view serial, std::string_view log);
 
 /// "Listening now · 3 of 20".

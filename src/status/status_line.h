@@ -2,7 +2,6 @@
 // A sentence about the station's condition and the colour it carries.
 #pragma once
 
-#include <ostream>
 #include <string>
 
 /// The style class of a status label: green, amber, red, or the label's own colour.
@@ -14,9 +13,3 @@ struct StatusLine {
 
     bool operator==(const StatusLine&) const = default;
 };
-
-/// For failure messages of tests.
-inline std::ostream& operator<<(std::ostream& out, const StatusLine& line) {
-    constexpr const char* names[] = {"none", "good", "warning", "error"};
-    return out << '"' << line.text << "\" (" << names[static_cast<int>(line.status_class)] << ')';
-}

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "receivers/coverage.h"
 
+#include "support/status_line_printer.h"
 #include "support/user_locale.h"
 
 #include <gtest/gtest.h>

@@ -2,6 +2,7 @@
 #include "status/internet_texts.h"
 
 #include "link/build_constants.h"
+#include "support/status_line_printer.h"
 #include "support/user_locale.h"
 
 #include <boost/json.hpp>

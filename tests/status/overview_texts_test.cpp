@@ -2,6 +2,7 @@
 #include "status/overview_texts.h"
 
 #include "link/text.h"
+#include "support/status_line_printer.h"
 
 #include "link/build_constants.h"
 #include "support/user_locale.h"
