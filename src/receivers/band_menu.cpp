@@ -2,6 +2,7 @@
 #include "receivers/band_menu.h"
 
 #include "receivers/coverage.h"
+#include "ui/widgets/signals.h"
 #include "ui/widgets/spin_buttons.h"
 #include "ui/widgets/widget_record.h"
 
@@ -12,12 +13,8 @@ namespace {
 /// Least width of the menu, in characters.
 constexpr int band_menu_chars = 9;
 
-/// Key of the object data in which a menu keeps its receiver's index.
-constexpr char index_key[] = "receiver";
-
-void set_range_to_band(GtkComboBox* menu) {
-    const std::size_t index = GPOINTER_TO_SIZE(g_object_get_data(G_OBJECT(menu), index_key));
-    const char* id = gtk_combo_box_get_active_id(menu);
+void set_range_to_band(GtkWidget* menu, std::size_t index) {
+    const char* id = gtk_combo_box_get_active_id(GTK_COMBO_BOX(menu));
     const std::optional<BandRange> range = band_range(id ? id : "");
     if (!range || index >= widgets.receiver_list.size())
         return;
@@ -29,12 +26,8 @@ void set_range_to_band(GtkComboBox* menu) {
     gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver.high_spin), range->high_mhz);
 }
 
-void on_band_changed(GtkComboBox* menu, gpointer) {
-    set_range_to_band(menu);
-}
-
 void on_band_item_activated(GtkMenuItem*, gpointer menu) {
-    set_range_to_band(GTK_COMBO_BOX(menu));
+    g_signal_emit_by_name(menu, "changed");
 }
 
 /// GtkComboBox emits no "changed" for the item that is active already, but its menu items emit
@@ -68,8 +61,7 @@ GtkWidget* make_band_menu(std::size_t index) {
     g_object_set(cells->data, "ellipsize", PANGO_ELLIPSIZE_END, "width-chars", band_menu_chars,
                  nullptr);
     g_list_free(cells);
-    g_object_set_data(G_OBJECT(menu), index_key, GSIZE_TO_POINTER(index));
-    g_signal_connect(menu, "changed", G_CALLBACK(on_band_changed), nullptr);
+    call_at_signal(menu, "changed", [menu, index] { set_range_to_band(menu, index); });
     g_signal_connect(menu, "notify::popup-shown", G_CALLBACK(on_band_list_shown), nullptr);
     let_wheel_pass(menu);
     return menu;
