@@ -98,4 +98,4 @@ struct WidgetRecord {
     std::vector<Receiver> receiver_list{};
 };
 
-extern WidgetRecord widgets;
+inline WidgetRecord widgets;

@@ -1,4 +1,0 @@
-// SPDX-License-Identifier: MIT
-#include "ui/widgets/widget_record.h"
-
-WidgetRecord widgets;
