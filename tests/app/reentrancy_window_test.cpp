@@ -48,6 +48,18 @@ void press_linger_switch() {
     set_linger();
 }
 
+/// Loads the form so that each of the actions could begin.
+void make_ready() {
+    load_form();
+    type_into(widgets.register_email, "ann@hilltop.example");
+    gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(widgets.understand_check), TRUE);
+    GtkTreePath* first = gtk_tree_path_new_first();
+    gtk_tree_selection_select_path(
+        gtk_tree_view_get_selection(GTK_TREE_VIEW(widgets.listeners_view)), first);
+    gtk_tree_path_free(first);
+    drain_events();
+}
+
 class Reentrancy : public WindowTest {
 protected:
     Reentrancy() {
@@ -62,14 +74,8 @@ protected:
     ~Reentrancy() override { drain_events(); }
 
     void begin() {
-        load(state_document());
-        type_into(widgets.register_email, "ann@hilltop.example");
-        gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(widgets.understand_check), TRUE);
-        GtkTreePath* first = gtk_tree_path_new_first();
-        gtk_tree_selection_select_path(
-            gtk_tree_view_get_selection(GTK_TREE_VIEW(widgets.listeners_view)), first);
-        gtk_tree_path_free(first);
-        drain_events();
+        service.will_answer_state(json::serialize(state_document()));
+        make_ready();
         service.forget_requests();
     }
 
@@ -154,6 +160,37 @@ TEST_F(Reentrancy, EveryActionMayBeginInTheMiddleOfEveryOther) {
         }
     }
 }
+
+class WindowClosedMeanwhile : public FreshWindowTest, public testing::WithParamInterface<Action> {};
+
+TEST_P(WindowClosedMeanwhile, SendsNothing) {
+    service.will_answer_state(json::serialize(state_document()));
+    make_ready();
+    service.forget_requests();
+    const auto close = [] { gtk_widget_destroy(widgets.window); };
+    if (GetParam().asks)
+        answer_next_dialog(GetParam().answer, close);
+    else
+        run_when_loop_turns(close);
+    GetParam().run();
+    EXPECT_EQ(widgets.window, nullptr);
+    EXPECT_TRUE(service.requests().empty());
+}
+
+void close_edited() {
+    type_into("station.name", "Edited");
+    EXPECT_FALSE(confirm_close());
+}
+
+constexpr int answer_save = 2;
+
+INSTANTIATE_TEST_SUITE_P(
+    Every, WindowClosedMeanwhile,
+    testing::Values(Action{"Discovery", find_devices}, Action{"Registration", register_station},
+                    Action{"EndOfASession", end_session}, Action{"Block", block_listener, {}, true},
+                    Action{"Save", [] { EXPECT_FALSE(save_settings()); }},
+                    Action{"CloseAndSave", close_edited, {}, true, true, answer_save}),
+    [](const auto& action) { return std::string{action.param.name}; });
 
 TEST_F(Reentrancy, ASaveInTheMiddleOfADiscoveryKeepsBoth) {
     begin();

@@ -120,14 +120,6 @@ TEST_F(FindDevices, KeepsEditsMadeWhileItLooks) {
     EXPECT_EQ(shown(receiver(1).high_spin), 145.5);
 }
 
-TEST_F(FindDevices, MarksNothingAsEdited) {
-    find({device("rtl-sdr", "new", "Dongle", true)});
-    EXPECT_FALSE(widgets.dirty);
-    EXPECT_FALSE(gtk_widget_get_sensitive(widgets.save_button));
-    gtk_switch_set_active(GTK_SWITCH(receiver(2).share_switch), TRUE);
-    EXPECT_TRUE(widgets.dirty);
-}
-
 TEST_F(FindDevices, ShowsThatItLooksBeforeTheRequestIsSent) {
     static std::atomic<bool> drawn;
     drawn = false;
@@ -145,21 +137,6 @@ TEST_F(FindDevices, ShowsThatItLooksBeforeTheRequestIsSent) {
     EXPECT_TRUE(drawn_before_request);
 }
 
-TEST_F(FindDevices, BeginsOnlyOnceHoweverOftenItIsPressed) {
-    const auto press = +[](gpointer) -> gboolean {
-        find_devices();
-        return G_SOURCE_REMOVE;
-    };
-    g_idle_add_full(G_PRIORITY_HIGH, press, nullptr, nullptr);
-    g_idle_add_full(G_PRIORITY_HIGH, press, nullptr, nullptr);
-    find({rspdx});
-    EXPECT_EQ(service.requests("GET", "/api/devices").size(), 1U);
-    EXPECT_EQ(status(), "1 found.");
-    drain_events();
-    find_devices();
-    EXPECT_EQ(service.requests("GET", "/api/devices").size(), 2U);
-}
-
 TEST_F(FindDevices, GreysItsButtonMeanwhile) {
     static bool sensitive;
     sensitive = true;
@@ -173,19 +150,6 @@ TEST_F(FindDevices, GreysItsButtonMeanwhile) {
     EXPECT_FALSE(sensitive);
     drain_events();
     EXPECT_TRUE(gtk_widget_get_sensitive(widgets.find_devices_button));
-}
-
-using FindDevicesInAWindowOfItsOwn = FreshWindowTest;
-
-TEST_F(FindDevicesInAWindowOfItsOwn, SendsNothingWhenTheWindowIsClosedWhileItDraws) {
-    const auto close = +[](gpointer) -> gboolean {
-        gtk_widget_destroy(widgets.window);
-        return G_SOURCE_REMOVE;
-    };
-    g_idle_add_full(G_PRIORITY_HIGH, close, nullptr, nullptr);
-    find_devices();
-    EXPECT_EQ(widgets.window, nullptr);
-    EXPECT_TRUE(service.requests().empty());
 }
 
 } // namespace

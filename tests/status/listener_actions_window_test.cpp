@@ -84,12 +84,6 @@ TEST_F(ListenerActions, SendNothingWhenTheQuestionIsNotAnsweredWithOk) {
         EXPECT_EQ(footer(), "As it was.|");
         EXPECT_TRUE(gtk_widget_get_sensitive(widgets.block_button));
     }
-    handle_next_dialog([](GtkDialog* dialog) { press_key(GTK_WIDGET(dialog), GDK_KEY_Escape); });
-    listener_action(true);
-    EXPECT_TRUE(service.requests().empty());
-    handle_next_dialog([](GtkDialog* dialog) { press_key(GTK_WIDGET(dialog), GDK_KEY_Return); });
-    listener_action(true);
-    EXPECT_TRUE(service.requests().empty());
 }
 
 TEST_F(ListenerActions, BanFirstAndEndTheSessionThen) {
@@ -204,28 +198,6 @@ TEST_F(ListenerActions, LoseNoPressOnTheOtherButtonMeanwhile) {
     EXPECT_TRUE(gtk_widget_get_sensitive(widgets.block_button));
     drain_events();
     EXPECT_TRUE(gtk_widget_get_sensitive(widgets.end_session_button));
-}
-
-using ListenerActionsInAWindowOfItsOwn = FreshWindowTest;
-
-TEST_F(ListenerActionsInAWindowOfItsOwn, SendNothingWhenTheWindowIsClosedMeanwhile) {
-    gtk_list_store_insert_with_values(widgets.listeners_store, nullptr, -1, 0, 5, 1, "192.0.2.5",
-                                      -1);
-    select_listener(0);
-    run_when_loop_turns([] { gtk_widget_destroy(widgets.window); });
-    listener_action(false); // draws
-    EXPECT_EQ(widgets.window, nullptr);
-    EXPECT_TRUE(service.requests().empty());
-}
-
-TEST_F(ListenerActionsInAWindowOfItsOwn, SendNothingWhenTheWindowIsClosedDuringTheQuestion) {
-    gtk_list_store_insert_with_values(widgets.listeners_store, nullptr, -1, 0, 5, 1, "192.0.2.5",
-                                      -1);
-    select_listener(0);
-    answer_next_dialog(GTK_RESPONSE_OK, [] { gtk_widget_destroy(widgets.window); });
-    listener_action(true);
-    EXPECT_EQ(widgets.window, nullptr);
-    EXPECT_TRUE(service.requests().empty());
 }
 
 } // namespace

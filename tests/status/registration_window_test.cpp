@@ -4,7 +4,6 @@
 #include "link/build_constants.h"
 #include "link/json_access.h"
 #include "support/window_fixture.h"
-#include "ui/widgets/change_tracking.h"
 #include "ui/widgets/setters.h"
 
 #include <atomic>
@@ -156,21 +155,6 @@ TEST_F(Registration, ShowsThatItIsUnderWayBeforeTheRequestIsSent) {
     EXPECT_TRUE(drawn_before_request);
 }
 
-TEST_F(Registration, BeginsOnlyOnceHoweverOftenEnterIsPressed) {
-    static int presses;
-    presses = 0;
-    const auto press_enter = +[](gpointer) -> gboolean {
-        ++presses;
-        gtk_widget_activate(widgets.register_email);
-        return presses < 3 ? G_SOURCE_CONTINUE : G_SOURCE_REMOVE;
-    };
-    g_idle_add_full(G_PRIORITY_HIGH, press_enter, nullptr, nullptr);
-    gtk_widget_activate(widgets.register_email);
-    EXPECT_EQ(presses, 3);
-    EXPECT_EQ(service.requests("POST", "/api/register").size(), 1U);
-    EXPECT_EQ(footer(), registered);
-}
-
 TEST_F(Registration, IgnoresAnEnterThatWasPressedWhileItRan) {
     service.will_answer("POST", "/api/register", 409, R"({"error":"Not now."})");
     gtk_widget_activate(widgets.register_email);
@@ -198,18 +182,6 @@ TEST_F(Registration, CanBePressedAgainAfterARefusal) {
     click(widgets.register_button);
     EXPECT_EQ(footer(), registered);
     EXPECT_EQ(service.requests("POST", "/api/register").size(), 2U);
-}
-
-using RegistrationInAWindowOfItsOwn = FreshWindowTest;
-
-TEST_F(RegistrationInAWindowOfItsOwn, SendsNothingWhenTheWindowIsClosedWhileItDraws) {
-    gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(widgets.understand_check), TRUE);
-    type_into(widgets.register_email, "ann@hilltop.example");
-    mark_clean();
-    run_when_loop_turns([] { gtk_widget_destroy(widgets.window); });
-    register_station();
-    EXPECT_EQ(widgets.window, nullptr);
-    EXPECT_TRUE(service.requests().empty());
 }
 
 } // namespace

@@ -12,12 +12,6 @@ protected:
     static std::string entry_text(std::string_view key) {
         return gtk_entry_get_text(GTK_ENTRY(field(key)));
     }
-    static bool switch_state(std::string_view key) {
-        return gtk_switch_get_active(GTK_SWITCH(field(key)));
-    }
-    static double number(std::string_view key) {
-        return gtk_spin_button_get_value(GTK_SPIN_BUTTON(field(key)));
-    }
     static std::vector<bool> pressed_modes() {
         std::vector<bool> pressed;
         for (GtkWidget* button : widgets.mode_buttons)
@@ -72,20 +66,6 @@ TEST_F(LoadForm, ShowsWhatIsNoBoundField) {
     EXPECT_EQ(pressed_modes(), (std::vector<bool>{true, true, true, true, false}));
 }
 
-TEST_F(LoadForm, KeepsBothPartsOfTheDocument) {
-    const json::value document = state_document();
-    load(document);
-    EXPECT_EQ(settings_object, document.at("settings").as_object());
-    EXPECT_EQ(status_object, document.at("status").as_object());
-}
-
-TEST_F(LoadForm, DrawsTheState) {
-    load(state_document());
-    EXPECT_EQ(status_class_of(widgets.header_dot), "good");
-    EXPECT_NE(text_of(widgets.header_status), "Connecting to the Tarnwave service…");
-    EXPECT_FALSE(text_of(widgets.port_status_label).empty());
-}
-
 TEST_F(LoadForm, ShowsTheNearestOfWhatAFieldCannotShow) {
     const struct {
         const char* key;
@@ -106,25 +86,6 @@ TEST_F(LoadForm, ShowsTheNearestOfWhatAFieldCannotShow) {
         EXPECT_EQ(entry_text(c.key), c.shown);
         EXPECT_FALSE(widgets.dirty);
     }
-}
-
-TEST_F(LoadForm, LeavesTheWidgetOfAKeyThatWasNotSentAsItIs) {
-    load(state_document());
-    json::value document = state_document();
-    for (const char* key : {"settings.station.name", "settings.listeners.max", "settings.attach",
-                            "settings.relay", "settings.network"})
-        document = without(document, key);
-    type_into("station.name", "Typed");
-    type_into("relay.key", "Typed too");
-    gtk_spin_button_set_value(GTK_SPIN_BUTTON(field("listeners.max")), 12);
-    gtk_switch_set_active(GTK_SWITCH(field("attach")), FALSE);
-    load(document);
-    EXPECT_EQ(entry_text("station.name"), "Typed");
-    EXPECT_EQ(entry_text("relay.key"), "Typed too");
-    EXPECT_EQ(number("listeners.max"), 12);
-    EXPECT_FALSE(switch_state("attach"));
-    EXPECT_EQ(number("network.port"), 8073);
-    EXPECT_FALSE(widgets.dirty);
 }
 
 TEST_F(LoadForm, PressesTheModesOfExactlyThatName) {

@@ -178,19 +178,4 @@ TEST_F(SaveSettings, GreysTheButtonUntilItIsOver) {
     EXPECT_TRUE(gtk_widget_get_sensitive(widgets.save_button));
 }
 
-using SaveSettingsInAWindowOfItsOwn = FreshWindowTest;
-
-TEST_F(SaveSettingsInAWindowOfItsOwn, SendsNothingWhenTheWindowIsClosedWhileItDraws) {
-    load(state_document());
-    service.forget_requests();
-    const auto close = +[](gpointer) -> gboolean {
-        gtk_widget_destroy(widgets.window);
-        return G_SOURCE_REMOVE;
-    };
-    g_idle_add_full(G_PRIORITY_HIGH, close, nullptr, nullptr);
-    EXPECT_FALSE(save_settings());
-    EXPECT_EQ(widgets.window, nullptr);
-    EXPECT_TRUE(service.requests().empty());
-}
-
 } // namespace

@@ -61,16 +61,6 @@ TEST_F(BuildWindow, PutsTheFooterBelow) {
 )");
 }
 
-TEST_F(BuildWindow, StartsClean) {
-    EXPECT_FALSE(widgets.dirty);
-    EXPECT_FALSE(widgets.loading);
-    EXPECT_FALSE(widgets.linger_guard);
-    EXPECT_TRUE(widgets.receiver_list.empty());
-    EXPECT_FALSE(gtk_widget_get_sensitive(widgets.save_button));
-    EXPECT_FALSE(gtk_widget_get_visible(widgets.unsaved_label));
-    EXPECT_EQ(status_class_of(widgets.header_dot), "");
-}
-
 using BuildAnotherWindow = FreshWindowTest;
 
 TEST_F(BuildAnotherWindow, SpeaksToNobody) {
@@ -179,21 +169,6 @@ TEST_F(Closing, StaysOpenWhenTheSaveFails) {
     EXPECT_TRUE(widgets.dirty);
 }
 
-TEST_F(Closing, EnterSaves) {
-    edit();
-    service.will_answer("PUT", "/api/settings", 200, R"({"restart":false})");
-    handle_next_dialog([](GtkDialog* dialog) { press_key(GTK_WIDGET(dialog), GDK_KEY_Return); });
-    EXPECT_TRUE(close_window());
-    EXPECT_EQ(service.requests("PUT", "/api/settings").size(), 1U);
-}
-
-TEST_F(Closing, EscapeStays) {
-    edit();
-    handle_next_dialog([](GtkDialog* dialog) { press_key(GTK_WIDGET(dialog), GDK_KEY_Escape); });
-    EXPECT_FALSE(close_window());
-    EXPECT_TRUE(service.requests().empty());
-}
-
 TEST_F(Closing, AsksOnceThoughItIsClosedAgainMeanwhile) {
     edit();
     answer_next_dialog(GTK_RESPONSE_CANCEL, [] {
@@ -202,13 +177,6 @@ TEST_F(Closing, AsksOnceThoughItIsClosedAgainMeanwhile) {
     });
     EXPECT_FALSE(close_window());
     EXPECT_EQ(dialogs.size(), 1U);
-}
-
-TEST_F(Closing, SavesNothingOnceTheWindowIsGone) {
-    edit();
-    answer_next_dialog(2, [] { gtk_widget_destroy(widgets.window); });
-    EXPECT_FALSE(confirm_close());
-    EXPECT_TRUE(service.requests().empty());
 }
 
 TEST_F(Closing, EndsTheMainLoop) {

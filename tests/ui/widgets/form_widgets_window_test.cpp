@@ -43,13 +43,6 @@ TEST_F(Builders, TitlesLabelsAndHintsAreNoMarkup) {
     EXPECT_NE(find_label(card, "less < more"), nullptr);
 }
 
-TEST_F(Builders, EachCardCountsItsOwnRows) {
-    add_row(add_card(box, nullptr), "One", nullptr, nullptr);
-    GtkWidget* second = add_card(box, nullptr);
-    add_row(second, "Two", nullptr, nullptr);
-    EXPECT_EQ(children_of(second).size(), 1U);
-}
-
 using StatusClasses = Builders;
 
 TEST_F(StatusClasses, LeaveExactlyTheWantedOne) {
