@@ -111,10 +111,10 @@ def read_libraries(build_file):
         r"add_library\((\w+) STATIC\s(.*?)\)", build_file, re.DOTALL)}
 
 
-def expected_libraries(layers, includes, core_layer=1):
+def expected_libraries(layers, includes):
     """The sources of the libraries: up to the layer of the decisions, and above it."""
     sources = [file for file in includes if file.endswith(".cpp") and file != ENTRY_POINT]
-    core = {file for file in sources if layers.get(unit_of(file), 0) <= core_layer}
+    core = {file for file in sources if layers.get(unit_of(file), 0) <= 1}
     return {"settings_core": core, "settings_window": set(sources) - core}
 
 
@@ -171,66 +171,20 @@ class TheChecks(unittest.TestCase):
              "ui/window.h": ["link/json.h"], "ui/window.cpp": ["ui/window.h", "link/json.h"],
              "app/main.cpp": ["ui/window.h", "app/poll.h"]}
 
-    def setUp(self):
-        self.layers = read_layers(self.page)
-
-    def with_include(self, file, included):
-        return {**self.sound, file: self.sound.get(file, []) + [included]}
-
-    def test_read_the_layers(self):
-        self.assertEqual(self.layers,
-                         {"ui/window": 1, "app/poll": 1, "app/main": 1, "link/json": 0})
-
-    def test_refuse_a_name_in_two_layers(self):
-        with self.assertRaises(ValueError):
-            read_layers("```layers\nupper   ui/window\nlower   ui/window\n```\n")
-
-    def test_let_a_sound_tree_pass(self):
-        self.assertEqual(files_not_listed(self.layers, self.sound), [])
-        self.assertEqual(listed_without_file(self.layers, self.sound), [])
-        self.assertEqual(strange_includes(self.layers, self.sound), [])
-        self.assertEqual(includes_of_higher_layers(self.layers, self.sound), [])
-        self.assertIsNone(cycle(self.sound))
-        self.assertEqual(includes_of_app(self.sound), [])
-
-    def test_notice_a_file_that_is_not_listed(self):
-        self.assertEqual(files_not_listed(self.layers, {**self.sound, "ui/new.h": []}),
-                         ["ui/new.h"])
-
-    def test_notice_a_listed_name_without_a_file(self):
-        self.assertEqual(listed_without_file({**self.layers, "ui/gone": 1}, self.sound),
-                         ["ui/gone"])
-
-    def test_notice_an_include_without_its_folder(self):
-        tree = self.with_include("ui/window.cpp", "window.h")
-        self.assertEqual(strange_includes(self.layers, tree), [("ui/window.cpp", "window.h")])
-
-    def test_notice_an_include_of_a_higher_layer(self):
-        tree = self.with_include("link/json.cpp", "ui/window.h")
-        self.assertEqual(includes_of_higher_layers(self.layers, tree),
-                         [("link/json.cpp", "ui/window.h")])
+    def test_notice_each_fault(self):
+        layers = read_layers(self.page)
+        for check, file, included in (
+                (strange_includes, "ui/window.cpp", "window.h"),
+                (includes_of_higher_layers, "link/json.cpp", "ui/window.h")):
+            self.assertEqual(check(layers, self.sound), [])
+            tree = {**self.sound, file: self.sound[file] + [included]}
+            self.assertEqual(check(layers, tree), [(file, included)])
 
     def test_notice_a_cycle_within_a_layer(self):
-        tree = self.with_include("ui/window.cpp", "app/poll.h")
-        tree["app/poll.cpp"] = ["app/poll.h", "ui/window.h"]
-        self.assertEqual(includes_of_higher_layers(self.layers, tree), [])
+        self.assertIsNone(cycle(self.sound))
+        tree = {**self.sound, "ui/window.cpp": ["app/poll.h"], "app/poll.cpp": ["ui/window.h"]}
         self.assertEqual(cycle(tree), ["app/poll", "ui/window", "app/poll"])
-
-    def test_notice_an_include_of_app(self):
-        tree = self.with_include("ui/window.cpp", "app/poll.h")
         self.assertEqual(includes_of_app(tree), [("ui/window.cpp", "app/poll")])
-
-    def test_tell_the_libraries_apart(self):
-        libraries = expected_libraries(self.layers, self.sound, core_layer=0)
-        self.assertEqual(libraries, {"settings_core": {"link/json.cpp"},
-                                     "settings_window": {"ui/window.cpp"}})
-        self.assertEqual(
-            read_libraries("add_library(settings_core STATIC\n  link/json.cpp)\n"
-                           "add_library(settings_window STATIC ui/window.cpp)"), libraries)
-
-    def test_find_the_functions_of_a_drawing(self):
-        page = self.page + "```\nload_form ──► word\n```\n`not_drawn`\n"
-        self.assertEqual(drawn_functions(page), ["load_form"])
 
 
 if __name__ == "__main__":

@@ -235,13 +235,6 @@ class TheChecks(unittest.TestCase):
     def setUp(self):
         self.sentences = sentences(self.code)
 
-    def test_read_the_quotations(self):
-        page = ("Say \"one\ntwo\" | \"three\" | `\"no\"`\n\n> Port **80**\n> here.\n\n"
-                "```\n\"code\"\n```\n")
-        self.assertEqual(quotes(page), ["one two", "three", "Port 80 here."])
-        with self.assertRaises(ValueError):
-            quotes("a \"quotation | that goes on\"")
-
     def test_notice_a_sentence_that_is_not_explained(self):
         page = ["✗ No: …", "found, 1.50 MHz in \"all\"."]
         self.assertEqual(not_explained(page, self.sentences), ["Trying again."])

@@ -6,6 +6,7 @@ Usage: service_api_test.py PROGRAM [unittest arguments], PROGRAM being the simul
 """
 
 import copy
+import functools
 import json
 import os
 import re
@@ -192,16 +193,6 @@ WATCHED = [
 
 
 class Document(unittest.TestCase):
-    def test_every_reference_leads_somewhere(self):
-        def walk(node):
-            if isinstance(node, dict):
-                if "$ref" in node:
-                    resolved(node)
-                    return 1 + sum(walk(value) for value in node.values())
-                return sum(walk(value) for value in node.values())
-            return sum(walk(item) for item in node) if isinstance(node, list) else 0
-        self.assertGreater(walk(API), 50)
-
     def test_every_schema_is_one(self):
         for name, schema in API["components"]["schemas"].items():
             with self.subTest(name):
@@ -253,7 +244,6 @@ class Document(unittest.TestCase):
                       for parameter in operation["parameters"]}
             self.assertEqual(fields, {"Host": "tarnwave", "X-Tarnwave": "1",
                                       "Content-Type": "application/json"}, f"{method} {target}")
-
 
     def test_the_service_of_the_tests_answers_every_request_as_described(self):
         self.assertEqual({f"{method} {target}" for target, method, _ in operations()},
@@ -368,21 +358,15 @@ class Requests(unittest.TestCase):
                 self.assertEqual(faults(schema_named("Refusal"), reply.document()), [])
 
     def test_service_and_description_refuse_the_same_settings(self):
-        def bend(path, value):
-            def apply(settings):
-                target = settings
-                for step in path[:-1]:
-                    target = target[step]
-                target[path[-1]] = value
-            return apply
-
-        def drop(path):
-            def apply(settings):
-                target = settings
-                for step in path[:-1]:
-                    target = target[step]
-                del target[path[-1]]
-            return apply
+        def bend(path, value=None):
+            settings = copy.deepcopy(stored)
+            *way, name = path
+            target = functools.reduce(lambda inner, step: inner[step], way, settings)
+            if value is None:
+                del target[name]
+            else:
+                target[name] = value
+            return settings
 
         schema = schema_named("SettingsToSave")
         with Simulator(PROGRAM, "--speed", "0") as simulator:
@@ -409,16 +393,14 @@ class Requests(unittest.TestCase):
                 ("hi", "7", False), ("colour", "blue", False))]
             cases += [(bend(["directory", "url"], url), good) for url, good in (
                 ("", True), ("http://a.example/", True), ("a.example", False))]
-            cases += [(drop([group, name]), False) for group in stored
+            cases += [(bend([group, name]), False) for group in stored
                       if isinstance(stored[group], dict) for name in stored[group]
                       if (group, name) not in (("station", "timezone"), ("network", "bind"),
                                                ("listeners", "greeting"))]
-            cases += [(drop([name]), False) for name in stored if name != "format"]
-            cases += [(drop(["receivers", 0, name]), False) for name in stored["receivers"][0]]
+            cases += [(bend([name]), False) for name in stored if name != "format"]
+            cases += [(bend(["receivers", 0, name]), False) for name in stored["receivers"][0]]
             self.assertGreater(len(cases), 80)
-            for number, (apply, good) in enumerate(cases):
-                settings = copy.deepcopy(stored)
-                apply(settings)
+            for number, (settings, good) in enumerate(cases):
                 with self.subTest(case=number, settings=settings):
                     self.assertEqual(not faults(schema, settings), good)
                     status = simulator.request("PUT", "/api/settings", settings).status

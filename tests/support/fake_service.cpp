@@ -215,11 +215,6 @@ void FakeService::forget_requests() {
     requests_.clear();
 }
 
-bool FakeService::wait_for_requests(std::size_t count) const {
-    std::unique_lock lock{mutex_};
-    return changed_.wait_for(lock, patience, [&] { return requests_.size() >= count; });
-}
-
 bool FakeService::wait_for_connections(std::size_t count) const {
     std::unique_lock lock{mutex_};
     return changed_.wait_for(lock, patience, [&] { return connections_ >= count; });

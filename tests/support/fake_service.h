@@ -111,9 +111,8 @@ public:
     RecordedRequest last_request() const;
     void forget_requests();
 
-    /// Waits until so many requests are recorded, or so many connections were accepted since the
-    /// service was made. False when that takes more than a minute.
-    bool wait_for_requests(std::size_t count) const;
+    /// Waits until so many connections were accepted since the service was made. False when that
+    /// takes more than a minute.
     bool wait_for_connections(std::size_t count) const;
     /// Waits until the client has hung up in so many `stay_silent` steps. False when a silence
     /// lasted longer than a minute, after which the service itself hangs up.
