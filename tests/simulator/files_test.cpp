@@ -63,12 +63,6 @@ TEST_F(SettingsFile, IsForThisUserOnly) {
               fs::perms::owner_read | fs::perms::owner_write);
 }
 
-TEST_F(SettingsFile, MayBeMissing) {
-    json::object settings{{"kept", true}};
-    EXPECT_EQ(read_settings_file(path("state"), station_in("on-air").settings, settings), "");
-    EXPECT_EQ(settings, (json::object{{"kept", true}}));
-}
-
 TEST_F(SettingsFile, IsRefusedWhenItHoldsSomethingElse) {
     json::object settings;
     write("state", "[]");
@@ -96,12 +90,6 @@ TEST_F(RequestRecordFiles, HoldEachBodyAsItCame) {
     EXPECT_EQ(read("bodies/0001-PUT-settings.json"), "{ }");
     EXPECT_EQ(read("bodies/0002-POST-kick.json"), "5");
     EXPECT_EQ(std::distance(fs::directory_iterator{path("bodies")}, {}), 2);
-}
-
-TEST_F(RequestRecordFiles, AreNoneWithoutAFolder) {
-    RequestRecord record;
-    EXPECT_EQ(record_body(record, request("PUT", "/api/settings", "{}")), "");
-    EXPECT_EQ(record.count, 0);
 }
 
 TEST_F(HandOverFiles, HandTheStationToTheUserTheyName) {

@@ -15,16 +15,6 @@ Options parse(const std::vector<const char*>& arguments) {
 
 } // namespace
 
-TEST(SimulatorOptions, HaveTheirDefaults) {
-    const Options options = parse({"--socket", "/tmp/s"});
-    EXPECT_EQ(options.fault, "");
-    EXPECT_EQ(options.socket, "/tmp/s");
-    EXPECT_EQ(options.scenario->name, "on-air");
-    EXPECT_EQ(options.speed, 1);
-    EXPECT_EQ(options.step_s, 0);
-    EXPECT_EQ(options.delay_ms, -1);
-}
-
 TEST(SimulatorOptions, AreReadInBothSpellings) {
     for (const std::vector<const char*>& arguments :
          {std::vector<const char*>{"--socket=/tmp/s", "--scenario=relay", "--state=/tmp/f",
@@ -56,38 +46,16 @@ TEST(SimulatorOptions, SayWhatIsWrong) {
         {{}, "--socket PATH is needed: see --help."},
         {{"--socket"}, "--socket needs a value."},
         {{"--socket="}, "--socket needs a path."},
-        {{"--soket", "/tmp/s"}, "The option “--soket” is unknown: see --help."},
         {{"overview"}, "The option “overview” is unknown: see --help."},
         {{"--help=yes"}, "The option “--help=yes” is unknown: see --help."},
         {{"--scenario", "nowhere"}, "There is no scenario “nowhere”: see --list-scenarios."},
         {{"--speed", "fast"}, "--speed needs a number from 0 to 10000."},
-        {{"--speed", "-1"}, "--speed needs a number from 0 to 10000."},
         {{"--speed", "10001"}, "--speed needs a number from 0 to 10000."},
-        {{"--speed", "nan"}, "--speed needs a number from 0 to 10000."},
-        {{"--speed", "1x"}, "--speed needs a number from 0 to 10000."},
-        {{"--step", "-1"}, "--step needs a number from 0 to 3600."},
         {{"--step", "3601"}, "--step needs a number from 0 to 3600."},
-        {{"--delay-ms", "-1"}, "--delay-ms needs a whole number from 0 to 600000."},
         {{"--delay-ms", "600001"}, "--delay-ms needs a whole number from 0 to 600000."},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.fault);
         EXPECT_EQ(parse(c.arguments).fault, c.fault);
     }
-}
-
-TEST(SimulatorOptions, NeedNoSocketToPrintSomething) {
-    EXPECT_EQ(parse({"--help"}).fault, "");
-    EXPECT_EQ(parse({"--version"}).fault, "");
-    EXPECT_EQ(parse({"--list-scenarios"}).fault, "");
-}
-
-TEST(SimulatorOptions, ListOneLineForEachScenario) {
-    const std::string text = scenario_list();
-    std::size_t lines = 0;
-    for (const char c : text)
-        lines += c == '\n' ? 1U : 0U;
-    EXPECT_EQ(lines, all_scenarios().size());
-    for (const Scenario& scenario : all_scenarios())
-        EXPECT_NE(text.find("  " + std::string{scenario.name} + "  "), std::string::npos);
 }

@@ -120,16 +120,6 @@ TEST(ReceiverLife, AReceiverWhoseRangeIsUnchangedStaysOnTheAirThroughASave) {
     EXPECT_EQ(station.started[1].progress, StartedReceiver::Progress::on_air);
 }
 
-TEST(ReceiverLife, AReceiverLeftOutOfTheSettingsGoesOffTheAir) {
-    Station station = station_in("on-air");
-    json::object settings = station.settings;
-    settings["receivers"] = json::array{};
-    settings["attach"] = false;
-    replace_settings(station, settings);
-    EXPECT_EQ(status_of(station).at("receivers"), json::array{});
-    EXPECT_EQ(status_of(station).at("started"), json::array{});
-}
-
 TEST(ReceiverLife, NothingIsStartedUntilTheBrokerRuns) {
     Station station = station_in("broker-down");
     advance(station, 100);

@@ -8,18 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
 #include <string>
-
-TEST(Scenarios, EachHasANameOfItsOwnAndADescription) {
-    std::set<std::string_view> names;
-    for (const Scenario& scenario : all_scenarios()) {
-        EXPECT_TRUE(names.insert(scenario.name).second) << scenario.name;
-        EXPECT_FALSE(scenario.description.empty()) << scenario.name;
-        EXPECT_EQ(find_scenario(scenario.name), &scenario);
-    }
-    EXPECT_EQ(find_scenario("nowhere"), nullptr);
-}
 
 TEST(Scenarios, EachBeginsWithSettingsThatCanBeSaved) {
     for (const Scenario& scenario : all_scenarios()) {
@@ -45,25 +34,6 @@ TEST(Scenarios, QuietSendsTheSameBytesForever) {
     advance(station, 3600);
     EXPECT_EQ(json::serialize(state_document(station)), first);
     EXPECT_FALSE(station.listeners.empty());
-}
-
-TEST(Scenarios, OffAirHasABrokerAndNoReceiver) {
-    const Station station = station_in("off-air");
-    EXPECT_EQ(status_of(station).at("broker"), true);
-    EXPECT_EQ(status_of(station).at("receivers"), json::array{});
-    EXPECT_EQ(status_of(station).at("listeners"), json::array{});
-    EXPECT_EQ(status_of(station).at("directory").at("state"), "checked in");
-}
-
-TEST(Scenarios, LongTextsAreAsLongAsTheySay) {
-    const OutsideTexts texts = find_scenario("long-texts")->texts;
-    EXPECT_EQ(texts.save_refusal.size(), 230U);
-    EXPECT_EQ(texts.dongle_serial.size(), 200U);
-    EXPECT_EQ(texts.dongle_serial.find(' '), std::string::npos);
-    EXPECT_EQ(texts.receiver_log.size(), 65'536U);
-    EXPECT_EQ(texts.receiver_log.find(' '), std::string::npos);
-    // 10,000 characters, 400 of which are of two bytes.
-    EXPECT_EQ(texts.station_name.size(), 10'400U);
 }
 
 TEST(Scenarios, LongTextsReachEveryPlaceThatShowsOne) {
