@@ -5,8 +5,11 @@
 #include "link/text.h"
 #include "status/at_scope_end.h"
 #include "status/overview_texts.h"
-#include "status/status_rows.h"
 #include "ui/colours.h"
+#include "ui/widgets/accessibility.h"
+#include "ui/widgets/form_widgets.h"
+#include "ui/widgets/keep_focus.h"
+#include "ui/widgets/page_stack.h"
 #include "ui/widgets/setters.h"
 
 #include <boost/json/value.hpp>
@@ -15,6 +18,73 @@
 #include <vector>
 
 namespace {
+
+/// What a row shows: a mark, a text and at the end an origin or a link button. Empty members leave
+/// their widget out.
+struct RowContent {
+    std::string mark{}; ///< a single character
+    std::string mark_class{};
+    std::string markup{}; ///< the text
+    std::string origin{}; ///< small and plain
+    std::string button{}; ///< label of the link button
+    std::string page{};   ///< page that the button shows
+
+    bool operator==(const RowContent&) const = default;
+};
+
+/// Key of the object data that holds a row's content.
+constexpr char content_key[] = "content";
+
+const RowContent& content_of(gpointer row) {
+    return *static_cast<RowContent*>(g_object_get_data(G_OBJECT(row), content_key));
+}
+
+void delete_content(gpointer content) {
+    delete static_cast<RowContent*>(content);
+}
+
+GtkWidget* make_row(const RowContent& content) {
+    GtkWidget* row = make_box(GTK_ORIENTATION_HORIZONTAL, 10, "row");
+    g_object_set_data_full(G_OBJECT(row), content_key, new RowContent{content}, delete_content);
+    if (!content.mark.empty())
+        pack(row, make_label(content.mark.c_str(), content.mark_class.c_str(), false));
+    GtkWidget* text = make_label(content.markup.c_str(), nullptr);
+    pack(row, text, true);
+    if (!content.origin.empty())
+        pack(row, make_label(escaped_markup(content.origin).c_str(), "small", false));
+    if (!content.button.empty()) {
+        const auto show = [page = content.page] { show_page(page.c_str()); };
+        GtkWidget* button = make_button(content.button.c_str(), show, "link");
+        describe_by_label(button, text);
+        set_focus_name(button, content.page);
+        pack(row, button);
+    }
+    gtk_widget_show_all(row);
+    return row;
+}
+
+/// Shows these rows in a box, and no others. A row whose content stays is kept, so that focus and
+/// half-finished clicks survive; any other is made anew. When the button that has the focus goes,
+/// the focus moves to the button that leads to the same page.
+void show_rows(GtkWidget* box, const std::vector<RowContent>& contents) {
+    const KeepFocus keep_focus{box};
+    GList* const old_rows = gtk_container_get_children(GTK_CONTAINER(box));
+    GList* old_row = old_rows;
+    for (std::size_t i = 0; i < contents.size(); ++i) {
+        gpointer kept = old_row ? old_row->data : nullptr;
+        old_row = old_row ? old_row->next : nullptr;
+        if (kept && content_of(kept) == contents[i])
+            continue;
+        if (kept)
+            gtk_widget_destroy(GTK_WIDGET(kept));
+        GtkWidget* row = make_row(contents[i]);
+        pack(box, row);
+        gtk_box_reorder_child(GTK_BOX(box), row, static_cast<gint>(i));
+    }
+    for (; old_row; old_row = old_row->next)
+        gtk_widget_destroy(GTK_WIDGET(old_row->data));
+    g_list_free(old_rows);
+}
 
 RowContent checklist_row(const ChecklistItem& item) {
     if (item.done)

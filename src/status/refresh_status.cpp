@@ -3,7 +3,12 @@
 
 #include "link/json_access.h"
 #include "link/service_link.h"
-#include "status/render_state.h"
+#include "status/internet_texts.h"
+#include "status/lan_address.h"
+#include "status/listeners_table.h"
+#include "status/overview_page.h"
+#include "status/overview_texts.h"
+#include "ui/widgets/setters.h"
 
 #include <boost/json/value.hpp>
 
@@ -12,6 +17,22 @@ namespace {
 /// Time limit of the request, in seconds. Shorter than elsewhere: the window stands still
 /// meanwhile, at every poll of a service that hangs.
 constexpr int refresh_time_limit_s = 2;
+
+void show_header_line(const StatusLine& line) {
+    set_label_text(widgets.header_status, line.text);
+    set_status_class(widgets.header_dot, line.status_class);
+}
+
+void draw_internet_status(const StationState& state) {
+    set_label_markup(widgets.reachability_label,
+                     port_instructions_markup(state.port, lan_address()));
+    show_status_line(widgets.port_status_label, reach_line(state));
+    const json::value* https = status_object.if_contains("https");
+    const json::object* certificate = https ? https->if_object() : nullptr;
+    show_status_line(widgets.port_hint_label,
+                     certificate_line(certificate ? *certificate : json::object{}, state));
+    show_status_line(widgets.listing_status_label, listing_line(state));
+}
 
 } // namespace
 
@@ -26,4 +47,14 @@ void refresh_status() {
     json::value document = parse_reply(reply.body);
     status_object = std::move(required_object(as_object(document, "the state document"), "status"));
     render_state();
+}
+
+void render_state() {
+    const StationState state = derive_station_state(settings_object, status_object);
+    show_header_line(header_line(state, optional_bool(status_object, "broker", false)));
+    draw_checklist(state);
+    draw_station_link(state);
+    draw_receivers_on_air(state);
+    draw_listeners(state);
+    draw_internet_status(state);
 }

@@ -7,3 +7,9 @@
 /// and the settings object are never touched. Blocks for up to two seconds per read or write.
 /// Throws the JSON library's error when the document breaks the contract.
 void refresh_status();
+
+/// Redraws the header line, the Overview page and the Internet page's status lines from the
+/// settings and the status object, in this order, writing only what differs from what is shown. An
+/// error of the JSON library stops the pass where the document is broken: what was drawn before
+/// stays, the rest keeps its old content.
+void render_state();

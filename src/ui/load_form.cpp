@@ -5,7 +5,7 @@
 #include "link/service_link.h"
 #include "receivers/linger.h"
 #include "receivers/receiver_rows.h"
-#include "status/render_state.h"
+#include "status/refresh_status.h"
 #include "ui/field_checks.h"
 #include "ui/field_rules.h"
 #include "ui/widgets/change_tracking.h"

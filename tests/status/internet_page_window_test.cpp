@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Which label shows which line; the sentences are tried beside the functions that make them.
-#include "status/render_state.h"
+#include "status/refresh_status.h"
 
 #include "link/build_constants.h"
 #include "link/json_access.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "status/render_state.h"
+#include "status/refresh_status.h"
 
 #include "link/build_constants.h"
 #include "link/json_access.h"
