@@ -18,6 +18,20 @@ void save_if_edited() {
         save_settings();
 }
 
+gboolean on_refresh_idle(gpointer source) {
+    *static_cast<guint*>(source) = 0;
+    if (widgets.window)
+        refresh_status();
+    return G_SOURCE_REMOVE;
+}
+
+/// Once for all presses that wait: of a service that hangs, each would take its time limit.
+void refresh_when_idle() {
+    static guint source = 0;
+    if (source == 0)
+        source = g_idle_add(on_refresh_idle, &source);
+}
+
 void close_window() {
     gtk_window_close(GTK_WINDOW(widgets.window));
 }
@@ -41,7 +55,7 @@ struct Shortcut {
 /// Every key of the window, in the order of the overlay.
 constexpr Shortcut shortcuts[] = {
     {"Save changes", "<Primary>s", "", save_if_edited},
-    {"Ask the service for news at once", "F5", "", refresh_status},
+    {"Ask the service for news at once", "F5", "", refresh_when_idle},
     {"Close the window", "<Primary>w <Primary>q", "", close_window},
     {"Show these shortcuts", "<Primary>question", "<Primary><Shift>question", show_shortcuts},
     {"Show a page by its place", nullptr, "", nullptr},

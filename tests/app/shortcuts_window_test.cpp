@@ -123,6 +123,14 @@ TEST_F(Shortcuts, F5AsksForTheStateAtOnce) {
     EXPECT_TRUE(gtk_widget_get_visible(widgets.listeners_empty));
 }
 
+TEST_F(Shortcuts, F5AsksOnceForAllPressesThatWaited) {
+    // Against a service that hangs, the window would stand still for two seconds for each.
+    for (int presses = 0; presses < 3; ++presses)
+        press_key(widgets.window, GDK_KEY_F5, GdkModifierType{});
+    drain_events();
+    EXPECT_EQ(service.requests().size(), 1U);
+}
+
 TEST_F(Shortcuts, ControlQuestionMarkListsThemAll) {
     press(GDK_KEY_question, GdkModifierType(GDK_CONTROL_MASK | GDK_SHIFT_MASK));
     GtkWidget* overlay = nullptr;
