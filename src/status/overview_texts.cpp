@@ -29,6 +29,11 @@ ChecklistItem way_in_item(const StationState& state) {
             state.reachable && state.checked_in, "internet"};
 }
 
+/// Whether the character ends a row. Pango begins a new one at a carriage return by itself, too.
+bool ends_row(std::string_view log, std::size_t at) {
+    return log[at] == '\n' || (log[at] == '\r' && !log.substr(at).starts_with("\r\n"));
+}
+
 } // namespace
 
 StatusLine header_line(const StationState& state, bool broker_running) {
@@ -99,7 +104,7 @@ std::string end_of_log(std::string_view log) {
     std::size_t start = log.size();
     std::size_t column = 0;
     for (std::size_t rows = 1; start > 0; --start) {
-        if (log[start - 1] == '\n' || ++column == row_bytes) {
+        if (ends_row(log, start - 1) || ++column == row_bytes) {
             if (++rows > most_rows)
                 break;
             column = 0;

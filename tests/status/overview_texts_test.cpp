@@ -88,6 +88,17 @@ TEST(FailedReceiver, ShowsNoMoreRowsOfALogThanALongLineFills) {
     EXPECT_EQ(end_of_log("first\na" + folded), "…a" + folded);
 }
 
+TEST(FailedReceiver, CountsTheRowsOfAProgressDisplay) {
+    std::string progress; // each step begins at the start of the row again
+    std::string windows;
+    for (int i = 0; i < 90; ++i) {
+        progress += "\rx";
+        windows += "\r\nx";
+    }
+    EXPECT_EQ(end_of_log("first\ra" + progress), "…a" + progress);
+    EXPECT_EQ(end_of_log("first\r\na" + windows), "…a" + windows);
+}
+
 } // namespace
 
 TEST(HeaderLine, FollowsItsTable) {
