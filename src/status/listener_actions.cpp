@@ -3,6 +3,7 @@
 
 #include "link/json_access.h"
 #include "link/service_link.h"
+#include "link/text.h"
 #include "status/listeners_table.h"
 #include "status/refresh_status.h"
 #include "ui/load_form.h"
@@ -15,10 +16,14 @@
 
 namespace {
 
+/// Longest address that the question shows, in bytes, so that it fits the screen: of a longer text,
+/// which is no address, it shows the start.
+constexpr std::size_t longest_address = 200;
+
 bool user_wants_to_block(const std::string& address) {
     // Enter alone must not shut somebody out.
     const gint answer = run_dialog(
-        {.text = "Block " + address + "?",
+        {.text = "Block " + shortened(address, longest_address) + "?",
          .secondary_text = "Their session ends now and the address cannot listen again. You can "
                            "remove it from the blocked addresses on the Listeners page.",
          .stock_buttons = GTK_BUTTONS_OK_CANCEL,

@@ -192,6 +192,18 @@ TEST_F(ListenerActions, ShowAnAddressAsItIs) {
     EXPECT_EQ(footer(), "Blocked <i>%s&amp;.|good");
 }
 
+TEST_F(ListenerActions, CutAnAddressThatWouldMakeTheQuestionTallerThanTheScreen) {
+    const std::string address(5000, '7');
+    poll(with(state_document(), "status.listeners",
+              json::array{{{"number", 1}, {"address", address}, {"seconds", 1}}}));
+    select_listener(0);
+    answer_next_dialog(GTK_RESPONSE_OK);
+    listener_action(true);
+    EXPECT_EQ(dialogs.at(0).primary, "Block " + std::string(200, '7') + "…?");
+    EXPECT_EQ(json::parse(service.requests("POST", "/api/ban").at(0).body).at("address"),
+              json::value(address));
+}
+
 TEST_F(ListenerActions, LoseNoPressOnTheOtherButtonMeanwhile) {
     click(widgets.end_session_button);
     EXPECT_FALSE(gtk_widget_get_sensitive(widgets.end_session_button));
