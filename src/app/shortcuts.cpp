@@ -36,14 +36,6 @@ void close_window() {
     gtk_window_close(GTK_WINDOW(widgets.window));
 }
 
-void show_next_page() {
-    turn_pages(1);
-}
-
-void show_previous_page() {
-    turn_pages(-1);
-}
-
 /// Accelerators as GTK writes them, with blanks between them.
 struct Shortcut {
     const char* title;
@@ -59,8 +51,8 @@ constexpr Shortcut shortcuts[] = {
     {"Close the window", "<Primary>w <Primary>q", "", close_window},
     {"Show these shortcuts", "<Primary>question", "<Primary><Shift>question", show_shortcuts},
     {"Show a page by its place", nullptr, "", nullptr},
-    {"Next page", "<Primary>Page_Down", "<Primary>KP_Page_Down", show_next_page},
-    {"Previous page", "<Primary>Page_Up", "<Primary>KP_Page_Up", show_previous_page},
+    {"Next page", "<Primary>Page_Down", "<Primary>KP_Page_Down", [] { turn_pages(1); }},
+    {"Previous page", "<Primary>Page_Up", "<Primary>KP_Page_Up", [] { turn_pages(-1); }},
 };
 
 gboolean on_shortcut(GtkAccelGroup*, GObject*, guint, GdkModifierType, gpointer shortcut) {
@@ -85,7 +77,6 @@ void connect_keys(GtkAccelGroup* keys, const std::string& accelerators, GCallbac
     }
 }
 
-/// One row of the overlay.
 GtkWidget* make_overlay_row(const Shortcut& shortcut) {
     const std::string accelerators = shortcut.accelerators
                                          ? shortcut.accelerators

@@ -28,10 +28,9 @@ bool user_wants_to_be_owner() {
          .buttons = {{"Close", GTK_RESPONSE_CLOSE},
                      {"Make me the owner", GTK_RESPONSE_ACCEPT, "primary"}},
          .default_response = GTK_RESPONSE_CLOSE});
-    if (answer != GTK_RESPONSE_ACCEPT)
-        return false;
-    wait_until_uncovered();
-    return true;
+    if (answer == GTK_RESPONSE_ACCEPT)
+        wait_until_uncovered();
+    return answer == GTK_RESPONSE_ACCEPT;
 }
 
 bool set_owner() {

@@ -28,18 +28,13 @@ bool user_wants_to_block(const std::string& address) {
                            "remove it from the blocked addresses on the Listeners page.",
          .stock_buttons = GTK_BUTTONS_OK_CANCEL,
          .default_response = GTK_RESPONSE_CANCEL});
-    if (answer != GTK_RESPONSE_OK)
-        return false;
-    wait_until_uncovered();
-    return true;
+    if (answer == GTK_RESPONSE_OK)
+        wait_until_uncovered();
+    return answer == GTK_RESPONSE_OK;
 }
 
 void post(const char* target, const json::object& body) {
     service_request(HttpMethod::post, target, json::serialize(body));
-}
-
-bool listener_is_selected() {
-    return selected_listener().has_value();
 }
 
 } // namespace
@@ -54,7 +49,7 @@ void listener_action(bool block) {
         return;
 
     const BusyWith busy{block ? widgets.block_button : widgets.end_session_button,
-                        listener_is_selected};
+                        [] { return selected_listener().has_value(); }};
     if (!busy.draw_progress())
         return;
     if (block)

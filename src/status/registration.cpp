@@ -19,7 +19,6 @@ namespace {
 /// Time limit of the request, in seconds: the service asks the station list meanwhile.
 constexpr int registration_time_limit_s = 30;
 
-/// Registers and says what came of it.
 void send_registration(const std::string& email) {
     const ServiceReply reply =
         service_request(HttpMethod::post, "/api/register",

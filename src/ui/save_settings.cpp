@@ -35,15 +35,11 @@ FormValues form_values() {
     return form;
 }
 
-bool form_is_edited() {
-    return widgets.dirty;
-}
-
 } // namespace
 
 bool save_settings() {
     const ReadingStep step{"saving the settings"};
-    const BusyWith busy{widgets.save_button, form_is_edited};
+    const BusyWith busy{widgets.save_button, [] { return widgets.dirty; }};
     if (!busy.draw_progress())
         return false;
     capture_row_edits();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widgets/theme.h"
 
+#include "ui/widgets/signals.h"
 #include "ui/widgets/style_additions.h"
 #include "ui/widgets/style_sheet.h"
 
@@ -19,10 +20,10 @@ GtkCssProvider* add_sheet(const char* sheet) {
 }
 
 /// Adds or removes the styles for high contrast, as the name of the theme says.
-void on_theme_changed(GtkSettings* settings, GParamSpec*, gpointer) {
+void follow_high_contrast() {
     static GtkCssProvider* added = nullptr;
     char* of_desktop = nullptr;
-    g_object_get(settings, "gtk-theme-name", &of_desktop, nullptr);
+    g_object_get(gtk_settings_get_default(), "gtk-theme-name", &of_desktop, nullptr);
     const char* of_user = g_getenv("GTK_THEME"); // GTK prefers it to the desktop's
     const char* name = of_user ? of_user : of_desktop;
     const bool wanted = name && g_str_has_prefix(name, "HighContrast");
@@ -47,7 +48,7 @@ void measure_entries_again(GtkWidget* widget, gpointer) {
 
 /// GTK lays texts out again by itself, but Pango keeps the width of a character in the contexts of
 /// the entries, whose font is the same in pt.
-void on_text_scale_changed(GtkSettings*, GParamSpec*, gpointer) {
+void measure_all_entries_again() {
     GList* windows = gtk_window_list_toplevels();
     for (GList* window = windows; window; window = window->next)
         measure_entries_again(GTK_WIDGET(window->data), nullptr);
@@ -60,7 +61,7 @@ void apply_theme() {
     add_sheet(style_sheet);
     add_sheet(added_styles);
     GtkSettings* settings = gtk_settings_get_default();
-    g_signal_connect(settings, "notify::gtk-theme-name", G_CALLBACK(on_theme_changed), nullptr);
-    on_theme_changed(settings, nullptr, nullptr);
-    g_signal_connect(settings, "notify::gtk-xft-dpi", G_CALLBACK(on_text_scale_changed), nullptr);
+    call_at_signal(settings, "notify::gtk-theme-name", follow_high_contrast);
+    follow_high_contrast();
+    call_at_signal(settings, "notify::gtk-xft-dpi", measure_all_entries_again);
 }
