@@ -53,10 +53,7 @@ void make_ready() {
     load_form();
     type_into(widgets.register_email, "ann@hilltop.example");
     gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(widgets.understand_check), TRUE);
-    GtkTreePath* first = gtk_tree_path_new_first();
-    gtk_tree_selection_select_path(
-        gtk_tree_view_get_selection(GTK_TREE_VIEW(widgets.listeners_view)), first);
-    gtk_tree_path_free(first);
+    select_listener(0);
     drain_events();
 }
 

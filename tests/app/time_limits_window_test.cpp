@@ -19,10 +19,7 @@ protected:
         load(state_document());
         gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(widgets.understand_check), TRUE);
         type_into(widgets.register_email, "ann@hilltop.example");
-        GtkTreePath* first = gtk_tree_path_new_first();
-        gtk_tree_selection_select_path(
-            gtk_tree_view_get_selection(GTK_TREE_VIEW(widgets.listeners_view)), first);
-        gtk_tree_path_free(first);
+        select_listener(0);
     }
     ~TimeLimits() override { drain_events(); }
 

@@ -38,12 +38,6 @@ TEST(ValidUtf8, HasNoZeroCharacters) {
     }
 }
 
-TEST(EscapedMarkup, KeepsPlainText) {
-    EXPECT_EQ(escaped_markup(""), "");
-    EXPECT_EQ(escaped_markup(std::string_view{}), "");
-    EXPECT_EQ(escaped_markup("Hilltop SDR – 40 m"), "Hilltop SDR – 40 m");
-}
-
 TEST(EscapedMarkup, EscapesWhatMarkupWouldRead) {
     EXPECT_EQ(escaped_markup("<b>\"Tom\" & 'Ann'</b>"),
               "&lt;b&gt;&quot;Tom&quot; &amp; &apos;Ann&apos;&lt;/b&gt;");

@@ -11,13 +11,6 @@
 
 namespace {
 
-void select_listener(int index) {
-    GtkTreePath* path = gtk_tree_path_new_from_indices(index, -1);
-    gtk_tree_selection_select_path(
-        gtk_tree_view_get_selection(GTK_TREE_VIEW(widgets.listeners_view)), path);
-    gtk_tree_path_free(path);
-}
-
 class ListenerActions : public WindowTest {
 protected:
     ListenerActions() {

@@ -3,7 +3,6 @@
 
 #include "link/build_constants.h"
 #include "link/json_access.h"
-#include "support/row_parts.h"
 #include "support/window_fixture.h"
 
 namespace {
@@ -57,12 +56,6 @@ std::vector<TableRow> rows() {
         all.push_back({number, cell(&iter, 1), cell(&iter, 2), cell(&iter, 3)});
     }
     return all;
-}
-
-void select_row(int index) {
-    GtkTreePath* path = gtk_tree_path_new_from_indices(index, -1);
-    gtk_tree_selection_select_path(selection(), path);
-    gtk_tree_path_free(path);
 }
 
 void put_cursor_on(int index) {
@@ -145,8 +138,6 @@ TEST_F(ListenersTable, GivesWayToAWordWhenNobodyListens) {
     EXPECT_FALSE(gtk_widget_get_visible(widgets.listeners_scroll));
     EXPECT_TRUE(gtk_widget_get_visible(widgets.listeners_empty));
     EXPECT_EQ(text_of(widgets.listeners_empty), "Nobody is listening right now.");
-    EXPECT_EQ(own_classes_of(widgets.listeners_empty), "muted");
-    EXPECT_EQ(own_classes_of(widgets.listeners_title), "card-title");
     poll(listeners({4}));
     EXPECT_TRUE(gtk_widget_get_visible(widgets.listeners_scroll));
     EXPECT_FALSE(gtk_widget_get_visible(widgets.listeners_empty));
@@ -202,7 +193,7 @@ TEST_F(ListenersTable, KeepsTheSelectionWithItsListener) {
             load(listeners({1, 2, 3}));
             if (cursor >= 0)
                 put_cursor_on(cursor);
-            select_row(1);
+            select_listener(1);
             poll(listeners(c.list, 5));
             EXPECT_EQ(selected_index(), c.selected);
             const bool any = c.selected >= 0;
@@ -220,7 +211,7 @@ TEST_F(ListenersTable, SelectsNobodyByItself) {
 
 TEST_F(ListenersTable, TellsOfNoSelectionThatStaysTheSame) {
     load(listeners({1, 2, 3}));
-    select_row(1);
+    select_listener(1);
     int changes = 0;
     const auto count = +[](GtkTreeSelection*, int* seen) { ++*seen; };
     const gulong handler = g_signal_connect(selection(), "changed", G_CALLBACK(count), &changes);
@@ -260,7 +251,7 @@ TEST_F(ListenersTable, KeepsTheCursorAndItsPlaceOverAPoll) {
 
 TEST_F(ListenersTable, LosesNoClickThatAPollCameInto) {
     load(listeners({1, 2, 3}));
-    select_row(1);
+    select_listener(1);
     ASSERT_TRUE(wait_for_frame_on(widgets.window));
     service.will_answer("POST", "/api/kick", 200, "{}");
     press_mouse(widgets.end_session_button);
@@ -299,7 +290,7 @@ TEST_F(ListenersTable, StopsAtABrokenRecordAndLeavesWhatWasDrawn) {
 
 TEST_F(ListenersTable, KeepsItsSelectionAndItsPlaceWhenABrokenRecordStopsThePass) {
     load(listeners({1, 2, 3}));
-    select_row(0);
+    select_listener(0);
     EXPECT_THROW(poll(with(listeners({1, 2, 3}, 9), "status.listeners.1", 0)), std::exception);
     EXPECT_EQ(rows().size(), 1U);
     EXPECT_EQ(selected_index(), 0);

@@ -3,7 +3,6 @@
 
 #include "link/build_constants.h"
 #include "link/json_access.h"
-#include "support/row_parts.h"
 #include "support/window_fixture.h"
 #include "ui/load_form.h"
 

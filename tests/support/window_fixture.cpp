@@ -375,6 +375,13 @@ void run_when_loop_turns(std::function<void()> function) {
     g_idle_add_full(G_PRIORITY_HIGH, run, new std::function<void()>{std::move(function)}, forget);
 }
 
+void select_listener(int index) {
+    GtkTreePath* path = gtk_tree_path_new_from_indices(index, -1);
+    gtk_tree_selection_select_path(
+        gtk_tree_view_get_selection(GTK_TREE_VIEW(widgets.listeners_view)), path);
+    gtk_tree_path_free(path);
+}
+
 void show_page_at_once(const char* name) {
     gtk_stack_set_visible_child_full(GTK_STACK(widgets.stack), name,
                                      GTK_STACK_TRANSITION_TYPE_NONE);

@@ -96,6 +96,9 @@ void press_key(GtkWidget* window, guint key, GdkModifierType modifiers = GdkModi
 /// Runs a function as soon as the main loop turns, before anything is drawn.
 void run_when_loop_turns(std::function<void()> function);
 
+/// Selects a listener in the table, by its place.
+void select_listener(int index);
+
 /// Shows a page of the stack at once.
 void show_page_at_once(const char* name);
 
