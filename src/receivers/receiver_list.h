@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The receivers that the station knows of, and how lists of them meet.
 //
-// A list keeps the order of first appearance: load order, then discovery order. Who a receiver is
-// are its backend and serial number together, byte for byte.
+// A list keeps the order of first appearance: load order, then discovery order. Backend and serial
+// number identify a receiver, byte for byte.
 #pragma once
 
 #include <boost/json/fwd.hpp>
@@ -53,10 +53,10 @@ struct Discovery {
     std::size_t added = 0;
 };
 
-/// Takes a device reply, `[{"backend": string, "serial": string, "model": string,
+/// Merges a device reply, `[{"backend": string, "serial": string, "model": string,
 /// "available": bool}]`, into `list`: known receivers get the reported model and availability and
 /// keep everything else, unknown ones are appended, not shared, with their default range. Throws
-/// the JSON library's error at the first element that is broken; those before it stay taken in.
+/// the JSON library's error at the first element that is broken; those before it are merged.
 Discovery merge_devices(std::vector<Receiver>& list, const boost::json::array& devices);
 
 /// What to say about a discovery.
