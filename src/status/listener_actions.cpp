@@ -21,6 +21,11 @@ namespace {
 constexpr std::size_t longest_address = 200;
 
 bool user_wants_to_block(const std::string& address) {
+    // A screen reader can press the button behind the question, too.
+    static bool asking = false;
+    if (asking)
+        return false;
+    asking = true;
     // Enter alone must not shut somebody out.
     const gint answer = run_dialog(
         {.text = "Block " + shortened(address, longest_address) + "?",
@@ -28,6 +33,7 @@ bool user_wants_to_block(const std::string& address) {
                            "remove it from the blocked addresses on the Listeners page.",
          .stock_buttons = GTK_BUTTONS_OK_CANCEL,
          .default_response = GTK_RESPONSE_CANCEL});
+    asking = false;
     if (answer == GTK_RESPONSE_OK)
         wait_until_uncovered();
     return answer == GTK_RESPONSE_OK;
