@@ -38,14 +38,6 @@ TEST_F(Shortcuts, ControlSSavesFromWithinAField) {
     EXPECT_EQ(text_of(widgets.footer_status), "Saved.");
 }
 
-TEST_F(Shortcuts, ControlSCountsWhatIsTypedInASpinButton) {
-    show_page_at_once("listeners");
-    gtk_widget_grab_focus(field("listeners.max"));
-    type_into("listeners.max", "12");
-    press(GDK_KEY_s, control);
-    EXPECT_EQ(saved("listeners", "max"), "1.2E1");
-}
-
 TEST_F(Shortcuts, ControlSSendsNothingMoreForAPressWhileItSaves) {
     service.will_answer("PUT", "/api/settings", 409, R"({"error":"The port is taken."})");
     type_into("station.name", "Edited");

@@ -27,10 +27,6 @@ protected:
 
     bool is_on() const { return gtk_switch_get_active(GTK_SWITCH(widgets.linger_switch)); }
 
-    std::string footer() const {
-        return text_of(widgets.footer_status) + "|" + status_class_of(widgets.footer_status);
-    }
-
     std::vector<std::string> changes() const {
         std::vector<std::string> made;
         for (const std::string& call : commands.calls("loginctl"))
@@ -145,16 +141,6 @@ esac)");
     EXPECT_EQ(footer(),
               "Your receivers now stay shared when you log out and after a restart.|good");
     EXPECT_EQ(changes().size(), 1U);
-}
-
-TEST_F(Linger, TakesEveryPressAsOneChange) {
-    for (int i = 1; i <= 4; ++i) {
-        SCOPED_TRACE(i);
-        press();
-        EXPECT_EQ(is_on(), i % 2 == 1);
-        EXPECT_EQ(commands.lingering(), i % 2 == 1);
-        EXPECT_EQ(changes().size(), static_cast<std::size_t>(i));
-    }
 }
 
 } // namespace

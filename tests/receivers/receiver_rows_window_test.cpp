@@ -3,7 +3,6 @@
 
 #include "link/json_access.h"
 #include "receivers/coverage.h"
-#include "support/user_locale.h"
 #include "support/widget_outline.h"
 #include "support/window_fixture.h"
 
@@ -277,19 +276,6 @@ TEST_F(ReceiverRows, GreyTheFrequenciesOfAReceiverThatIsOff) {
     EXPECT_FALSE(gtk_widget_get_sensitive(receiver().details_box));
 }
 
-TEST_F(ReceiverRows, AreCapturedWithSwitchAndRange) {
-    load(state_document());
-    set_range(14.001, 14.35);
-    gtk_switch_set_active(GTK_SWITCH(receiver().share_switch), FALSE);
-    capture_row_edits();
-    EXPECT_FALSE(receiver(0).enabled);
-    EXPECT_DOUBLE_EQ(receiver(0).lo, 14.001e6);
-    EXPECT_DOUBLE_EQ(receiver(0).hi, 14.35e6);
-    EXPECT_TRUE(receiver(1).enabled);
-    EXPECT_EQ(receiver(1).lo, 144e6);
-    EXPECT_EQ(receiver(1).hi, 146e6);
-}
-
 TEST_F(ReceiverRows, AreNotCapturedBeforeTheyAreBuilt) {
     load(state_document());
     Receiver unseen;
@@ -342,21 +328,6 @@ TEST_F(ReceiverRows, SurviveARebuildWhileOneIsTypedIn) {
     EXPECT_EQ(range(), "144.000-146.000");
     drain_events();
     EXPECT_FALSE(widgets.dirty);
-}
-
-TEST_F(ReceiverRows, WriteAndReadADotInGermanToo) {
-    const UserLocale german{"de_DE.UTF-8"};
-    load(only(receiver_setting("sdrplay", 7074000, 7300000)));
-    EXPECT_EQ(range(), "7.074-7.300");
-    EXPECT_EQ(coverage(), "Covers 0.226 MHz of the 8 MHz this receiver can take at once.|");
-    choose_band("17 m");
-    EXPECT_EQ(range(), "18.068-18.168");
-    type_into(receiver().low_spin, "18,1");
-    type_into(receiver().high_spin, "18.15");
-    capture_row_edits();
-    EXPECT_DOUBLE_EQ(receiver().lo, 18.1e6);
-    EXPECT_DOUBLE_EQ(receiver().hi, 18.15e6);
-    EXPECT_EQ(coverage(), "Covers 0.05 MHz of the 8 MHz this receiver can take at once.|");
 }
 
 TEST_F(ReceiverRows, KeepTheFocusOnTheSameControlOverALoad) {

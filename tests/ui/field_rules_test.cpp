@@ -101,6 +101,7 @@ TEST(UploadEstimate, ChangesItsUnitAtAThousandKilobits) {
         {16.666666666666668, "Uses about 1.0 Mbit/s of your upload when every place is taken."},
         {17, "Uses about 1.0 Mbit/s of your upload when every place is taken."},
         {200, "Uses about 12.0 Mbit/s of your upload when every place is taken."},
+        {5000, "Uses about 300.0 Mbit/s of your upload when every place is taken."},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.listeners);

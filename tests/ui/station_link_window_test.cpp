@@ -4,7 +4,6 @@
 #include "link/json_access.h"
 #include "support/stub_browser.h"
 #include "support/window_fixture.h"
-#include "ui/widgets/setters.h"
 
 namespace {
 
@@ -63,13 +62,6 @@ TEST_F(StationLink, GoesToTheClipboard) {
     click(widgets.copy_link_button);
     EXPECT_EQ(clipboard_text(), address);
     EXPECT_EQ(text_of(widgets.footer_status), "Station link copied.");
-    EXPECT_EQ(status_class_of(widgets.footer_status), "good");
-}
-
-TEST_F(StationLink, TakesAnEarlierErrorAway) {
-    load(state_document());
-    show_footer_error("No.");
-    copy_station_link();
     EXPECT_EQ(status_class_of(widgets.footer_status), "good");
 }
 
