@@ -3,9 +3,11 @@
 
 #include "support/user_locale.h"
 
+#include <glib.h>
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 TEST(FormatText, TakesTextOfAnyLength) {
     const std::string log(100'000, 'x');
@@ -78,6 +80,26 @@ TEST(Isolated, EnclosesATextWithRightToLeftLettersAlone) {
         EXPECT_EQ(isolated(text), text);
     for (const std::string text : {"מקלט", "راديو", "SDR راديو 1", "ﷺ", "\u07CA", "\U0001E900"})
         EXPECT_EQ(isolated(text), "\u200E\u2068" + text + "\u2069");
+}
+
+TEST(Isolated, EnclosesFromTheFirstToTheLastLetterOfEachRightToLeftBlock) {
+    constexpr std::pair<gunichar, gunichar> blocks[] = {{0x0590, 0x08FF},
+                                                        {0xFB1D, 0xFDFF},
+                                                        {0xFE70, 0xFEFC},
+                                                        {0x10800, 0x10FFF},
+                                                        {0x1E800, 0x1EFFF}};
+    const auto is_isolated = [](gunichar letter) {
+        char text[7] = {};
+        g_unichar_to_utf8(letter, text);
+        return isolated(text) != text;
+    };
+    for (const auto& [first, last] : blocks) {
+        SCOPED_TRACE(first);
+        EXPECT_FALSE(is_isolated(first - 1));
+        EXPECT_TRUE(is_isolated(first));
+        EXPECT_TRUE(is_isolated(last));
+        EXPECT_FALSE(is_isolated(last + 1));
+    }
 }
 
 TEST(Shortened, InFrontKeepsTheEnd) {
