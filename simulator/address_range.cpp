@@ -11,7 +11,7 @@ namespace {
 
 struct Address {
     std::array<unsigned char, 16> bytes{};
-    int bits = 0; ///< 32 or 128, which tells the family
+    int bits = 0; ///< 32 for IPv4, 128 for IPv6
 };
 
 struct Range {
@@ -21,7 +21,7 @@ struct Range {
 
 std::optional<Address> parse_address(std::string_view text) {
     const std::string terminated{text};
-    // inet_pton reads up to the first zero byte; what follows one would go unseen.
+    // inet_pton reads up to the first zero byte and would ignore what follows it.
     if (terminated.find('\0') != std::string::npos)
         return std::nullopt;
     Address address;

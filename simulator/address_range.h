@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: MIT
-// Network addresses and ranges of them, as the list of blocked addresses holds them.
+// Network addresses and ranges of addresses, as in the list of blocked addresses.
 #pragma once
 
 #include <string>
 #include <string_view>
 
-/// An IPv4 address in dotted decimal or an IPv6 address, nothing around it.
+/// Whether the text is an IPv4 address in dotted decimal or an IPv6 address, and nothing else.
 bool is_address(std::string_view text);
 
-/// An address, or one with "/" and the number of leading bits that count (RFC 4632, RFC 4291).
+/// Whether the text is an address, or an address with "/" and the number of leading bits that count
+/// (RFC 4632, RFC 4291).
 bool is_address_or_range(std::string_view text);
 
-/// Whether the range (or single address) holds the address. False when either is malformed or
-/// they are of different families.
+/// Whether the address lies in the range (or is the single address). False when either is malformed
+/// or they are of different families.
 bool range_holds(std::string_view range, std::string_view address);

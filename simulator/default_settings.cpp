@@ -51,7 +51,7 @@ json::object default_settings(const Scenario& scenario) {
                              {"url", "https://" + std::string{directory_host} + "/"},
                              {"id", scenario.registered ? "1042" : ""},
                              {"email", scenario.registered ? "owner@k1abc.example" : ""}};
-    // The service's own: no form shows them, and they come back as they were sent.
+    // Members that no form shows; they come back as they were sent.
     settings["format"] = 3;
     group(settings, "station")["timezone"] = "America/New_York";
     group(settings, "listeners")["greeting"] = true;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The settings with which each scenario begins.
 //
-// Some members are the service's own and no form shows them; whoever saves sends them back.
+// Some members belong to the service alone: no form shows them, and a save sends them back.
 #pragma once
 
 #include "scenarios.h"

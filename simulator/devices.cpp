@@ -3,7 +3,7 @@
 
 namespace {
 
-// Between the first search and one a while later, something has changed.
+// A search that is repeated after a while finds one more receiver.
 constexpr double spectrum_receiver_appears_s = 30;
 constexpr double spectrum_receiver_vanishes_s = 600;
 constexpr double spare_receiver_held_until_s = 60;

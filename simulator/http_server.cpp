@@ -34,7 +34,7 @@ using Protocol = net::local::stream_protocol;
 using Stream = beast::basic_stream<Protocol>;
 using Clock = std::chrono::steady_clock;
 
-// The room for a path in sockaddr_un (unix(7)), its zero byte left out.
+// The longest path that fits into sockaddr_un (unix(7)), without its zero byte.
 constexpr std::size_t longest_path = 107;
 constexpr std::size_t largest_body = std::size_t{8} * 1024 * 1024; // bytes
 constexpr std::chrono::minutes stalled_connection_ends_after{5};
@@ -63,7 +63,8 @@ http::response<http::string_body> as_response(const ApiReply& reply, bool keep_a
     return response;
 }
 
-/// What a request that is none deserves; status 0: nothing, since the peer is gone.
+/// The reply to bytes that are no HTTP request; with status 0 nothing is sent, since the client has
+/// hung up.
 ApiReply reply_to_broken_request(const boost::system::error_code& error) {
     if (error == http::error::body_limit)
         return refusal(413, "The body is larger than 8 MiB.");
@@ -117,7 +118,7 @@ net::awaitable<void> accept_connections(Protocol::acceptor& acceptor,
         Protocol::socket socket{acceptor.get_executor()};
         co_await acceptor.async_accept(socket, net::redirect_error(net::use_awaitable, error));
         if (error) {
-            // Out of descriptors, most likely: do not spin until some are back.
+            // Most likely no descriptor is free: wait before the next try.
             rest.expires_after(time_passes_every);
             co_await rest.async_wait(net::redirect_error(net::use_awaitable, error));
             continue;
@@ -149,7 +150,7 @@ std::string path_fault(const std::string& path) {
     return path + ": " + std::strerror(errno) + ".";
 }
 
-/// Removes a socket whose service has gone without doing so.
+/// Removes a socket file that a crashed service left behind.
 std::string remove_stale_socket(net::io_context& context, const std::string& path) {
     struct stat found {};
     if (lstat(path.c_str(), &found) != 0)
@@ -164,8 +165,8 @@ std::string remove_stale_socket(net::io_context& context, const std::string& pat
     return unlink(path.c_str()) == 0 ? "" : path_fault(path);
 }
 
-/// Puts the socket in its place only when somebody listens on it already, so that whoever waits
-/// for it to appear can connect at once.
+/// The socket gets its final name only after listen(2), so that a client that waits for the file
+/// can connect as soon as it is there.
 std::string open_acceptor(Protocol::acceptor& acceptor, const std::string& path) {
     const bool has_room = path.size() < longest_path;
     const std::string unfinished = has_room ? path + "~" : path;
@@ -195,7 +196,7 @@ std::string serve(const std::string& path, std::chrono::milliseconds delay,
     if (path.size() > longest_path)
         return "The socket's path is longer than 107 bytes.";
     net::io_context context;
-    // Before the socket is there: whoever sees it may send a signal at once.
+    // Before the socket file is there, since a signal may come as soon as it is.
     net::signal_set end_signals{context, SIGTERM, SIGINT};
     net::signal_set user_signals{context, SIGUSR1};
     Protocol::acceptor acceptor{context};

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Carries requests and replies over a local stream socket; what they mean is the caller's matter.
+// Receives requests and sends replies over a local stream socket; the caller makes the replies.
 #pragma once
 
 #include "service_api.h"
@@ -10,16 +10,16 @@
 
 struct ServerTasks {
     std::function<ApiReply(const ApiRequest&)> answer{};
-    std::function<void(std::chrono::duration<double>)> pass_time{}; ///< empty: no timer runs
+    std::function<void(std::chrono::duration<double>)> pass_time{}; ///< when empty, no timer runs
     std::function<void()> on_user_signal{};                         ///< SIGUSR1
-    std::function<void()> on_ready{}; ///< clients can connect from now on
+    std::function<void()> on_ready{}; ///< called when clients can connect
 };
 
 /// Listens on a new socket that only this user may use, and serves until SIGTERM or SIGINT. Each
-/// connection is served on its own: one that stalls delays no other. Every reply waits for
-/// `delay` first. The socket is removed at the end. A socket that nobody listens on any more is
-/// replaced; anything else at `path` stays and is an error.
+/// connection has a coroutine of its own, so that a stalled one delays no other. Every reply is
+/// sent after `delay`. The socket is removed at the end. A socket that nobody listens on any more
+/// is replaced; anything else at `path` stays and is an error.
 ///
-/// Returns "" after a clean end, otherwise in words why it could not listen.
+/// Returns "" after a clean end, otherwise a sentence that says why it could not listen.
 std::string serve(const std::string& path, std::chrono::milliseconds delay,
                   const ServerTasks& tasks);

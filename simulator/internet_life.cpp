@@ -15,7 +15,7 @@ constexpr double connecting_takes_s = 3;
 constexpr double certificate_takes_s = 5;
 constexpr double next_try_s = 20;
 
-// 90 days, which is how long such certificates hold.
+// 90 days.
 constexpr std::int64_t certificate_holds_s = std::int64_t{90} * 86400;
 
 bool relay_wanted(const Station& station) {
@@ -39,7 +39,7 @@ bool is_relay_key(const std::string& key) {
     return true;
 }
 
-/// Whether a try fails, so many of which are left; below 0: all of them.
+/// Whether the next try fails, and counts down the failures that are left; below 0 every try fails.
 bool fails(int& failures_left) {
     if (failures_left > 0)
         return failures_left-- > 0;

@@ -13,11 +13,11 @@
 
 namespace {
 
-// In Hz, inclusive: what the two switches on the Listeners page silence.
+// The bands, in Hz and inclusive, whose audio the two switches on the Listeners page block.
 constexpr double fm_broadcast_low = 87'500'000, fm_broadcast_high = 108'000'000;
 constexpr double am_broadcast_low = 530'000, am_broadcast_high = 1'700'000;
 
-// One visitor in so many listens from the owner's own network.
+// One visitor in six listens from the owner's own network.
 constexpr std::size_t one_at_home_of = 6;
 
 std::string text_at(const json::array& array, std::size_t index) {
@@ -72,7 +72,7 @@ bool may_enter(const Station& station, const std::string& address) {
     return static_cast<double>(here) < setting_value(station.settings, "listeners", "per_address");
 }
 
-/// A visitor tries to take a place; `age_s` is how long ago.
+/// A visitor who came `age_s` ago gets a place when one is free.
 void arrive(Station& station, double age_s, const std::vector<ReceiverOnAir>& on_air) {
     Random& random = station.random;
     const bool relay_up = station.relay.state == "connected";
@@ -128,7 +128,7 @@ bool is_banned(const Station& station, std::string_view address) {
 void seat_first_listeners(Station& station) {
     const std::vector<ReceiverOnAir> on_air = receivers_on_air(station);
     const auto wanted = static_cast<std::size_t>(station.scenario.listeners_at_start);
-    // A visitor may be turned away; some more try than there are places.
+    // A visitor may be refused, so there are more tries than places.
     for (std::size_t tries = wanted * 20; tries > 0 && !on_air.empty(); --tries) {
         if (station.listeners.size() >= wanted || !has_place(station))
             return;
@@ -156,7 +156,7 @@ void advance_listeners(Station& station) {
         return;
     const int wanted = station.scenario.listeners_wanted;
     const bool below = std::ssize(station.listeners) < wanted;
-    // The more people the station draws, the sooner the next one comes.
+    // The more listeners the scenario wants, the sooner the next one comes.
     station.next_arrival_s =
         station.clock_s + random_between(station.random, 0.2, below ? 60.0 / wanted : 60.0);
     if (has_place(station))

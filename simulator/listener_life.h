@@ -6,14 +6,14 @@
 
 #include <string_view>
 
-/// Whether the blocked addresses hold this one.
+/// Whether the address lies in one of the blocked ranges.
 bool is_banned(const Station& station, std::string_view address);
 
-/// Fills the places that the scenario says are taken at the start, with sessions of various ages.
+/// Fills the places that are taken at the start of the scenario, with sessions of various ages.
 void seat_first_listeners(Station& station);
 
-/// Lets the audience follow the clock, the settings and the receivers on the air.
+/// Brings the listeners to the time of the station's clock: some come, tune and leave.
 void advance_listeners(Station& station);
 
-/// Ends one session. Returns whether there was one of this number.
+/// Ends the session of this number. Returns whether there was one.
 bool end_session(Station& station, int number);

@@ -19,10 +19,10 @@ namespace {
 
 constexpr int usage_fault = 2;
 
-// The same life in each run.
+// Always the same, so that each run is alike.
 constexpr std::uint64_t seed = 1;
 
-// A day, so that two runs on one day show the same date.
+// The start is rounded to a day, so that two runs on one day show the same date.
 constexpr std::int64_t day_s = 86400;
 
 void say(const std::string& line) {
@@ -33,7 +33,7 @@ int print(const std::string& text) {
     return std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0 ? 0 : 1;
 }
 
-/// Answers, keeps what changed and says what was served.
+/// Answers a request, stores the settings when it changed them, and logs it.
 ApiReply serve_request(Station& station, const Options& options, HandOver& hand_over,
                        RequestRecord& record, const ApiRequest& request) {
     watch_files(hand_over, station);
@@ -91,7 +91,7 @@ int run(const Options& options) {
 } // namespace
 
 int main(int count, char** arguments) {
-    // Whoever reads the log may go first.
+    // The reader of the log may end before the simulator.
     std::signal(SIGPIPE, SIG_IGN);
     try {
         const std::span<char* const> all{arguments, static_cast<std::size_t>(count)};

@@ -9,7 +9,7 @@
 
 namespace {
 
-// A faster life than this passes more ticks between two requests than anybody can follow.
+// Above this the simulator spends all of its time on ticks.
 constexpr double highest_speed = 10'000;
 constexpr double longest_step_s = 3'600;
 constexpr int longest_delay_ms = 600'000;
@@ -31,7 +31,7 @@ std::optional<Number> parse_number(std::string_view text, Number low, Number hig
     Number number{};
     const char* end = text.data() + text.size();
     const auto parsed = std::from_chars(text.data(), end, number);
-    // The comparison is also false for a number that is none.
+    // The comparison is also false for NaN.
     if (parsed.ec != std::errc{} || parsed.ptr != end || !(number >= low && number <= high))
         return std::nullopt;
     return number;
@@ -60,7 +60,7 @@ std::string store_scenario(Options& options, std::string_view value) {
     return "There is no scenario “" + std::string{value} + "”: see --list-scenarios.";
 }
 
-/// Returns in words what is wrong with the value, "" when nothing is.
+/// `store` returns a sentence that says what is wrong with the value, "" when nothing is.
 struct Setting {
     std::string_view name;
     std::string_view value_name;

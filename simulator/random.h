@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Chance for the simulated life: the same numbers for the same seed with every standard library.
+// Random numbers that are the same for the same seed with every standard library.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@ struct Random {
     std::uint64_t state = 1; ///< the seed at first
 };
 
-/// The next number, all 64 bits of it by chance.
+/// The next number, with 64 random bits.
 inline std::uint64_t next_random(Random& random) {
     // SplitMix64 (Steele, Lea, Flood 2014): a counter and a mix of its bits.
     random.state += 0x9E3779B97F4A7C15U;

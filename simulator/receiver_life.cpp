@@ -12,10 +12,10 @@ namespace {
 using Progress = StartedReceiver::Progress;
 
 constexpr double start_takes_s = 2;
-constexpr double next_one_later_s = 0.5; // one after the other, as a broker does
+constexpr double next_one_later_s = 0.5;
 constexpr double retry_after_s = 30;
 
-// Widest ranges, in Hz, that the receivers take at once; the RX-888 samples all of HF.
+// The widest ranges, in Hz, that the receivers can cover; the RX-888 covers all of HF.
 constexpr double dongle_span = 2e6;
 constexpr double sdrplay_span = 8e6;
 
@@ -32,7 +32,7 @@ StartedReceiver configured(const json::object& settings) {
             .hi = as_double(settings.at("hi"))};
 }
 
-/// Why the process of this receiver ends, as the last lines of its log; "" when it runs.
+/// The last lines of the log, which say why this receiver's process ended; "" when it runs.
 std::string failure_log(const Station& station, const StartedReceiver& receiver) {
     const auto device =
         std::find_if(station.devices.begin(), station.devices.end(), [&](const Device& candidate) {

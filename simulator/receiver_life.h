@@ -4,9 +4,9 @@
 
 #include "station.h"
 
-/// Makes the started receivers those of the settings. One whose range is unchanged goes on as it
-/// is; a new or changed one is started. Nothing is started while the broker is down.
+/// Starts the receivers of the settings and stops all others. A receiver whose range is unchanged
+/// keeps running. Nothing is started while the broker is down.
 void start_receivers(Station& station);
 
-/// Lets the receivers follow the clock.
+/// Brings the receivers to the time of the station's clock.
 void advance_receivers(Station& station);

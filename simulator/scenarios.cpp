@@ -7,10 +7,10 @@
 
 namespace {
 
-// Long enough for every part of a station to reach its resting state.
+// Long enough for every part of a station to reach its final state.
 constexpr double settled_s = 120;
 
-// Long enough for the first failure of a check-in or a relay, and of a certificate, to be there.
+// Long enough for the first failure of a check-in or a relay, and of a certificate.
 constexpr double first_failure_s = 6;
 constexpr double first_certificate_failure_s = 15;
 
@@ -26,7 +26,7 @@ constexpr std::string_view long_refusal =
     "people who run the list have asked every station owner to write to them first, and they "
     "answer on weekdays, in the morning, politely by hand.";
 
-/// Texts of the length at which a window's layout is put to the test.
+/// Texts so long that they test the window's layout.
 OutsideTexts long_texts() {
     static const std::string word = repeated("Unbreakable", 18) + "Ab";
     static const std::string log =

@@ -5,7 +5,7 @@
 #include <span>
 #include <string_view>
 
-/// Texts that do not come from the program.
+/// Texts that come from the station's owner or from other services.
 struct OutsideTexts {
     std::string_view station_name = "Hilltop SDR";
     std::string_view sdrplay_model = "SDRplay RSP1";
@@ -20,7 +20,7 @@ struct OutsideTexts {
     std::string_view registration_refusal{}; ///< empty: registrations are accepted
 };
 
-/// How a station stands at the start and what befalls it. Times are in station seconds.
+/// The state of a station at the start, and what happens to it. Times are in station seconds.
 struct Scenario {
     std::string_view name{};
     std::string_view description{};
@@ -38,20 +38,20 @@ struct Scenario {
 
     bool receiver_fails = false; ///< the RTL-SDR dongle fails again and again
     OutsideTexts texts{};
-    // How often something fails before it succeeds; below 0: for ever.
+    // How often something fails before it succeeds; below 0 it always fails.
     int failed_check_ins = 0;
-    int relay_refusals = 0; ///< the relay turns the station away
+    int relay_refusals = 0; ///< the relay refuses the station
     int relay_absences = 0; ///< the relay cannot be reached
     int failed_certificates = 0;
 
     int listeners_at_start = 0;
-    int listeners_wanted = 6; ///< the audience drifts to about so many
-    double warm_up_s = 0;     ///< lived through before the first request
+    int listeners_wanted = 6; ///< the number of listeners tends to this
+    double warm_up_s = 0;     ///< time that passes before the first request
     bool frozen = false;      ///< nothing changes after the warm-up
-    int delay_ms = 0;         ///< of real time, before every reply
+    int delay_ms = 0;         ///< before every reply, in real time
 };
 
-/// All scenarios, in the order in which they are listed to people.
+/// All scenarios, in the order in which they are listed.
 std::span<const Scenario> all_scenarios();
 
 /// Null when there is no such scenario.

@@ -21,7 +21,8 @@ ApiReply success(const json::value& document) {
     return {200, json::serialize(document), ""};
 }
 
-/// The fields that tell the window's requests from those of a web page in the owner's browser.
+/// Says what is wrong with the header fields by which a request of the window differs from one of a
+/// web page in the owner's browser; "" when nothing is.
 std::string header_fault(const ApiRequest& request) {
     if (request.host != "tarnwave")
         return "The header field Host must be tarnwave.";
@@ -50,13 +51,13 @@ ApiReply put_settings(Station& station, const json::object& body) {
     return success(json::object{{"restart", replace_settings(station, std::move(settings))}});
 }
 
-/// The text of the body's only member; null when it is another or there are more.
+/// The text of the body's only member; null when the body has another member or more than one.
 const json::string* only_text(const json::object& body, const char* name) {
     const json::value* value = body.if_contains(name);
     return value && body.size() == 1 ? value->if_string() : nullptr;
 }
 
-/// Something, an "@" and a domain with a full stop inside.
+/// Whether the text has something before an "@", and behind it a domain with a full stop inside.
 bool is_email(std::string_view text) {
     const std::size_t at = text.find('@');
     if (at == 0 || at == std::string_view::npos || text.find('@', at + 1) != std::string_view::npos)

@@ -18,7 +18,7 @@ struct ApiRequest {
 struct ApiReply {
     int status = 0;
     std::string body{};  ///< one JSON document
-    std::string allow{}; ///< the method that the target knows, when the request's is another
+    std::string allow{}; ///< the method that the target allows, when the request's is another
 };
 
 /// Does what the request asks of the station. Every refusal is an object with `error`, in words

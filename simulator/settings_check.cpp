@@ -14,16 +14,16 @@
 
 namespace {
 
-// The service's own, and what a registration sets.
+// Settings that no form edits: those of the service alone, and those that a registration sets.
 constexpr std::array<std::string_view, 6> not_edited = {
     "format",       "station.timezone", "listeners.greeting",
     "network.bind", "directory.id",     "directory.email"};
 
-/// A setting with limits or with a name that its owner knows. Its kind is that of the stored value;
-/// a number that is not here may be any.
+/// A setting that has limits, or a name in the form. Its kind is that of the stored value. A number
+/// without a rule has no limits.
 struct Rule {
     std::string_view path;
-    std::string_view words; ///< as the owner knows it
+    std::string_view words; ///< its name in a refusal
     int low = 0;            ///< of a number
     int high = 0;
 };
@@ -47,7 +47,7 @@ constexpr std::array rules = {
 
 constexpr std::array<std::string_view, 5> known_modes = {"USB", "LSB", "CW", "AM", "FM"};
 
-// Far above what any of the receivers tunes to, in Hz (6 GHz).
+// In Hz: far above the range of every receiver.
 constexpr double highest_frequency = 6e9;
 
 std::string_view text_of(const json::value& value) {
@@ -66,7 +66,7 @@ std::string quoted(std::string_view text) {
     return "“" + std::string{text} + "”";
 }
 
-/// What is wrong with a value that takes the place of a stored one; "" when nothing is.
+/// Says what is wrong with a value that is to replace a stored one; "" when nothing is.
 std::string kind_fault(const std::string& path, const json::value& stored,
                        const json::value& value) {
     const auto* found = std::find_if(rules.begin(), rules.end(),
@@ -88,7 +88,7 @@ std::string kind_fault(const std::string& path, const json::value& stored,
            std::to_string(found->high) + where;
 }
 
-/// Compares member by member, so that the first fault names the member it is about.
+/// Compares member by member, so that the fault names its member.
 std::string members_fault(const json::object& stored, const json::object& proposed,
                           const std::string& prefix) {
     for (const auto& [key, stored_value] : stored) {

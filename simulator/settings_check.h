@@ -6,8 +6,8 @@
 
 #include <string>
 
-/// Returns, in words for the station's owner, why `proposed` cannot take the place of `stored`;
-/// "" when it can. Every member of `stored` must come back, those that no form edits unchanged,
+/// Returns a sentence for the station's owner that says why `proposed` cannot replace `stored`; ""
+/// when it can. Every member of `stored` must come back, those that no form edits unchanged,
 /// and no other member may come. Numbers may have any JSON form.
 std::string settings_fault(const boost::json::object& stored, const boost::json::object& proposed);
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reading the station's own settings, which are known to be whole, by group and member.
+// Reading the simulator's own settings, which are always complete, by group and member.
 #pragma once
 
 #include <boost/json.hpp>

@@ -8,7 +8,7 @@ namespace json = boost::json;
 
 namespace {
 
-// Listeners that the relay carries at once.
+// The most listeners that the relay can carry at once.
 constexpr int relay_places = 20;
 
 std::int64_t whole(double number) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the station says about itself.
+// The document that describes the station.
 #pragma once
 
 #include "station.h"

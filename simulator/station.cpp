@@ -12,7 +12,7 @@
 
 namespace {
 
-// Divides whole seconds exactly, in binary too.
+// A power of two, so that adding up ticks has no rounding error.
 constexpr double tick_s = 0.5;
 
 void tick(Station& station) {

@@ -2,8 +2,8 @@
 // The simulated station: its settings and everything that happens to it.
 //
 // A model without a clock or a socket. Time passes only in `advance`, in whole ticks, so that the
-// same seed, the same times and the same requests give the same life. Times inside are station
-// seconds since the end of the scenario's warm-up, which itself lies before 0.
+// same seed, times and requests always give the same result. Times are station seconds since the
+// end of the scenario's warm-up; those of the warm-up are negative.
 #pragma once
 
 #include "devices.h"
@@ -24,11 +24,11 @@ struct StartedReceiver {
     std::string backend{};
     std::string serial{};
     std::string model{};
-    double lo = 0; ///< of its range, as `hi`
+    double lo = 0; ///< bottom of its range
     double hi = 0;
     Progress progress = Progress::starting;
     double due_s = 0;  ///< when it comes up, fails or is tried again
-    std::string log{}; ///< of the failed process
+    std::string log{}; ///< last output of the failed process
 };
 
 /// A receiver that listeners can use.
@@ -44,8 +44,8 @@ struct Listener {
     std::string address{};
     double arrived_s = 0;
     double leaves_s = 0;
-    double next_touch_s = 0; ///< tunes then
-    bool tuned = false;      ///< the three below are meaningful
+    double next_touch_s = 0; ///< when the listener tunes again
+    bool tuned = false;      ///< frequency, mode and listening are meaningful
     double frequency = 0;
     std::string mode{};
     bool listening = false;
@@ -63,8 +63,8 @@ struct DirectoryLife {
     std::string_view state = "not registered";
     double due_s = 0;
     bool reachable = false;
-    double next_probe_s = 0; ///< of the port, from outside
-    int failures_left = 0;   ///< below 0: for ever
+    double next_probe_s = 0; ///< when the list next tries the port from outside
+    int failures_left = 0;   ///< below 0 every check-in fails
     std::string address{};
     std::string error{};
 };
@@ -94,7 +94,7 @@ struct Station {
     boost::json::object settings{};
     int port_in_use = 0;
     double clock_s = 0;
-    double unspent_s = 0; ///< passed already, but less than a tick
+    double unspent_s = 0; ///< time since the last tick
     bool owner_accepted = true;
     bool broker = true;
     bool port_forwarded = true;
@@ -109,23 +109,22 @@ struct Station {
     CertificateLife certificate{};
 };
 
-/// A station at the start of a scenario, its warm-up lived through. `settings` are those of an
-/// earlier run; when empty, the scenario's own.
+/// A station after the warm-up of a scenario. `settings` are those of an earlier run; when empty,
+/// the scenario's own.
 Station make_station(const Scenario& scenario, std::uint64_t seed, std::int64_t born_at,
                      boost::json::object settings = {});
 
 /// Lets station time pass. A frozen scenario stays as it is.
 void advance(Station& station, double seconds);
 
-/// Puts faultless settings in the place of the present ones and lets the station follow. Returns
-/// whether the port changed.
+/// Replaces the settings by checked ones and applies them. Returns whether the port changed.
 bool replace_settings(Station& station, boost::json::object settings);
 
 /// Ends the sessions of addresses that may not listen and keeps the others.
 void end_banned_sessions(Station& station);
 
-/// What a scenario waits for happens: the station is handed over, the broker started, the port
-/// forwarded.
+/// Removes what the scenario waits for: hands the station over, starts the broker and forwards the
+/// port.
 void remove_obstacle(Station& station);
 
 /// The receivers on the air now, Dialhouse's first.

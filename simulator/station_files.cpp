@@ -52,7 +52,7 @@ json::object with_registration_of(const json::object& pattern, json::object sett
     return settings;
 }
 
-/// The last part of the target, letters only: no target leads out of the folder.
+/// The letters of the target's last part, so that the file cannot lie outside of the folder.
 std::string plain_name(std::string_view target) {
     std::string name;
     for (const char c : target.substr(target.rfind('/') + 1))

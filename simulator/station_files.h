@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The files beside the station: its settings from run to run, the bodies of requests for whoever
-// wants to check them, and those through which something outside removes what a scenario waits for.
+// The simulator's files: the settings from run to run, the recorded bodies of requests, and the
+// files through which a test or a script removes what a scenario waits for.
 #pragma once
 
 #include "service_api.h"
@@ -11,32 +11,32 @@
 #include <string>
 
 /// Reads settings into `settings`, which stays as it is when there is no such file. They must be
-/// of the shape of `pattern`. Returns in words what went wrong, "" when nothing did.
+/// of the shape of `pattern`. Returns a sentence that says what went wrong, "" when nothing did.
 std::string read_settings_file(const std::string& path, const boost::json::object& pattern,
                                boost::json::object& settings);
 
 /// Writes settings so that the file holds the former ones or these, whatever happens meanwhile.
-/// Returns in words what went wrong, "" when nothing did.
+/// Returns a sentence that says what went wrong, "" when nothing did.
 std::string write_settings_file(const std::string& path, const boost::json::object& settings);
 
 struct RequestRecord {
-    std::string folder{}; ///< empty: nothing is kept
-    int count = 0;        ///< of the files written
+    std::string folder{}; ///< when empty, nothing is kept
+    int count = 0;        ///< number of files written
 };
 
 /// Writes the request's body, as it came, to a file such as "0001-PUT-settings.json"; a request
-/// without one leaves none. The folder is made when it is missing. Returns in words what went
-/// wrong, "" when nothing did.
+/// without one leaves none. The folder is made when it is missing. Returns a sentence that
+/// says what went wrong, "" when nothing did.
 std::string record_body(RequestRecord& record, const ApiRequest& request);
 
 struct HandOver {
     std::string owner_file{};
     std::string broker_file{};
     std::string user{};                ///< login name of whoever runs the simulator
-    bool owner_file_was_there = false; ///< at the start
+    bool owner_file_was_there = false; ///< when the simulator started
 };
 
-/// Either path may be empty: then nothing is watched.
+/// A file whose path is empty is not watched.
 HandOver make_hand_over(const std::string& owner_file, const std::string& broker_file);
 
 /// Hands the station over when the owner file names this user on its first line, or has appeared
