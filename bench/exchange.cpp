@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// CPU time of one exchange, as the program makes it and in plain C, by turns. The service is
-// another process, so that only this side of the exchange counts.
+// Measures the CPU time of one exchange, as the program makes it and in plain C, by turns. The
+// service is another process, so that only the client's time is counted.
 //
 // Usage: bench_exchange SOCKET COUNT
 #include "link/service_link.h"
@@ -53,7 +53,7 @@ int main(int argc, char** argv) {
     for (int turn = -1; turn < turns; ++turn) {
         const double one = time_of_a_turn(exchange_or_end);
         const double other = time_of_a_turn(exchange_in_plain_c_or_end);
-        // The first turn warms up.
+        // The first turn is not counted: it fills the caches.
         program += turn < 0 ? 0 : one;
         floor += turn < 0 ? 0 : other;
     }

@@ -92,7 +92,8 @@ static void write_label(GtkWidget* label, const char* text) {
         gtk_label_set_text(GTK_LABEL(label), text);
 }
 
-/* The number after the next "key": behind *place, which moves there; -1 beyond `end`. */
+/* The number after the next "key" behind *place, which is moved there; -1 when there is none before
+ * `end`. */
 static long number_after(const char** place, const char* end, const char* key) {
     const char* found = strstr(*place, key);
     if (!found || (end && found > end))

@@ -2,10 +2,10 @@
 # SPDX-License-Identifier: MIT
 """Usage: measure.py BUILD-FOLDER [--once] [start] [poll] [idle] [exchange]
 
-Measures the program that was built in BUILD-FOLDER, by turns with its floor, and prints one line for
-each figure; --once takes each figure from a single short run, to see that it can be measured. Runs on
-the display at hand. With all subjects and without --once it also writes the figures into
-docs/performance.md and draws docs/pictures/poll.svg.
+Measures the program that was built in BUILD-FOLDER, by turns with its floor (docs/performance.md), and
+prints one line for each figure; --once takes each figure from a single short run, to see that it can
+be measured. Uses the display that DISPLAY names. With all subjects and without --once it also writes
+the figures into docs/performance.md and draws docs/pictures/poll.svg.
 """
 
 import json
@@ -27,7 +27,7 @@ LIMIT_S = 60
 
 
 def state_document(listeners, seconds):
-    """The documented example with other listeners, as bytes."""
+    """The document in docs/state.json with that many listeners, as bytes."""
     document = json.loads((PROJECT / "docs" / "state.json").read_text(encoding="utf-8"))
     document["status"]["listeners"] = [
         {"number": number, "address": f"198.51.{number // 250}.{number % 250}",
@@ -81,12 +81,12 @@ class Bench:
         self.figures = []
 
     def environment(self, service, **more):
-        # No command of the system is found: what loginctl costs is no matter of the window.
+        # No command of the system is found, so that the time of loginctl is not measured.
         return {**os.environ, "NO_AT_BRIDGE": "1", "PATH": "/nonexistent",
                 "TARNWAVE_SETTINGS_SOCKET": service.path, **more}
 
     def run(self, command, service, **more):
-        """The report of one watched run."""
+        """Runs a command with the measuring library, and returns the library's report."""
         file = os.path.join(self.folder, "report")
         subprocess.run(command, check=True, timeout=LIMIT_S, env=self.environment(
             service, LD_PRELOAD=str(self.watch), BENCH_REPORT=file,
@@ -101,11 +101,11 @@ class Bench:
         return self.run([*self.floor, str(self.widgets), self.style, service.path], service, **more)
 
     def prepare(self):
-        """What the floor has to copy: the style rules and the number of widgets."""
+        """Finds out what the floor has to copy: the style rules and the number of widgets."""
         service = Service(self.folder, state_document(1, 60))
         self.widgets = self.run_program(service, BENCH_STYLE=self.style)["widgets"]
         self.run_floor(service)
-        # The pages of a program that was just built count as its own until they are on the disk.
+        # Until a program that was just built is on the disk, its memory pages count as modified.
         os.sync()
 
     def note(self, subject, what, program, floor, unit):
@@ -130,7 +130,8 @@ class Bench:
                   least(floor, "private_dirty_kb") / 1024, "MiB")
 
     def polls_of(self, service):
-        """CPU time of a poll and its longest stall, each of program and floor; and the program's frames."""
+        """The CPU time of a poll and its longest stall, each for the program and for the floor; and
+        the number of frames that the program drew."""
         runs = {self.run_program: [], self.run_floor: []}
         for _ in range(1 if self.once else 3):
             for run, reports in runs.items():
@@ -157,7 +158,8 @@ class Bench:
             sys.exit(f"A poll that brings nothing new drew {frames} frames.")
 
     def idle(self):
-        """CPU time a minute of both, side by side, at the true pace of the polls."""
+        """Measures the CPU time of program and floor in a minute, both at once, with a poll every
+        three seconds as usual."""
         service = Service(self.folder, state_document(1, 60))
         commands = (self.program, [*self.floor, str(self.widgets), self.style, service.path])
         processes = [subprocess.Popen(command, env=self.environment(service)) for command in commands]

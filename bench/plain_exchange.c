@@ -1,5 +1,6 @@
 /* SPDX-License-Identifier: MIT
- * The header field that matters here is the length; the service of scripts/bench always sends it.
+ * The only header field that is read is Content-Length; the service of scripts/bench always sends
+ * it.
  */
 #define _GNU_SOURCE
 #include "plain_exchange.h"
@@ -24,7 +25,7 @@ static ssize_t receive(int connection, char* into, size_t space) {
 }
 
 static char* receive_reply(int connection, size_t* size) {
-    /* The header, and what comes with it. */
+    /* Receives the header, and as much of the body as comes with it. */
     char start[16384];
     size_t filled = 0;
     char* end_of_header = NULL;

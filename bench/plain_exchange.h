@@ -9,7 +9,8 @@
 extern "C" {
 #endif
 
-/* GET of /api/state. Returns the body, ended by a zero byte, for free(); NULL when there was none.
+/* Sends GET /api/state. Returns the body, ended by a zero byte, which the caller frees with free();
+   NULL when there was none.
  */
 char* plain_exchange(const char* socket_path, size_t* size);
 

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""Writes the figures of measure.py as a table between the marks of a page, and draws what a poll costs
-against the number of listeners."""
+"""Writes the figures of measure.py as a table between two marks of a page, and draws the CPU time of a
+poll against the number of listeners."""
 
 import math
 import re
@@ -23,7 +23,8 @@ def table(figures):
 
 
 def drawing(figures):
-    """Both axes are logarithmic: a cost that grows with the listeners is a straight line."""
+    """Returns the plot as SVG. Both axes are logarithmic, so that times in proportion to the number of
+    listeners lie on a straight line."""
     lines = {"program": [], "floor": []}
     for subject, what, program, floor, _ in figures:
         match = re.fullmatch(r"(\d+) listeners?", what)

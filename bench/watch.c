@@ -1,13 +1,14 @@
 /* SPDX-License-Identifier: MIT
- * Preloaded into the program or into its floor, which stay as they are: notes when the first frame
- * and the station's state are drawn, calls the timeout of the polls again as soon as the window has
- * come to rest, and ends the process with a report, one JSON object.
+ * Preloaded into the program or into its floor, neither of which is changed for it: notes when the
+ * first frame and the station's state are drawn, calls the timeout of the polls again as soon as
+ * nothing has been drawn for a while, and ends the process with a report, one JSON object.
  *
  *     BENCH_REPORT   file for the report
  *     BENCH_STARTED  when the process was started: CLOCK_MONOTONIC, in nanoseconds
- *     BENCH_TEXT     beginning of a label that shows the state; without it the first frame does
+ *     BENCH_TEXT     beginning of the label that shows the state; when not set, the first frame
+ *                    counts as showing it
  *     BENCH_POLLS    how many polls are measured; 0: the report is made when the state is shown
- *     BENCH_STYLE    file that gets the style rules of the program */
+ *     BENCH_STYLE    file to which the style rules of the program are written */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <gtk/gtk.h>
@@ -17,10 +18,10 @@
 #include <time.h>
 #include <unistd.h>
 
-/* By which the timeout of the polls is known among those of the libraries. */
+/* The program's timeout with this interval is the one of the polls. */
 #define POLL_INTERVAL_S 3
 #define WARM_UP_POLLS 3
-/* A window that has drawn nothing for so long has come to rest. */
+/* The next poll begins when nothing has been drawn for so long. */
 #define REST_MS 25
 
 #define REAL(function) ((__typeof__(&function))dlsym(RTLD_NEXT, #function))
@@ -106,7 +107,7 @@ static gboolean on_draw(GtkWidget* widget, cairo_t* cairo, gpointer data) {
 
 static void on_frame_painted(GdkFrameClock* clock, gpointer data) {
     (void)clock, (void)data;
-    /* The clock also ticks without anything to draw. */
+    /* The frame clock also ticks when there is nothing to draw. */
     if (!drawn)
         return;
     drawn = FALSE;
@@ -170,7 +171,7 @@ static gboolean poll_when_at_rest(gpointer data) {
     return G_SOURCE_CONTINUE;
 }
 
-/* ---- What the program calls, in front of the toolkit's own. ---- */
+/* ---- Functions that the program calls in place of GTK's and GLib's. ---- */
 
 void gtk_init(int* argc, char*** argv) {
     REAL(gtk_init)(argc, argv);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// A reply's body, through everything that is decided from it without a display.
+// Gives the body of a reply to everything that is decided from it without a display.
 //
-// A document that breaks the contract ends in an exception, as it does in the program. Any other
-// has sentences that a label can show: UTF-8, and markup that is well formed.
+// A document that breaks the contract ends in an exception, as it does in the program. From any
+// other come sentences that a label can show: UTF-8, and markup that is well formed.
 #include "link/json_access.h"
 #include "receivers/coverage.h"
 #include "receivers/receiver_list.h"
@@ -29,7 +29,7 @@ void require(bool holds, const std::string& text) {
 }
 
 void show(const std::string& text) {
-    // U+0000 is valid in JSON and in UTF-8; GLib alone refuses it.
+    // U+0000 is valid in JSON and in UTF-8, but GLib refuses it.
     std::string without_zeros = text;
     std::replace(without_zeros.begin(), without_zeros.end(), '\0', ' ');
     require(g_utf8_validate_len(without_zeros.data(), without_zeros.size(), nullptr), text);
@@ -121,7 +121,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         show_station();
         show_records();
     } catch (const std::exception&) {
-        // A document that breaks the contract; the program ends here with a sentence.
+        // The document breaks the contract; the program ends here with a sentence.
     }
     return 0;
 }

@@ -13,7 +13,8 @@ std::string reply;
 std::size_t most_at_once = 0;
 int far_end = -1;
 
-/// The far end goes with the next exchange: until then the link may still send.
+/// Closes the service's end of the last exchange. It stays open until the next exchange begins,
+/// since the link may send until then.
 void drop_far_end() {
     if (far_end >= 0)
         ::close(far_end);
@@ -31,7 +32,8 @@ std::string reply_with_body(const std::string& body) {
     return "HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
 }
 
-// The linker leads the program's calls here (--wrap), and to the system's own under `__real_`.
+// With --wrap the linker binds the program's calls to these functions; the system's own functions
+// are those whose names begin with `__real_`.
 extern "C" {
 
 int __real_connect(int, const sockaddr*, socklen_t);
@@ -52,7 +54,7 @@ int __wrap_connect(int, const sockaddr*, socklen_t) {
         const ssize_t moved =
             ::send(far_end, reply.data() + sent, reply.size() - sent, MSG_NOSIGNAL | MSG_DONTWAIT);
         if (moved <= 0)
-            std::abort(); // more than the kernel holds
+            std::abort(); // the reply is longer than the kernel's buffer
         sent += static_cast<std::size_t>(moved);
     }
     return ::shutdown(far_end, SHUT_WR);

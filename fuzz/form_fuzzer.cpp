@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// What a person can enter into the form, through the body of a save and back.
+// Makes the body of a save from values that a person can enter into the form, and loads it again.
 //
-// What is saved and loaded again is the same, but for the callsign's case and the spaces between
-// blocked addresses; and what is then saved once more is the same body.
+// The loaded values are those that were entered, but for the callsign's case and the spaces between
+// blocked addresses; saving them gives the same body again.
 #include "link/json_access.h"
 #include "receivers/receiver_list.h"
 #include "ui/field_rules.h"
@@ -26,7 +26,7 @@ void require(bool holds, const char* what, const std::string& body) {
     std::abort();
 }
 
-/// Text as the toolkit's entries hold it: UTF-8 without a zero byte.
+/// Text as a GtkEntry can hold it: UTF-8 without a zero byte.
 std::string text_of(FuzzedDataProvider& data) {
     std::string bytes = data.ConsumeRandomLengthString(300);
     std::erase(bytes, '\0');
@@ -36,7 +36,7 @@ std::string text_of(FuzzedDataProvider& data) {
     return text;
 }
 
-/// A number as a spin button holds it.
+/// A number as a GtkSpinButton can hold it: with at most three decimals.
 double number_of(FuzzedDataProvider& data) {
     const double number = data.ConsumeFloatingPointInRange<double>(0, 65'535);
     return std::round(number * 1000) / 1000;
@@ -52,7 +52,7 @@ json::object loaded_settings() {
         .as_object();
 }
 
-/// What loading the body into the form and reading the form again gives.
+/// The values that the form has after this body was loaded into it.
 FormValues loaded_again(const json::object& body) {
     FormValues form;
     const auto text_at = [&](const char* key) { return string_or_empty(*find_path(body, key)); };

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The bytes of a reply, through the link's own parser and limits.
+// Gives the bytes of a reply to the link's own parser and limits.
 //
-// The first byte says how small the pieces are in which the reply comes the second time: what the
-// link makes of a reply must not depend on how the kernel cuts it.
+// Each reply is received twice: first in pieces of the kernel's choice, then in pieces whose size
+// the first byte of the input gives. Both results must be equal.
 #include "fed_link.h"
 #include "link/service_link.h"
 

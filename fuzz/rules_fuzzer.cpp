@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Short texts, through the rules that are written by hand, beside the same said by the library.
+// Gives short texts to the rules that are written by hand, and compares the results with those of
+// the standard library.
 #include "link/json_access.h"
 #include "ui/field_rules.h"
 
@@ -47,7 +48,7 @@ std::vector<std::string> words_by_stream(const std::string& text) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (size > 500) // the library's matcher recurses
+    if (size > 500) // std::regex_match recurses: a long text would overflow the stack
         return 0;
     static const std::regex email{R"([^@\s]+@[^@\s]+\.[^@\s]+)"};
     static const std::regex grid{"[A-Ra-r]{2}[0-9]{2}([A-Xa-x]{2})?"};
@@ -62,7 +63,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(find_path(document.get_object(), text) == found_by_segments(document, text),
             "the segments of a key");
     for (const unsigned decimals : {0U, 3U})
-        // Beyond a billion, which no spin button of the form holds, a double has no thousandths.
+        // Numbers above a billion are left out: no spin button of the form allows them, and a
+        // double is not exact to the thousandth there.
         if (const std::optional<double> number = typed_number(text, decimals);
             number && std::abs(*number) < 1e9) {
             const std::string shown = decimal_text(*number, decimals);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// A reply's body, through loading the form, a poll and the window's own drawing. Needs a display.
+// Loads the form from the body of a reply, polls with it and draws the window. Needs a display.
 //
-// What the toolkit warns about counts as a fault. No command is run meanwhile.
+// A warning of GTK is a fault.
 #include "app/state_poll.h"
 #include "fed_link.h"
 #include "ui/load_form.h"
@@ -18,7 +18,8 @@
 namespace {
 
 void turn_loop() {
-    // Bounded: a window that keeps asking for frames must not hold the fuzzer.
+    // The number of turns is limited, so that a window that keeps asking for frames cannot stop the
+    // fuzzer.
     for (int turn = 0; turn < 50 && gtk_events_pending(); ++turn)
         gtk_main_iteration();
 }
@@ -27,7 +28,7 @@ void turn_loop() {
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
     setenv("NO_AT_BRIDGE", "1", 1);
-    setenv("PATH", "/nonexistent", 1); // no command is run
+    setenv("PATH", "/nonexistent", 1); // no command is found, so none is run
     g_log_set_always_fatal(
         static_cast<GLogLevelFlags>(G_LOG_FATAL_MASK | G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_WARNING));
     gtk_init(argc, argv);
@@ -42,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         load_form();
     } catch (const std::exception&) {
-        widgets.loading = false; // in the program the error ends everything
+        widgets.loading = false; // in the program this error ends the process
     }
     try {
         poll_state(nullptr);
