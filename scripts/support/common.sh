@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 # shellcheck shell=bash
-# What the scripts share: where the project lies, how they speak, how they set up and build.
+# Functions for the scripts: the project's folder, messages, setting up, building and processes.
 # Sourced, never run. Relies on bash and on being called from a script inside the project.
 
 project_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
