@@ -119,7 +119,7 @@ def expected_libraries(layers, includes):
 
 
 def drawn_functions(page):
-    """The names with an underscore in the page's drawings but for the layers."""
+    """The names with an underscore in the page's unmarked code blocks, which are drawings."""
     blocks = re.findall(r"^```(\w*)\n(.*?)^```$", page, re.MULTILINE | re.DOTALL)
     drawings = "\n".join(text for mark, text in blocks if not mark)
     return sorted(set(re.findall(r"\b[a-z]+(?:_[a-z]+)+\b", drawings)))

@@ -21,7 +21,7 @@ with open(os.path.join(HERE, "support", "document_members.json"), encoding="utf-
 with open(os.path.join(HERE, "..", "docs", "service-api.yaml"), encoding="utf-8") as file:
     API = yaml.safe_load(file)
 
-# What the service describes beside these is sent to it, or is not read.
+# The other schemas of the description are of documents that the program sends or does not read.
 SCHEMA_OF = {"state": "StateDocument", "devices": "Devices", "saved": "SettingsSaved",
              "save refusal": "Refusal", "registration refusal": "Refusal"}
 

@@ -16,7 +16,7 @@ PROJECT = pathlib.Path(__file__).resolve().parent.parent
 SOURCES = PROJECT / "src"
 PAGE = PROJECT / "docs" / "manual.md"
 
-# Where the lines come from that tell how the station is doing or what came of an action.
+# The files with the lines that say how the station is doing or what came of an action.
 EXPLAINED_FILES = [
     "receivers/coverage.cpp", "receivers/find_devices.cpp",
     "receivers/linger.cpp", "receivers/receiver_list.cpp", "status/internet_texts.cpp",
@@ -24,7 +24,7 @@ EXPLAINED_FILES = [
     "status/registration.cpp",
     "ui/field_rules.cpp", "ui/save_settings.cpp", "ui/station_link.cpp"]
 
-# What stands in those files and is no line to explain.
+# Texts of those files that need no explanation.
 NOT_EXPLAINED = {
     # names in a menu and beside a receiver
     "80 m to 40 m", "40 m to 20 m", "20 m to 15 m", "Airband, lower part", "Marine VHF",
@@ -40,7 +40,7 @@ NOT_EXPLAINED = {
     "loginctl show-user", "-p Linger --value", "loginctl enable-linger",
     "loginctl disable-linger"}
 
-# What the manual quotes from elsewhere: a router's menu, an owner's own words.
+# What the manual quotes that is no text of the program: a router's menu, an owner's words.
 NOT_OURS = {"WAN", "static lease", "reservation", "Antenna down until Sunday"}
 
 # What the manual puts in the place of values.
@@ -118,12 +118,12 @@ def sentences(code):
 
 
 def plain(sentence):
-    """Without markup, line ends and what only joins it to another text."""
+    """The sentence without markup, line ends and separators at its ends."""
     return re.sub(r"\s+", " ", re.sub(r"</?(b|span)\b[^>]*>", "", sentence)).strip(" ·")
 
 
 def text_of(sentence):
-    """Plain, without the values at its ends."""
+    """The plain sentence without the values at its ends."""
     return plain(sentence).strip(VALUE + " ·")
 
 

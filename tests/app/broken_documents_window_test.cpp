@@ -2,8 +2,8 @@
 // Documents that a broken or hostile service sends, one for every member of every document: the
 // member missing, of every other kind, and with every content that a text or a number can have.
 //
-// Where the program is to end, the library's error has to leave the handler; everywhere else the
-// window shows what it would with the member's default. A warning of the toolkit fails the test.
+// Where the program has to end, the exception of Boost.JSON must leave the handler; everywhere else
+// the window shows the same as with the member's default. A warning of GTK fails the test.
 #include "link/json_access.h"
 #include "receivers/find_devices.h"
 #include "status/registration.h"
@@ -85,8 +85,8 @@ std::string contents_of_window() {
     return contents_below(widgets.window);
 }
 
-/// What a pass over the station's state writes. Whether a status line is hidden is not its doing:
-/// that follows the form's switch.
+/// What drawing the station's state writes. Whether a status line is hidden is left out, since that
+/// depends on a switch of the form.
 std::string contents_of_status() {
     std::string contents =
         contents_below(gtk_stack_get_child_by_name(GTK_STACK(widgets.stack), "overview"));
@@ -113,8 +113,8 @@ protected:
         sound_contents_ = contents_of_window();
     }
 
-    /// Lets the service send this in place of the member's document, and the program read it.
-    /// True when the library's error left the handler.
+    /// Makes the service send this in place of the member's document, and the program read it.
+    /// True when an exception left the handler.
     bool ends_at(const DocumentMember& member, const std::string& text) {
         try {
             read(member.document, text);
@@ -137,7 +137,7 @@ protected:
         return status_only ? contents_of_status() : contents_of_window();
     }
 
-    /// The window is alive: it shows a sound document as it always did.
+    /// Expects that the window shows a valid document as it did at first.
     void expect_recovery() {
         load(state_document());
         clear_what_actions_left();
@@ -301,7 +301,7 @@ TEST_F(BrokenDocuments, TextThatIsNoUnicodeIsTheEnd) {
 }
 
 TEST_F(BrokenDocuments, AnyNumberLeavesTheWindowAliveAndAWholeOneStopsAtItsEnds) {
-    // In the order: as the service writes it, what 32 bits make of it, what 64 bits make of it.
+    // Each number as the service writes it, and as it is read into 32 and into 64 bits.
     const struct {
         const char* written;
         std::int64_t in_32_bits;

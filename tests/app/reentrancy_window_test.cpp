@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What happens when one action begins in the middle of another. Drawing a progress text and asking
-// a question both turn the main loop, and with it comes whatever the user or a timer does.
+// a question both run the main loop, which then also handles the user's events and timeouts.
 #include "link/json_access.h"
 #include "receivers/find_devices.h"
 #include "receivers/linger.h"
@@ -21,7 +21,7 @@ namespace {
 /// Requests by method and target, and how often each has to come.
 using Requests = std::map<std::string, int>;
 
-/// An action of the window and what it sends when nothing comes into it.
+/// An action of the window and what it sends when no other action begins meanwhile.
 struct Action {
     const char* name = nullptr;
     std::function<void()> run{};
@@ -121,7 +121,7 @@ TEST_F(Reentrancy, EveryActionMayBeginInTheMiddleOfEveryOther) {
     const Action linger{"linger", press_linger_switch, {}};
     const Action turn_page{"turn the page", [] { show_page_at_once("internet"); }, {}};
 
-    // Those that turn the main loop; any action may come into them.
+    // The outer actions run the main loop; any other action may begin meanwhile.
     const Action outer_actions[] = {find, enrol, block, close, end, save};
     const Action inner_actions[] = {find,   enrol,   block,  end,      save,
                                     reload, refresh, linger, turn_page};
@@ -129,7 +129,7 @@ TEST_F(Reentrancy, EveryActionMayBeginInTheMiddleOfEveryOther) {
         for (const Action& inner : inner_actions) {
             SCOPED_TRACE(testing::Message() << inner.name << " in the middle of " << outer.name);
             begin();
-            // What draws a frame or asks a question begins once.
+            // An action that runs the main loop does not begin a second time meanwhile.
             const bool begins = std::string_view{inner.name} != outer.name;
             bool ran = false;
             const auto intrude = [this, &inner, begins, &ran] {

@@ -87,7 +87,7 @@ protected:
     bool was_in_main_loop = false;
 
 private:
-    /// What the end of the process would take away: the poll, and a window that is still open.
+    /// Removes what would end with the process: the timeout of the poll, and a window that is open.
     static void forget_last_run() {
         while (GSource* poll = g_main_context_find_source_by_funcs_user_data(
                    nullptr, &g_timeout_funcs, nullptr))
@@ -102,7 +102,7 @@ private:
         StartUp* self = static_cast<StartUp*>(test);
         if (gtk_main_level() == 0)
             return G_SOURCE_CONTINUE;
-        // A dialog's own loop counts as one too.
+        // gtk_main_level also counts the loop of a dialog.
         for (GtkWidget* window : toplevels())
             if (GTK_IS_DIALOG(window))
                 return G_SOURCE_CONTINUE;
@@ -188,7 +188,7 @@ TEST_F(StartUp, EndsWhenTheWindowIsClosedBeforeItIsDrawn) {
 }
 
 TEST_F(StartUp, EndsWhenTheWindowIsClosedBeforeTheStateIsDrawn) {
-    // Ahead of the frame, as a press of the close button would be that came while the form loaded.
+    // Runs before the frame is drawn, like a press of the close button while the form loads.
     g_timeout_add_full(G_PRIORITY_HIGH, 1, on_close_once_loaded, this, nullptr);
     EXPECT_EQ(run({}), 0);
     EXPECT_FALSE(was_in_main_loop);
@@ -288,7 +288,7 @@ TEST_F(StartUp, AsksAboutTheOwnerAsOftenAsTheServiceRefuses) {
 
 TEST_F(StartUp, StartsABrokerThatIsDown) {
     service.will_answer_state(json::serialize(with(state_document(), "status.broker", false)));
-    // The form is loaded after the command: it has been asked for the state once by then.
+    // The form is loaded after the command: before it, the state has been requested once.
     std::size_t requests_by_then = 0;
     service.before_answering("GET", "/api/state", [&] {
         if (commands.calls("systemctl").empty())

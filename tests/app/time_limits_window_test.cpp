@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// How long each request waits for a service that takes it and stays silent.
+// How long each request waits for a service that reads the request and does not answer.
 #include "app/state_poll.h"
 #include "app/station_owner.h"
 #include "receivers/find_devices.h"

@@ -152,8 +152,8 @@ class Spoken(Case):
 class ReadingOrder(Case):
     def controls(self, program):
         """The controls of the page that Tab should reach, in reading order."""
-        # A menu takes the keyboard by a button of its own; what scrolls is no stop beside its
-        # content.
+        # The button inside a combo box gets the focus. A scrolled window is left out: the focus
+        # goes to its content.
         left = [a for a in walk_shown(program.body())
                 if a.get_state_set().contains(State.SENSITIVE) and a.get_role() != Role.SCROLL_PANE
                 and (a.get_state_set().contains(State.FOCUSABLE) or
@@ -166,7 +166,7 @@ class ReadingOrder(Case):
 
         ordered = []
         while left:
-            # A line: whatever stands beside the topmost one.
+            # All controls on one line with the topmost one.
             top = min(left, key=middle)
             line = [a for a in left if abs(middle(a) - middle(top)) < 10]
             ordered += sorted(line, key=lambda a: extents(a).x, reverse=mirrored)
@@ -174,11 +174,11 @@ class ReadingOrder(Case):
         return ordered
 
     def describe(self, accessible):
-        # GTK does not say that a menu has the focus: then nothing seems to have it.
+        # When a combo box has the focus, GTK reports no widget as focused.
         if accessible is None or accessible.get_role() == Role.COMBO_BOX:
             return "menu"
         words = f"{accessible.get_role_name()} “{label_of(accessible)}”"
-        # Buttons of one name differ in what they are about.
+        # Buttons of the same name differ in their descriptions.
         return words + (description_of(accessible) if words.endswith("→”") else "")
 
     def test_tab_follows_the_reading_order_on_every_page_and_leaves_the_text_boxes(self):
@@ -188,12 +188,12 @@ class ReadingOrder(Case):
         document["status"]["directory"] = {"state": "not registered"}
         self.scripted_service(document)
         program = self.open()
-        # All of a page in view: what is not has no place that could be compared.
+        # The whole page is in view, since a control outside has no position on the screen.
         program.resize(1000, 1700)
         for page in PAGES:
             with self.subTest(page=page):
                 program.page(page)
-                if page == "overview":  # a selection wakes the buttons below the table
+                if page == "overview":  # the buttons below the table need a selection
                     wait_for(lambda: Atspi.Table.add_row_selection(program.get(Role.TABLE), 0),
                              "a selection")
                 expected = [self.describe(a) for a in self.controls(program)]
@@ -204,7 +204,7 @@ class ReadingOrder(Case):
                 stops = [f"list item “{page.capitalize()}”"] + expected + [start]
                 program.focus(button)
                 for before, stop in zip([start] + stops, stops):
-                    # Between two controls nothing has the keyboard for a moment.
+                    # Between two controls no widget has the focus for a moment.
                     program.keys("Tab")
                     wait_for(lambda: self.describe(program.focused()) == stop,
                              lambda: f"Tab to go from {before} to {stop}; it went to "

@@ -23,7 +23,7 @@ from stand_in_service import REQUESTS
 
 PICTURES = BUILD / "tests" / "e2e-failures"
 
-# The station list's host, a choice of the build.
+# The station list's host, which is an option of the build.
 HOST = re.search(r"^TARNWAVE_DIRECTORY_HOST:\w+=(.*)$", (BUILD / "CMakeCache.txt").read_text(),
                  re.MULTILINE).group(1)
 
@@ -41,7 +41,8 @@ esac
 
 
 class Case(unittest.TestCase):
-    """A folder, stand-ins, and the promise that every program that a test starts ends cleanly."""
+    """Gives each test a folder and stand-ins for commands, and checks that every program that the
+    test starts ends cleanly."""
 
     maxDiff = None
 
@@ -67,7 +68,7 @@ class Case(unittest.TestCase):
         self.socket_path = self.folder / "settings.sock"
         for name in ("home", "config", "cache", "data", "bin"):
             (self.folder / name).mkdir()
-        # Without animations there is no half way between two pages.
+        # Animations are off, so that a page is shown at once.
         (self.folder / "config" / "gtk-3.0").mkdir()
         (self.folder / "config" / "gtk-3.0" / "settings.ini").write_text(
             "[Settings]\ngtk-enable-animations=0\n")

@@ -26,7 +26,7 @@ class Pages(Case):
         program = self.open()
         program.keys("ctrl+question")
         overlay = program.overlay()
-        # Its texts come one after the other.
+        # The overlay gets its texts one after the other.
         for title in ("Save changes", "Ask the service for news at once", "Close the window",
                       "Show a page by its place", "Next page", "Previous page"):
             program.get(Role.LABEL, title, inside=overlay)

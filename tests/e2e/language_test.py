@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""What a user's language changes: typed numbers, dates, the direction of reading. Run in some."""
+"""What a user's language changes: typed numbers, dates, the direction of reading. CTest runs this
+file once in each of several languages."""
 
 import os
 import unittest

@@ -25,7 +25,7 @@ class Program:
         self.pid = self.process.pid
         self._application = None
 
-    # What it says and how it ends.
+    # Its standard error and its end.
 
     def errors(self):
         return self._error.read_text()
@@ -242,8 +242,8 @@ class Program:
         return None
 
     def activate(self):
-        """Waits until the window gets the keys that are pressed, or what stands in front of it: a
-        dialog that is on the screen does not have them yet."""
+        """Waits until the frontmost window is active: a dialog may be on the screen before it gets
+        the keys that are pressed."""
         def front_is_active():
             return has_state([window for window in self.windows() if window.get_role() in
                               (Role.FRAME, Role.ALERT, Role.DIALOG)][-1], State.ACTIVE)

@@ -60,7 +60,7 @@ class SmallScreen(Sizes):
         program = self.open()
         program.keys("ctrl+question")
         overlay = program.overlay()
-        # Its last word, when all the others are there.
+        # Its last text, after which it is complete.
         program.get(Role.LABEL, "Previous page", inside=overlay)
         wait_for(lambda: extents(overlay).height > 0, "the overlay to get its size")
         self.assertLessEqual(extents(overlay).width, SMALL[0])
@@ -105,8 +105,8 @@ class LongTexts(Sizes):
         service = self.scripted_service(document)
         program = self.open()
         self.assertEqual(self.size(program), (1000, 780))
-        # Five polls and a page within the time that the window is given for anything. One run of
-        # so many letters, laid out in one piece, takes minutes.
+        # Five polls and a change of the page within the usual deadline. Pango would need minutes to
+        # lay out such a text in one piece.
         before = service.count("GET /api/state")
         program.keys("F5", "F5", "F5", "F5", "F5", "ctrl+2")
         wait_for(lambda: service.count("GET /api/state") >= before + 5, "the polls")
@@ -121,7 +121,7 @@ class LargePixels(Sizes):
         plain = extents(program.entry("Operator"))
         program.quit()
         program = self.open("station", GDK_SCALE="2")
-        # The screen is too small for all of the window: its widgets keep their measure.
+        # The window does not fit on the screen, so a widget in it is measured.
         drawn = extents(program.entry("Operator"))
         self.assertEqual((drawn.width, drawn.height), (plain.width, plain.height))
         content = extents(program.content())

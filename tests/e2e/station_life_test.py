@@ -12,8 +12,8 @@ BLOCKED = "One per line: an address such as 203.0.113.7, or a range such as 203.
 
 class Life(Case):
     def act_on_a_listener(self, program, name, outcome, what):
-        """Selects whoever is there and presses a button, until `outcome()` shows. A listener may
-        leave between the one and the other: then it is somebody else's turn."""
+        """Selects a listener and presses a button, until `outcome()` is true. When the listener
+        leaves in between, it selects another one."""
         def acted():
             button = program.find_button(name)
             # A button that can be pressed again has been pressed, and the outcome shows by now.

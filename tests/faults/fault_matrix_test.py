@@ -42,12 +42,12 @@ KINDS = {
     "block": ("POST /api/ban", "POST /api/ban", BLOCKED, BLOCKED, BLOCKED),
 }
 
-# Where nobody reads the document, a broken one is as good as any.
+# Where the program does not read the document, a broken one is a success too.
 SUCCESSES = ("good answer", "broken document")
 
 
 def one_fault_of_each_outcome():
-    """The first of each that needs neither time nor a socket that is not there."""
+    """The first fault of each outcome that takes no time and needs no change of the socket."""
     chosen = {}
     for fault in FAULTS:
         if not fault.keys() & {"connection", "silent", "pause_s"}:
@@ -95,7 +95,7 @@ class Matrix:
                        self.service.server_address)
 
     def wait_for_station(self):
-        """Until a started program shows the station on the air."""
+        """Waits until the program that was just started shows the station on the air."""
         report = self.program.hear_until(lambda report: shows(report, ON_THE_AIR))
         check(report is not None, "ended with", self.program.end() if report is None else "")
 
@@ -105,7 +105,7 @@ class Matrix:
         self.program = None
 
     def open(self):
-        """The program with the station on its pages; every action has been done once."""
+        """Starts the program and does every action once."""
         self.program = self.start()
         self.wait_for_station()
         for request in REQUESTS.values():

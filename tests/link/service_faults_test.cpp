@@ -18,7 +18,7 @@ namespace json = boost::json;
 
 namespace {
 
-/// One that every pause of the table is below or above.
+/// A time limit between the pauses of the table.
 constexpr auto time_limit = 3s;
 
 constexpr char good_body[] = R"({"settings":{},"status":{}})";

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What an exchange takes from the system and gives back, and the line that it writes for whoever
-// asks.
+// The descriptors and signals of an exchange, and the line that it writes into a trace.
 #include "link/service_link_fixture.h"
 #include "support/scarce_memory.h"
 

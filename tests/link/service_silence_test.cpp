@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Services that are not there, fall silent or take their time, and signals that come meanwhile.
+// Services that are not there, do not answer or answer slowly, and signals that come meanwhile.
 #include "link/service_link_fixture.h"
 #include "link/stopped_clock.h"
 #include "support/waiting_thread.h"
@@ -19,7 +19,7 @@ namespace {
 
 using TimeOuts = std::vector<std::chrono::milliseconds>;
 
-/// Longer than a socket has room for while nobody reads it.
+/// Longer than the kernel's buffer of a socket.
 const std::string large_body(4'000'000, 'x');
 
 class SilentService : public ServiceLink {

@@ -45,7 +45,7 @@ void let_pass(std::chrono::milliseconds duration, bool with_signal) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds{patience.tv_sec};
     while (!waits_in_vain()) {
         if (wake_up < 0)
-            return; // whoever waited has given up
+            return; // the stopped clock is gone
         if (std::chrono::steady_clock::now() > end)
             throw std::runtime_error{"nobody waits for time to pass"};
         changed.wait_for(lock, 1ms);
@@ -87,7 +87,7 @@ extern "C" int poll(pollfd* descriptors, nfds_t count, int time_out_ms) {
         eventfd_t ignored = 0;
         if (both[1].revents != 0)
             eventfd_read(wake_up, &ignored);
-        // Time has passed, and a signal has come, before anything else was sent.
+        // The signal came before anything else was sent.
         if (std::exchange(interrupted, false)) {
             errno = EINTR;
             return -1;

@@ -262,7 +262,7 @@ TEST_F(ReceiverRows, GreyTheFrequenciesOfAReceiverThatIsOff) {
     EXPECT_FALSE(gtk_widget_is_sensitive(receiver().low_spin));
     EXPECT_EQ(range(), "7.000-7.300");
     EXPECT_TRUE(widgets.dirty);
-    // All of it pales, whatever colours its parts have of their own.
+    // The opacity applies to all of the box, whatever the colours of its parts.
     GtkStyleContext* style = gtk_widget_get_style_context(receiver().details_box);
     double opacity = 1;
     gtk_style_context_get(style, gtk_style_context_get_state(style), "opacity", &opacity, nullptr);

@@ -28,7 +28,7 @@ from stand_in_service import (  # noqa: E402 (the path comes first)
 ROUND = 100
 QUIET_POLLS = 3
 
-# What may change from the first third of the figures to the last one.
+# The most that the figures may rise from their first third to their last one.
 MOST_HEAP_PER_POLL = 16       # bytes
 MOST_HEAP_AT_ALL = 384 << 10  # bytes; what the texts and rows of the moment make up
 MOST_MORE_DESCRIPTORS = 0
@@ -82,8 +82,8 @@ class Station:
         return document
 
     def next_fault(self, key):
-        """The fault that takes the place of an answer, or None. Each kind of request meets in turn
-        those that it must outlive; the silence, as long as the time limit, only twice."""
+        """The fault to send in place of an answer, or None. Each kind of request meets in turn the
+        faults that must not end the program; the silence, which lasts a time limit, only twice."""
         self.answers += 1
         if not self.faulty or self.answers <= 2 or self.quiet:
             return None
@@ -132,8 +132,8 @@ class Station:
 
 
 def faults_outlived_by(key):
-    """Those of one kind of request that leave the program alive. Of those that take time there is
-    one silence, which a poll meets twice."""
+    """The faults of one kind of request that must not end the program. Faults that take time are left
+    out, but for one silence, which a poll meets twice."""
     chosen = [fault for fault in FAULTS
               if not REQUESTS[key].ends_program(fault) and not fault.get("silent") and
               "pause_s" not in fault and fault.get("connection", "absent") == "absent"]
@@ -143,7 +143,7 @@ def faults_outlived_by(key):
 
 
 def live(program, station, polls):
-    """So many polls and what a user does between them; the figures of each round."""
+    """Makes so many polls, with a user's actions between them; returns the figures of each round."""
     actions = [request.commands for key, request in REQUESTS.items() if key != "GET /api/state"]
     figures = []
     for poll in range(1, polls + 1):

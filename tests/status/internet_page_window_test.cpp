@@ -21,7 +21,7 @@ std::string line_of(GtkWidget* label) {
 }
 
 TEST_F(InternetPage, TellsHowToForwardThePort) {
-    // What the computer's own addresses are is its own matter.
+    // The address depends on the computer that runs the test.
     const std::string address = lan_address();
     const std::string at = address.empty() ? "" : " (<b>" + address + "</b>)";
     for (const bool relay_wanted : {false, true}) {

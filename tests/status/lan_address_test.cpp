@@ -15,7 +15,7 @@
 
 namespace {
 
-/// What getifaddrs(3) says, when it is not to be asked; 0: ask it.
+/// The error with which getifaddrs(3) fails; with 0 the real function is called.
 int refusal = 0;
 
 } // namespace

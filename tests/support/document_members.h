@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Every member of every document that the service sends and the program reads, with what becomes
-// of the program when the service breaks its word about it.
+// Every member of every document that the service sends and the program reads, and what the program
+// does when the member is missing or of another kind.
 //
 // The table is document_members.json; document_members_test.py compares it with the description of
 // the service's documents and with the names that the sources look up.
@@ -16,8 +16,8 @@
 
 /// What a document does that lacks a member, or holds another kind in its place.
 struct Breach {
-    bool ends = false;                        ///< the program, by the library's error
-    std::optional<boost::json::value> like{}; ///< shows the same as with this value
+    bool ends = false;                        ///< the program ends, by an exception
+    std::optional<boost::json::value> like{}; ///< the window shows the same as with this value
 };
 
 struct DocumentMember {

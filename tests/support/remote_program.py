@@ -17,7 +17,7 @@ class Program:
         environment = dict(os.environ, TARNWAVE_SETTINGS_SOCKET=socket_path, LD_PRELOAD=library,
                            NO_AT_BRIDGE="1", G_DEBUG="fatal-warnings", PATH=str(folder / "bin"),
                            LC_ALL="C.UTF-8", HOME=str(folder))
-        # The sanitizer is content with a library ahead of its own.
+        # Allows a preloaded library before the one of the sanitizer.
         environment["ASAN_OPTIONS"] = ":".join(
             filter(None, [environment.get("ASAN_OPTIONS"), "verify_asan_link_order=0"]))
         self._errors = folder / "stderr"

@@ -41,7 +41,7 @@ const fs::path& home() {
 
 void set_up_stub_browser() {
     fs::create_directories(home() / "applications");
-    // A new file in place of the old one: nobody reads half an address.
+    // The address is written into a new file that replaces the old one, so that it is read whole.
     std::ofstream{home() / "browser"} << "#!/bin/sh\nprintf '%s' \"$1\" >'" << home().string()
                                       << "/draft'\n/bin/mv '" << home().string() << "/draft' '"
                                       << home().string() << "/opened'\n";

@@ -125,7 +125,7 @@ protected:
     }
 
     static void expect_ring(GtkWidget* widget, const char* state) {
-        // Half of the way around, or of that around an expander's title.
+        // Half of the widget's outline; for an expander, of its title's.
         const int least = std::min(300, gtk_widget_get_allocated_width(widget) +
                                             gtk_widget_get_allocated_height(widget));
         EXPECT_GE(ring_pixels(widget), least)

@@ -13,7 +13,7 @@ namespace {
 class Builders : public WindowTest {
 protected:
     Builders() {
-        // Never shown, and nobody's child: the test holds it.
+        // The box has no parent, so the test holds the reference.
         g_object_ref_sink(box);
     }
     ~Builders() override {
@@ -217,8 +217,8 @@ TEST_F(TextBoxes, LeaveHiddenCharactersOut) {
     EXPECT_EQ(text_of_view(widgets.description_view), "seen");
 }
 
-/// Where the pieces begin and end that a label's text is cut into, in bytes; the last one ends
-/// nowhere.
+/// The begin and end, in bytes, of each piece that a label's text is cut into; the end of the last
+/// one is G_MAXINT.
 std::vector<std::pair<int, int>> pieces_of(GtkWidget* label) {
     std::vector<std::pair<int, int>> pieces;
     PangoAttrIterator* each =
@@ -232,7 +232,7 @@ std::vector<std::pair<int, int>> pieces_of(GtkWidget* label) {
 }
 
 TEST(LongTexts, AreLaidOutInTimeThatGrowsWithTheirLength) {
-    // One run of 64 kB takes minutes: the pieces it is cut into are what this holds.
+    // A run of 64 kB takes minutes; the length of the pieces is checked, not the time.
     GtkWidget* label = make_label(std::string(65'536, 'x').c_str(), nullptr);
     g_object_ref_sink(label);
     int longest = 0;
@@ -248,7 +248,7 @@ TEST(LongTexts, AreLaidOutInTimeThatGrowsWithTheirLength) {
 }
 
 TEST(LongTexts, AreNeverCutInsideACharacter) {
-    std::string text = "x"; // an odd beginning: every even boundary lies inside a character
+    std::string text = "x"; // one byte, so that every even position is inside a character
     for (int i = 0; i < 1000; ++i)
         text.append("ü");
     GtkWidget* label = make_label(text.c_str(), nullptr);
