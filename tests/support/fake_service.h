@@ -5,7 +5,7 @@
 //     FakeService service;
 //     service.will_answer("PUT", "/api/settings", 409, R"({"error":"The port is taken."})");
 //     service.will_answer_state(text_of_a_state_document);
-// What no proper service would do is a script for one connection, a list of steps:
+// A script, which is a list of steps, makes one connection behave as no proper service would:
 //     service.next_connection({read_request(), send("HTTP/1.1 200 OK\r\n"), stay_silent()});
 // A connection is closed after its last step. Connections take the scripts in order, then the
 // answers meant for one request, then the standing ones; what nothing answers gets a 404.
@@ -79,7 +79,7 @@ public:
     /// Answers every request of this method and target, from now on.
     void will_answer(const std::string& method, const std::string& target, int status,
                      std::string body);
-    /// Answers the next request of this method and target, before standing answers count.
+    /// Answers the next request of this method and target, instead of the standing answer.
     void will_answer_once(const std::string& method, const std::string& target, int status,
                           std::string body);
     /// Answers GET "/api/state" with 200 and this document, from now on.
@@ -95,7 +95,7 @@ public:
     /// or a minute has passed. It is asked on the service's thread, again and again.
     void accept_once(std::function<bool()> condition);
 
-    /// Ends like a service that was stopped: connections are cut, the socket file goes.
+    /// Ends like a service that was stopped: connections are closed, the socket file is removed.
     void stop();
 
     /// Stops and removes the folder with the socket: for a process that ends without destructors.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A stand-in for poll(2) in the test program: a wait for a silent service ends at once as if its
-// time were over, and its time limit is written down.
+// A stand-in for poll(2) in the test program: a wait for a reply ends at once as if its time limit
+// had passed, and the limit is recorded.
 #pragma once
 
 #include <vector>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A stand-in for nanosleep(2) in the test program: pauses end at once and are written down.
+// A stand-in for nanosleep(2) in the test program: pauses end at once and are recorded.
 #pragma once
 
 #include <vector>

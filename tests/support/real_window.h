@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Hands on the window of the real program, for libraries that are preloaded into it.
+// Functions to operate the window of the real program, for libraries that are preloaded into it.
 //
-// They know the window as its user does: by the words on its buttons and in its empty fields. What
-// is not there ends the program.
+// Widgets are found by their texts and placeholders, as a user finds them. When a widget is not
+// there, the program ends.
 #pragma once
 
 #include <gtk/gtk.h>
@@ -19,9 +19,9 @@ std::vector<GtkWidget*> all_widgets();
 GtkWidget* button_named(const char* name);
 /// The same below a widget; null when there is none.
 GtkWidget* button_in(GtkWidget* root, const char* name);
-/// Until a button is no longer greyed, as it is while its last action comes to an end.
+/// Waits until a button is sensitive; it is not while its last action comes to an end.
 void wait_for_button(const char* name);
-/// Presses a button unless it is greyed.
+/// Presses a button if it is sensitive.
 void click(const char* name);
 
 /// The entry of the station's name.
@@ -32,8 +32,8 @@ GtkWidget* open_dialog();
 /// The texts of the labels below a widget, those of buttons too.
 std::vector<std::string> texts_in(GtkWidget* root);
 
-/// Presses a button that asks a question, unless it is greyed, and accepts. What follows is over
-/// when this returns.
+/// Presses a button that asks a question, if it is sensitive, and accepts. Returns when the action
+/// is over.
 void click_and_agree(const char* name);
 
 /// False when there is no listener.

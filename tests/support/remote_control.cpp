@@ -53,7 +53,8 @@ json::array texts_of(GtkWidget* root) {
     return texts;
 }
 
-/// What the user sees at once; the button follows when it is no longer busy.
+/// Looks for the label, which is shown at once; the button becomes sensitive only when it is no
+/// longer busy.
 bool says_unsaved(const std::vector<GtkWidget*>& all) {
     return std::any_of(all.begin(), all.end(), [](GtkWidget* widget) {
         return GTK_IS_LABEL(widget) && gtk_widget_get_visible(widget) &&

@@ -17,9 +17,8 @@ FAULTS = json.loads((ROOT / "tests" / "faults" / "faults.json").read_text())
 
 
 class Request:
-    """One kind of request: a good answer, what the window has to be told to make it (see
-    remote_control.cpp), and which answers the program reads. One that it reads and that is not as
-    described ends the program."""
+    """One kind of request: a good answer, the commands for remote_control.cpp that make the program
+    send it, and which answers the program reads. A broken answer that it reads ends the program."""
 
     def __init__(self, reply, *commands, reads_reply=False, reads_refusal=False):
         self.reply = reply

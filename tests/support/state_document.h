@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A state document as the station service sends it, and the way to bend one thing in it.
+// A state document as the station service sends it, and functions to change one value in it.
 //
 // Tests start from the whole and valid document and name only what matters to them:
 //     with(state_document(), "status.relay.state", "connected")

@@ -8,8 +8,8 @@
 #include <sanitizer/lsan_interface.h>
 #endif
 
-/// Sets the browser up for the whole process, in the folders of a home of its own. Called once,
-/// before GLib is asked for anything.
+/// Sets the browser up for the whole process, in a home folder of its own. Called once, before any
+/// function of GLib.
 void set_up_stub_browser();
 
 class StubBrowser {

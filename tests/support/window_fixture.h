@@ -103,7 +103,7 @@ void select_listener(int index);
 void show_page_at_once(const char* name);
 
 /// The tests share one window. The constructor puts back all that a test may leave behind and a
-/// load does not replace: what the next test needs reset, it is reset here.
+/// load does not replace.
 class WindowTest : public testing::Test {
 protected:
     WindowTest();
@@ -120,7 +120,7 @@ protected:
     /// Answers the next dialog that no other answer is meant for with a response. `while_open`
     /// runs first.
     void answer_next_dialog(int response, std::function<void()> while_open = {});
-    /// Hands the next dialog to a function that has to see to its end.
+    /// Calls a function with the next dialog, which the function has to end.
     void handle_next_dialog(std::function<void(GtkDialog*)> handler);
 
     /// The dialogs that were answered in this test.

@@ -15,18 +15,18 @@ int main(int argc, char** argv) {
     if (GTEST_FLAG_GET(list_tests))
         return RUN_ALL_TESTS();
     set_up_stub_browser();
-    // Months, the toolkit's own buttons and dates are those of the tests, whoever runs them.
+    // The names of months, GTK's own buttons and dates do not depend on the user's locale.
     setenv("LC_ALL", "C.UTF-8", 1);
     unsetenv("LANGUAGE");
     setenv("TZ", "UTC0", 1);
-    // Before the toolkit reads it: no accessibility bus, which these tests do not look at.
+    // Set before gtk_init: these tests need no accessibility bus.
     setenv("NO_AT_BRIDGE", "1", 1);
     g_log_set_always_fatal(
         static_cast<GLogLevelFlags>(G_LOG_FATAL_MASK | G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_WARNING));
     std::signal(SIGCHLD, SIG_DFL);
     gtk_init(&argc, &argv);
     std::setlocale(LC_NUMERIC, "C");
-    // Colours are read back from widgets: they must not be on their way from one to another.
+    // Tests read the colours of widgets, which must not be in a transition.
     g_object_set(gtk_settings_get_default(), "gtk-enable-animations", FALSE, nullptr);
     return RUN_ALL_TESTS();
 }
