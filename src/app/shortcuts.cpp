@@ -13,7 +13,7 @@
 namespace {
 
 void save_if_edited() {
-    // As the button, which is insensitive for a key that was queued while the form was saved, too.
+    // A key that was queued while the form was saved must do nothing, as a click would.
     if (gtk_widget_get_sensitive(widgets.save_button))
         save_settings();
 }
@@ -25,7 +25,8 @@ gboolean on_refresh_idle(gpointer source) {
     return G_SOURCE_REMOVE;
 }
 
-/// Once for all presses that wait: of a service that hangs, each would take its time limit.
+/// Sends one request for all presses in the queue: when the service hangs, each request would block
+/// for its time limit.
 void refresh_when_idle() {
     static guint source = 0;
     if (source == 0)
@@ -86,7 +87,7 @@ GtkWidget* make_overlay_row(const Shortcut& shortcut) {
 }
 
 GtkWidget* make_overlay() {
-    // One group: GTK lays two side by side, wider than a small screen.
+    // GTK lays two groups side by side, which is wider than a small screen.
     gpointer group = g_object_new(GTK_TYPE_SHORTCUTS_GROUP, "visible", TRUE, nullptr);
     for (const Shortcut& shortcut : shortcuts)
         gtk_container_add(GTK_CONTAINER(group), make_overlay_row(shortcut));
@@ -98,7 +99,7 @@ GtkWidget* make_overlay() {
     return GTK_WIDGET(window);
 }
 
-/// The overlay's search button shows a picture only, and GTK has not named it.
+/// The overlay's search button shows a picture only, and GTK gives it no accessible name.
 void name_search_button(GtkWidget* widget, gpointer) {
     if (GTK_IS_TOGGLE_BUTTON(widget))
         set_accessible_name(widget, "Search");

@@ -27,7 +27,7 @@
 
 namespace {
 
-/// Without its ending: by this name a desktop finds it from a window.
+/// The name without ".desktop", by which a desktop finds the file that belongs to a window.
 constexpr char desktop_file_name[] = "org.tarnwave.Settings";
 
 constexpr char help_text[] =
@@ -56,7 +56,7 @@ bool answer_without_display(std::string_view argument) {
 
 /// Ends the program at an uncaught exception, after a sentence on stderr. Only documents that break
 /// the service's contract get here.
-// GCOVR_EXCL_START: the process aborts and takes the counts with it; the end-to-end tests look on.
+// GCOVR_EXCL_START: the process aborts and takes the counts with it; the end-to-end tests cover it.
 [[noreturn]] void end_with_a_sentence() {
     std::string message = "unknown error";
     try {
@@ -100,8 +100,8 @@ std::optional<std::string> probe_service() {
     }
 }
 
-/// Starts the user's receiver broker when the service says that it is down. Swallows every error
-/// of a document that does not say so: the state drawn later shows whether receivers run.
+/// Starts the user's receiver broker when the service says that it is down. Ignores every error in
+/// the document: `load_form` reads it again.
 void start_broker_if_down(const std::string& state_document) {
     try {
         const json::value document = parse_reply(state_document);
@@ -129,7 +129,7 @@ int start_up(int argc, char** argv) {
     g_set_prgname(desktop_file_name);
     gtk_init(&argc, &argv);
     gdk_set_program_class(desktop_file_name);
-    // GTK takes over the user's locale. Frequencies are written and read with a dot everywhere;
+    // gtk_init sets the user's locale. Frequencies are written and read with a dot in every locale;
     // dates keep the user's language.
     std::setlocale(LC_NUMERIC, "C");
     take_over_socket_path();

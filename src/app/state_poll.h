@@ -4,10 +4,9 @@
 
 #include <glib.h>
 
-/// Time from one poll to the next, in seconds. Short enough to follow listeners as they come and
-/// go.
+/// Time from one poll to the next, in seconds.
 inline constexpr guint poll_interval_s = 3;
 
-/// Runs `refresh_status` while there is a window. A GLib timeout callback that keeps its timeout;
-/// the argument is ignored.
+/// Runs `refresh_status` while there is a window. For `g_timeout_add_seconds`; the argument is
+/// ignored.
 gboolean poll_state(gpointer);

@@ -14,7 +14,7 @@ std::string owner_file_path = "/etc/tarnwave/owner";
 
 namespace {
 
-/// How often the service is asked whether it accepts the new owner, and the pause between.
+/// How many times the service is asked whether it accepts the new owner, and the pause after each.
 constexpr int tries = 50;
 constexpr std::chrono::milliseconds pause{200};
 
@@ -60,6 +60,6 @@ std::string owner_sentence() {
 }
 
 bool check_owner() {
-    // The window may have been closed just after the answer: then change nothing.
+    // When the window was closed just after the answer, nothing may change.
     return user_wants_to_be_owner() && widgets.window && set_owner() && service_accepts_owner();
 }

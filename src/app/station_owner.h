@@ -7,12 +7,12 @@
 /// The file whose first line is the owner's login name.
 extern std::string owner_file_path;
 
-/// "The station owner is NAME." for the first line of the owner file, or that there is none: also
-/// for a file that cannot be read and for an empty first line. Valid UTF-8.
+/// Returns "The station owner is NAME." in valid UTF-8, or "This station has no owner yet." when
+/// the owner file cannot be read or its first line is empty.
 std::string owner_sentence();
 
 /// Says who the owner is and offers to make the current user the owner, with an administrator's
 /// password. Returns true when the service has answered afterwards; false when the user declined,
-/// the change failed, or the service still refuses. Blocks while the change runs and then up to
-/// fifty tries, without drawing.
+/// the change failed, or the service still refuses. Blocks the main loop while the change runs and
+/// while the service is asked, up to fifty times.
 bool check_owner();

@@ -12,7 +12,7 @@ json::object status_object;
 
 namespace {
 
-/// What `contract_error_message` tells.
+/// The current step, and the strict read that failed in it, for `contract_error_message`.
 struct {
     const char* step = nullptr;
     const char* failed_read = nullptr;
@@ -33,7 +33,7 @@ template <class Object, class Value> Value* walk(Object& root, std::string_view 
         Value* found = object->if_contains(key.substr(0, end));
         if (!found)
             return nullptr;
-        // A full stop at the very end opens no further segment.
+        // A full stop at the end of the key begins no further segment.
         key = end == std::string_view::npos ? std::string_view{} : key.substr(end + 1);
         if (key.empty())
             return found;
@@ -175,7 +175,7 @@ ReadingStep::~ReadingStep() {
 }
 
 std::string contract_error_message(const char* library_message) {
-    // Without a read that failed, the fault is not the service's.
+    // When no strict read failed, the service's document is not at fault.
     if (!reading.step || !reading.failed_read)
         return std::string{"stopped by an unexpected error ("} + library_message + ").";
     return std::string{"the Tarnwave service sent a reply that this program cannot use, while "} +

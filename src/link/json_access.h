@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // The JSON that the station service sends, and the two ways to read it.
 //
-// Lenient accessors never fail: what is missing or of another kind is nothing, "" or 0. Strict
-// accessors throw what the JSON library throws; nobody between them and the main loop catches it,
-// so a document that breaks the service's contract ends the program, and `contract_error_message`
-// says in words which member was at fault.
+// Lenient accessors never fail: a member that is missing or of another kind reads as nothing, "" or
+// 0. Strict accessors throw the JSON library's errors; no code between them and the main loop
+// catches them, so a document that breaks the service's contract ends the program, and
+// `contract_error_message` says in words which member was at fault.
 #pragma once
 
 #include <boost/json/fwd.hpp>
@@ -64,18 +64,19 @@ json::object& required_object(json::object& object, const char* name);
 const json::array& required_array(const json::object& object, const char* name);
 bool required_bool(const json::object& object, const char* name);
 
-/// A boolean that may be missing (then `otherwise`) but has no other kind: throws on one.
+/// Returns the boolean, or `otherwise` when the member is missing. Throws when it is of another
+/// kind.
 bool optional_bool(const json::object& object, const char* name, bool otherwise);
 
-/// Reads the root of a document or the element of an array, which `what` names in words for
-/// `contract_error_message`. Throws when it is of another kind.
+/// For the root of a document or an element of an array. `what` names it in words for
+/// `contract_error_message`. Throws when the value is of another kind.
 const json::object& as_object(const json::value& value, const char* what);
 json::object& as_object(json::value& value, const char* what);
 const json::array& as_array(const json::value& value, const char* what);
 bool as_bool(const json::value& value, const char* what);
 
-/// Says what the program is doing with a document while the object exists. Of several, the
-/// innermost counts.
+/// Keeps a step (what the program does with a document) for `contract_error_message` while the
+/// object exists. Of nested objects the innermost counts.
 class ReadingStep {
 public:
     explicit ReadingStep(const char* step);
@@ -87,6 +88,6 @@ private:
     const char* outer_;
 };
 
-/// One sentence for a person, for the moment in which an error ends the program: at which step a
-/// strict read failed and of what, or that it was another error.
+/// The sentence to print when an error ends the program: which strict read failed at which step, or
+/// that it was another error.
 std::string contract_error_message(const char* library_message);

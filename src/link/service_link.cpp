@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The one unit with Asio and Beast in it.
+// The only translation unit that includes Asio and Beast.
 #define G_LOG_DOMAIN "tarnwave"
-// Beast asserts that at least five bytes wait when it looks at the last chunk again. A reply
-// without any other chunk that comes a byte at a time has four then; the parser copes with them.
+// Beast asserts that its buffer holds at least five bytes when it parses the last chunk again. It
+// holds four when a reply of that chunk alone arrives a byte at a time, which parses correctly.
 #define BOOST_DISABLE_ASSERTS
 #include "link/service_link.h"
 
@@ -41,15 +41,14 @@ constexpr std::size_t header_limit = 8'192;
 /// Largest reply body accepted, in bytes (8 MiB).
 constexpr std::size_t body_limit = 8'388'608;
 
-/// Most bytes that wait undecoded. A header never needs more, nor does a body; only the extension
-/// of a chunk or a trailer could.
+/// Most bytes in the read buffer. Only the extension of a chunk or a trailer could need more.
 constexpr std::size_t buffer_limit = 65'536;
 
-/// The stream that Beast reads from and writes to: a socket that does not block, and `poll` up to
-/// the time limit of each single read and write.
+/// The synchronous stream that Beast reads from and writes to: a non-blocking socket, on which each
+/// read and write polls until its time limit.
 ///
-/// The time-outs that a socket has by itself would bound nothing: Asio takes their error for "would
-/// block" and waits without limit.
+/// SO_RCVTIMEO and SO_SNDTIMEO would have no effect: Asio takes their error for `would_block` and
+/// waits without limit.
 class TimedStream {
 public:
     TimedStream(Socket& socket, std::chrono::seconds time_limit)
@@ -64,7 +63,7 @@ public:
                                  [&] { return socket_.write_some(buffers, error); });
     }
 
-    // Beast asks a stream for these too, and calls neither.
+    // SyncReadStream and SyncWriteStream require these overloads, which are never called.
     template <class Buffers> std::size_t read_some(const Buffers& buffers);
     template <class Buffers> std::size_t write_some(const Buffers& buffers);
 
@@ -78,7 +77,7 @@ private:
                 return size;
             const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
             pollfd descriptor{.fd = socket_.native_handle(), .events = event, .revents = 0};
-            // A signal ends the wait early: the next one has what is left of the time limit.
+            // When a signal interrupts poll, the next poll waits for the rest of the time limit.
             if (left.count() <= 0 || ::poll(&descriptor, 1, static_cast<int>(left.count())) == 0) {
                 error = net::error::timed_out;
                 return 0;
@@ -104,10 +103,10 @@ constexpr http::verb verb_of(HttpMethod method) {
 Socket connected_socket(net::io_context& context) {
     const net::local::stream_protocol::endpoint service{settings_socket_path};
     Socket socket{context, service.protocol()};
-    // The commands that the program runs do not inherit it.
+    // The commands that the program runs must not inherit the socket.
     ::fcntl(socket.native_handle(), F_SETFD, FD_CLOEXEC);
     error_code error;
-    do // a local connect that a signal interrupted has left nothing behind
+    do // a local connect that a signal interrupted can be repeated
         socket.connect(service, error);
     while (error == net::error::interrupted);
     if (error)
@@ -116,8 +115,8 @@ Socket connected_socket(net::io_context& context) {
     return socket;
 }
 
-/// The service answers a request that has exactly these fields; a body sent with GET is framed
-/// too, an empty one is not.
+/// The service answers only requests with exactly these fields. `prepare_payload` adds a
+/// Content-Length to a GET that has a body, and none to one without.
 void write_request(TimedStream& stream, HttpMethod method, std::string_view target,
                    std::string_view body) {
     http::request<http::span_body<const char>> request;
@@ -134,11 +133,11 @@ void write_request(TimedStream& stream, HttpMethod method, std::string_view targ
 
 ServiceReply read_reply(TimedStream& stream) {
     boost::beast::flat_buffer buffer{buffer_limit};
-    buffer.reserve(buffer_limit); // most replies come in one receive then
+    buffer.reserve(buffer_limit); // so that one receive is enough for most replies
     http::response_parser<http::string_body> parser;
     parser.header_limit(header_limit);
     parser.body_limit(body_limit);
-    // The parser applies its limit to the status line and to the fields each by itself.
+    // The parser applies its limit to the status line and to the fields separately.
     if (http::read_header(stream, buffer, parser) > header_limit)
         throw boost::system::system_error{http::error::header_limit};
     http::read(stream, buffer, parser);
@@ -171,7 +170,7 @@ ServiceReply service_request(HttpMethod method, std::string_view target, std::st
     } catch (...) {
         error = net::error::no_memory;
     }
-    // One line for whoever sets G_MESSAGES_DEBUG=tarnwave. Never a body: it may hold a relay key.
+    // Printed with G_MESSAGES_DEBUG=tarnwave. Never a body: it may contain a relay key.
     std::array<char, 128> reason{};
     g_debug("%s %.*s: status %d, %zu bytes, %.1f ms%s%s", http::to_string(verb_of(method)).data(),
             static_cast<int>(target.size()), target.data(), reply.status, reply.body.size(),

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // One request to the station service and its reply, over the service's local socket.
 //
-// The link moves text only: it knows nothing of JSON or of the window, keeps no connection
-// between requests and never throws. What a failure means is the caller's decision.
+// Each request opens its own connection. Bodies are plain text here; the callers parse the JSON and
+// decide what a failure means.
 #pragma once
 
 #include <string>
@@ -12,8 +12,7 @@
 /// request. At most 107 bytes, the room for a path in `sockaddr_un` (unix(7)).
 extern std::string settings_socket_path;
 
-/// The methods the service knows: reading is GET, saving the settings PUT, every other change
-/// POST.
+/// The service's methods: GET reads, PUT saves the settings, POST is every other change.
 enum class HttpMethod { get, post, put };
 
 /// Time limit of the requests that the service answers at once, in seconds.
@@ -26,7 +25,7 @@ struct ServiceReply {
 
 /// Sends one request and waits for its reply. `target` is an absolute path such as "/api/state";
 /// `body` is sent as it is. `time_limit_s` (whole seconds, above 0) bounds each send and each
-/// receive, not the exchange as a whole; the window stands still meanwhile. Never throws: every
+/// receive, not the exchange as a whole; the main loop is blocked meanwhile. Never throws: every
 /// failure is a reply of status 0. Not reentrant, and called on the main thread only.
 ServiceReply service_request(HttpMethod method, std::string_view target, std::string_view body,
                              int time_limit_s = usual_time_limit_s);

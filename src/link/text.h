@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Text that is formatted, converted, shortened or escaped. No GTK: the sentences are made from it,
-// and so are the labels that show them.
+// Functions that format, convert, shorten and escape text, for the sentences and for the labels
+// that show them. They need no GTK.
 #pragma once
 
 #include <cstddef>
@@ -19,7 +19,7 @@ using GlibText = std::unique_ptr<char, GlibFree>;
 /// is an argument, never the format.
 [[gnu::format(printf, 1, 2)]] std::string format_text(const char* format, ...);
 
-/// Converts a text of the user's locale, such as a month's name, to UTF-8; "" where it cannot be.
+/// Converts a text of the user's locale, such as a month's name, to UTF-8; "" when that fails.
 std::string utf8_of_locale(std::string_view text);
 
 /// A text from outside as GTK can show it: valid UTF-8, and U+FFFD in the place of U+0000.
@@ -30,8 +30,8 @@ constexpr bool is_continuation_byte(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
 }
 
-/// Longest text from outside that a label shows, in bytes. Nobody reads more, and the layout of a
-/// longer one takes over a tenth of a second.
+/// Longest text from outside that a label shows, in bytes. The layout of a longer text takes over a
+/// tenth of a second.
 inline constexpr std::size_t longest_shown_text = 8192;
 
 /// Cuts a longer text after at most `most_bytes`, between two characters, and appends an ellipsis.
@@ -42,11 +42,11 @@ std::string shortened(std::string_view text, std::size_t most_bytes = longest_sh
 std::string shortened_in_front(std::string_view text, std::size_t most_bytes = longest_shown_text);
 
 /// Encloses a text that has right-to-left letters in U+2068 and U+2069, so that it does not reorder
-/// the numbers beside it, after a left-to-right mark, since Pango would take the direction of the
-/// whole line from within. Other texts stay as they are. `text` is valid UTF-8.
+/// the numbers beside it. A left-to-right mark goes before it, because Pango would otherwise take
+/// the direction of the whole line from it. Other texts stay as they are. `text` is valid UTF-8.
 std::string isolated(std::string_view text);
 
 /// Shortens text and escapes it for Pango markup, control characters included. `text` is valid
-/// UTF-8, as all JSON is. U+0000 ends the text, as it does in GTK's labels: inside markup it would
-/// cut off the closing tags.
+/// UTF-8, as all JSON is. The result ends before a U+0000, which would cut off the closing tags of
+/// the markup around it.
 std::string escaped_markup(std::string_view text);

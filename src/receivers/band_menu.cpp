@@ -21,7 +21,7 @@ void set_range_to_band(GtkWidget* menu, std::size_t index) {
     const Receiver& receiver = widgets.receiver_list[index];
     if (!receiver.low_spin)
         return;
-    // Setting a value also discards a text that was typed and not committed.
+    // Setting the value also discards typed text that is not committed.
     gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver.low_spin), range->low_mhz);
     gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver.high_spin), range->high_mhz);
 }
@@ -30,13 +30,13 @@ void on_band_item_activated(GtkMenuItem*, gpointer menu) {
     g_signal_emit_by_name(menu, "changed");
 }
 
-/// GtkComboBox emits no "changed" for the item that is active already, but its menu items emit
-/// "activate". They exist once the menu was opened.
+/// GtkComboBox emits no "changed" when the active item is chosen again, but the menu item emits
+/// "activate". The menu items exist only after the menu was opened.
 void on_band_list_shown(GtkComboBox* menu, GParamSpec*, gpointer) {
     for (GList* list = gtk_menu_get_for_attach_widget(GTK_WIDGET(menu)); list; list = list->next) {
         GList* items = gtk_container_get_children(GTK_CONTAINER(list->data));
         for (GList* item = items; item; item = item->next) {
-            // Connected when the menu was opened before.
+            // The handler is connected already when the menu was opened before.
             g_signal_handlers_disconnect_by_func(
                 item->data, reinterpret_cast<gpointer>(on_band_item_activated), menu);
             g_signal_connect_object(item->data, "activate", G_CALLBACK(on_band_item_activated),
@@ -53,10 +53,10 @@ GtkWidget* make_band_menu(std::size_t index) {
     for (const BandPreset& preset : band_presets())
         gtk_combo_box_text_append(GTK_COMBO_BOX_TEXT(menu), preset.id, preset.text);
     gtk_combo_box_set_active(GTK_COMBO_BOX(menu), 0);
-    // As a grid of one column GTK opens the menu below its button. Without columns the active item
-    // covers the button, with a gap above it where that would be beyond the screen's edge.
+    // With a wrap width GTK opens the menu below its button. Without one it places the active item
+    // over the button, and leaves a gap in the menu near the edge of the screen.
     gtk_combo_box_set_wrap_width(GTK_COMBO_BOX(menu), 1);
-    // The longest band must not decide how narrow the window can be.
+    // Otherwise the longest band would set the least width of the window.
     GList* cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(menu));
     g_object_set(cells->data, "ellipsize", PANGO_ELLIPSIZE_END, "width-chars", band_menu_chars,
                  nullptr);

@@ -10,10 +10,10 @@
 
 namespace {
 
-/// Longest coverage line, in bytes: ranges that a person can enter stay far below it.
+/// Longest coverage line, in bytes. The lines of ranges that can be entered are far shorter.
 constexpr std::size_t longest_line = 159;
 
-/// The order is the menu's: amateur bands upward to 2 m, then the others as they came.
+/// In the order of the menu: amateur bands upward to 2 m, then the others in the order of adding.
 constexpr BandPreset presets[] = {
     {"", "Band…"},
     {"1.8-2.0", "160 m"},
@@ -82,7 +82,7 @@ StatusLine coverage_line(std::string_view backend, double low_mhz, double high_m
     const double span_mhz = (whole_hertz(high_mhz) - whole_hertz(low_mhz)) / 1e6;
     const double maximum_mhz = maximum_span_mhz(backend);
     if (span_mhz <= 0)
-        // Spelled like this on purpose; a test holds it.
+        // Spelled like this on purpose; a test checks it.
         return {"The top of the range must be aboove its bottom.", StatusClass::error};
     if (span_mhz > maximum_mhz)
         return {format_text("%.2f MHz is too wide: this receiver covers up to %.0f MHz at once.",

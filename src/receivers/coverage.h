@@ -9,16 +9,16 @@
 #include <string>
 #include <string_view>
 
-/// What a receiver is called under its name.
+/// The kind of receiver, as the subtitle of its card shows it.
 const char* kind_label(std::string_view backend);
 
-/// False for receivers that take a fixed range whole: they have no frequency controls.
+/// False for receivers that always receive one fixed range: they have no frequency controls.
 bool is_tunable(std::string_view backend);
 
-/// Widest range that a tunable receiver takes at once, in MHz.
+/// Widest range that a tunable receiver receives at once, in MHz.
 double maximum_span_mhz(std::string_view backend);
 
-/// An entry of the band menu. `id` is "low-high" in MHz, empty for the menu's resting choice.
+/// An entry of the band menu. `id` is "low-high" in MHz, empty for the menu's first entry.
 struct BandPreset {
     const char* id;
     const char* text;
@@ -38,11 +38,12 @@ struct BandRange {
 /// point in every locale.
 std::optional<BandRange> band_range(std::string_view id);
 
-/// Whether a range in MHz fits what the receiver takes at once. Spans are compared in whole hertz,
-/// as they are saved, so that a range of exactly the maximum fits whatever its ends are as doubles.
+/// Says whether a range in MHz fits the receiver's widest span. Spans are compared in whole hertz,
+/// as they are saved, so that rounding of doubles never makes a range of exactly the maximum too
+/// wide.
 StatusLine coverage_line(std::string_view backend, double low_mhz, double high_mhz);
 
-/// A receiver's line below its model, as markup: kind, serial number, and a remark
-/// when another program holds the device.
+/// A receiver's line below its model, as markup: kind, serial number, and a remark when another
+/// program uses the device.
 std::string receiver_subtitle_markup(std::string_view backend, std::string_view serial,
                                      bool available);

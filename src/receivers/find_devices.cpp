@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Time limit of the request, in seconds: drivers take their time to look.
+/// Time limit of the request, in seconds: drivers are slow to list their devices.
 constexpr int discovery_time_limit_s = 30;
 
 void show_devices() {
@@ -22,7 +22,7 @@ void show_devices() {
         return;
     }
     const json::value document = parse_reply(reply.body);
-    // Again, for edits made while the progress text was drawn.
+    // Capture again: the user may have edited while the progress text was drawn.
     capture_row_edits();
     const Discovery discovery =
         merge_devices(widgets.receiver_list, as_array(document, "the list of devices"));

@@ -25,7 +25,7 @@ void show_linger() {
 void set_linger() {
     const BusyWith busy{widgets.linger_switch};
     const bool wanted = gtk_switch_get_active(GTK_SWITCH(widgets.linger_switch));
-    // Whether it worked is read back from the system, not from the command.
+    // The command's exit status is ignored: the system is asked afterwards.
     g_spawn_command_line_sync(wanted ? "loginctl enable-linger" : "loginctl disable-linger",
                               nullptr, nullptr, nullptr, nullptr);
     show_linger();
@@ -39,9 +39,9 @@ void set_linger() {
 }
 
 void on_linger_switch_toggled() {
-    // "notify" does not recurse: if the switch moved back in here, this handler would run again
-    // after it has returned, with the guard off, and undo the change. Idle with high priority runs
-    // before the next event, which may be a second press.
+    // "notify" does not recurse: if the switch were set back in here, this handler would run again
+    // after it has returned, when the guard is off, and undo the change. An idle callback of high
+    // priority runs before the next event, which may be a second press.
     if (!widgets.linger_guard)
         call_when_idle(G_PRIORITY_HIGH, set_linger);
 }

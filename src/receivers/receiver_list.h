@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The receivers that the station knows of, and how lists of them meet.
+// The list of the station's receivers, and how a discovery is merged into it.
 //
 // A list keeps the order of first appearance: load order, then discovery order. Backend and serial
 // number identify a receiver, byte for byte.
@@ -12,20 +12,20 @@
 #include <string_view>
 #include <vector>
 
-// GTK's own declaration, repeated so that decisions need no toolkit.
+// GTK's own declaration, repeated so that this file does not include GTK.
 typedef struct _GtkWidget GtkWidget;
 
 struct Receiver {
-    std::string backend{}; ///< driver family; "rtl-sdr" and "rx888" are told apart
+    std::string backend{}; ///< driver family, such as "rtl-sdr" or "rx888"
     std::string serial{};
     std::string model{};
-    bool available = true; ///< false: another program holds the device
+    bool available = true; ///< false: another program uses the device
     bool enabled = false;  ///< the owner shares it with listeners
     double lo = 0;         ///< bottom of the range to cover
-    double hi = 0;         ///< top of it
+    double hi = 0;         ///< top of the range to cover
 
-    // The row that shows it, valid until the rows are rebuilt; null where the row has no such
-    // widget or there is no row yet.
+    // Widgets of the receiver's card, valid until the cards are rebuilt; null where the card has no
+    // such widget or there is no card yet.
     GtkWidget* share_switch = nullptr;
     GtkWidget* low_spin = nullptr;  ///< MHz
     GtkWidget* high_spin = nullptr; ///< MHz
@@ -33,7 +33,7 @@ struct Receiver {
     GtkWidget* details_box = nullptr; ///< insensitive while the receiver is not shared
 };
 
-/// The range that a receiver found for the first time is given.
+/// The default range of a receiver that is found for the first time.
 struct FrequencyRange {
     double lo = 0;
     double hi = 0;
@@ -59,11 +59,11 @@ struct Discovery {
 /// the JSON library's error at the first element that is broken; those before it are merged.
 Discovery merge_devices(std::vector<Receiver>& list, const boost::json::array& devices);
 
-/// What to say about a discovery.
+/// The sentence that reports a discovery.
 std::string discovery_text(const Discovery& discovery);
 
-/// What a receiver of `list` is called to whoever does not see its card: its model, and where
-/// others are of that model its serial number too.
+/// A receiver's name for a screen reader: its model, and its serial number too when others in
+/// `list` are of the same model.
 std::string spoken_name(const std::vector<Receiver>& list, const Receiver& receiver);
 
 /// The settings' `receivers` as they are saved: the shared ones alone, with whole hertz written as

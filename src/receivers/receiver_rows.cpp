@@ -31,7 +31,8 @@ void name_for_focus(const Receiver& receiver, GtkWidget* control, const char* na
     set_focus_name(control, receiver.backend + " " + receiver.serial + " " + name);
 }
 
-/// The receiver's names and its switch. `title_out` receives the label with the model.
+/// Makes the card's header: model, subtitle and switch. `title_out` receives the label of the
+/// model.
 GtkWidget* make_header(Receiver& receiver, GtkWidget** title_out) {
     GtkWidget* header = make_box(GTK_ORIENTATION_HORIZONTAL, 12, "row");
     GtkWidget* names = make_box(GTK_ORIENTATION_VERTICAL, 2);
@@ -72,7 +73,7 @@ GtkWidget* make_frequency_row(Receiver& receiver) {
     gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver.high_spin),
                               receiver.hi / hertz_per_megahertz);
     GtkWidget* frequencies = make_label("Frequencies", nullptr, false);
-    // A small screen has no room for the numbers and this word.
+    // A small screen is too narrow for the spin buttons and the whole word.
     ellipsise(frequencies);
     add_whole_text_tooltip(frequencies);
     pack(row, frequencies);
@@ -91,7 +92,7 @@ void add_details(Receiver& receiver, std::size_t index, GtkWidget* title) {
     GtkWidget* row = make_frequency_row(receiver);
     GtkWidget* menu = make_band_menu(index);
     name_for_focus(receiver, menu, "band");
-    // GtkComboBox takes its accessible name from the active item, so a label gives the receiver.
+    // GtkComboBox takes its accessible name from the active item, which does not name the receiver.
     name_by_label(menu, title);
     pack_end(row, menu);
     pack(receiver.details_box, row);
@@ -146,7 +147,7 @@ void add_rows() {
 
 void rebuild_receiver_rows() {
     const KeepFocus keep_focus{widgets.receiver_rows_box};
-    // Destroying a spin button that is being typed in runs handlers, which must find no receiver.
+    // Destroying a spin button with typed text runs its handlers, which must find no receiver.
     std::vector<Receiver> list = std::exchange(widgets.receiver_list, {});
     gtk_container_foreach(GTK_CONTAINER(widgets.receiver_rows_box), destroy_child, nullptr);
     widgets.receiver_list = std::move(list);

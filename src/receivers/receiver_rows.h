@@ -8,10 +8,10 @@
 /// captured before. The focus stays on the same control of the same receiver.
 void rebuild_receiver_rows();
 
-/// Commits what is typed in spin buttons, then copies the cards' values into the receiver list: the
-/// share switch, and the range of a receiver that tunes.
+/// Commits typed text in spin buttons, then copies the cards' values into the receiver list: the
+/// share switch, and the range of a tunable receiver.
 void capture_row_edits();
 
 /// Shows whether the range typed for the receiver at `index` of the list fits it. Does nothing for
-/// a receiver without frequency controls. Serves "value-changed" of both spin buttons.
+/// a receiver without frequency controls. The handler of "value-changed" of both spin buttons.
 void check_receiver_range(std::size_t index);

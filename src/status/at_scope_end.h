@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Rows that were read before a broken record are drawn, though an error ends the reading.
+// Draws the rows that were read before a broken record, although the error stops the reading.
 #pragma once
 
 /// Calls a function when its scope is left, by an error too. The function must not throw.

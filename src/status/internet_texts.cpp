@@ -69,8 +69,8 @@ std::string port_instructions_markup(std::int32_t port, std::string_view lan_add
 }
 
 StatusLine reach_line(const StationState& state) {
-    // The colour of the relay's line follows the connection alone: one that is up stays green
-    // while the sentence still asks for the registration.
+    // The colour of the relay's line depends on the connection alone: the line is green while the
+    // relay is connected, even when its sentence asks for the registration.
     if (state.relay_wanted)
         return {relay_text(state), relay_class(state)};
     return {port_check_text(state), port_check_class(state)};

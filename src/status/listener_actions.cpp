@@ -16,17 +16,17 @@
 
 namespace {
 
-/// Longest address that the question shows, in bytes, so that it fits the screen: of a longer text,
-/// which is no address, it shows the start.
+/// Longest address that the question shows, in bytes, so that the dialog fits the screen. A longer
+/// text, which is no address, is cut.
 constexpr std::size_t longest_address = 200;
 
 bool user_wants_to_block(const std::string& address) {
-    // A screen reader can press the button behind the question, too.
+    // A screen reader can click the button although the dialog is modal.
     static bool asking = false;
     if (asking)
         return false;
     asking = true;
-    // Enter alone must not shut somebody out.
+    // Enter alone must not block an address.
     const gint answer = run_dialog(
         {.text = "Block " + shortened(address, longest_address) + "?",
          .secondary_text = "Their session ends now and the address cannot listen again. You can "

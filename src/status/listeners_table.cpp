@@ -26,11 +26,11 @@ constexpr std::array<const char*, column_count> column_titles = {"#", "Address",
 constexpr int table_height = 150;
 
 /// Greatest width of each column, in characters: an IPv6 address has 39. What is longer ends in an
-/// ellipsis. What is tuned to gets the room that is left, so that the time is in sight in a small
-/// window and with large text too.
+/// ellipsis. The column "Tuned to" expands, so that the time is visible in a small window and with
+/// large text too.
 constexpr std::array<glong, column_count> most_characters = {12, 40, 20, 12};
 
-/// Room on both sides of a cell's text, in pixels.
+/// Padding on both sides of a cell's text, together, in pixels.
 constexpr int cell_padding = 20;
 
 struct ListenerRow {
@@ -105,7 +105,8 @@ void read_record(const json::value& record, std::vector<ListenerRow>& rows) {
 }
 
 /// Overwrites the rows of listeners who stay, in place, and removes those of the others. A row that
-/// would have to move up is made anew at its new place. Returns the last row of a session number.
+/// would have to move up is made anew at its new place. Returns the last row whose session number
+/// is `wanted`.
 std::optional<GtkTreeIter> show_listeners(const std::vector<ListenerRow>& rows,
                                           std::int32_t wanted) {
     std::unordered_set<std::int32_t> numbers;
@@ -144,8 +145,8 @@ int width_of_a_digit() {
     return width;
 }
 
-/// Makes each column wide enough for its longest text. GTK does not measure the texts of rows of
-/// one fixed height. Columns only grow, so that they stay in place while listeners come and go.
+/// Makes each column wide enough for its longest text, which GTK does not measure in fixed height
+/// mode. Columns only grow, so that they stay in place while listeners come and go.
 void widen_columns(const std::vector<ListenerRow>& rows) {
     std::array<glong, column_count> characters{};
     const auto count = [&characters](Column column, const std::string& text) {
@@ -187,7 +188,7 @@ gboolean on_query_tooltip(GtkWidget* table, gint x, gint y, gboolean by_keyboard
 
 void add_column(gint column) {
     GtkCellRenderer* cell = gtk_cell_renderer_text_new();
-    // All rows are as high as the first: a line feed in it begins no line.
+    // In fixed height mode all rows are as high as the first, so a line feed must not begin a line.
     g_object_set(cell, "ellipsize", PANGO_ELLIPSIZE_END, "single-paragraph-mode", TRUE, nullptr);
     GtkTreeViewColumn* view_column = gtk_tree_view_column_new_with_attributes(
         column_titles[static_cast<std::size_t>(column)], cell, "text", column, nullptr);
@@ -232,7 +233,7 @@ void draw_listeners(const StationState& state) {
         for (const json::value& record : required_array(status_object, "listeners"))
             read_record(record, rows);
     }
-    // After all rows were drawn: when the row under the cursor is removed, GTK selects the one that
+    // After all rows were drawn: when the row under the cursor is removed, GTK selects the row that
     // takes its place.
     if (!row)
         gtk_tree_selection_unselect_all(selection());

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The table of people who are listening, below its title.
+// The title "Listening now" and the table of listeners below it.
 //
 // Rows are matched by session number and overwritten in place, so that the selection, the scroll
 // position and the cursor stay where they are while listeners come and go.
@@ -27,5 +27,6 @@ struct SelectedListener {
 };
 std::optional<SelectedListener> selected_listener();
 
-/// Makes the table's buttons sensitive while a row is selected. Serves the selection's "changed".
+/// Makes the table's buttons sensitive while a row is selected. The handler of the selection's
+/// "changed".
 void update_listener_buttons();

@@ -19,12 +19,12 @@
 
 namespace {
 
-/// What a row shows: a mark, a text and at the end an origin or a link button. Empty members leave
-/// their widget out.
+/// What a row shows: a mark, a text, and at the end an origin or a link button. An empty member has
+/// no widget.
 struct RowContent {
     std::string mark{}; ///< a single character
     std::string mark_class{};
-    std::string markup{}; ///< the text
+    std::string markup{};
     std::string origin{}; ///< small and plain
     std::string button{}; ///< label of the link button
     std::string page{};   ///< page that the button shows
@@ -63,9 +63,9 @@ GtkWidget* make_row(const RowContent& content) {
     return row;
 }
 
-/// Shows these rows in a box, and no others. A row whose content stays is kept, so that focus and
-/// half-finished clicks survive; any other is made anew. When the button that has the focus goes,
-/// the focus moves to the button that leads to the same page.
+/// Shows these rows in a box, and no others. A row with the same content is kept, so that the focus
+/// and a pressed button stay; any other is made anew. When the button that has the focus is
+/// destroyed, the focus moves to the button for the same page.
 void show_rows(GtkWidget* box, const std::vector<RowContent>& contents) {
     const KeepFocus keep_focus{box};
     GList* const old_rows = gtk_container_get_children(GTK_CONTAINER(box));
@@ -132,7 +132,7 @@ void draw_station_link(const StationState& state) {
     GtkButton* button = GTK_BUTTON(widgets.station_link);
     if (gtk_button_get_label(button) != shown) {
         gtk_button_set_label(button, shown.c_str());
-        // GTK makes a new label for a new text.
+        // gtk_button_set_label makes a new label widget.
         ellipsise(gtk_bin_get_child(GTK_BIN(button)));
         gtk_link_button_set_uri(GTK_LINK_BUTTON(widgets.station_link),
                                 link.empty() ? "about:blank" : link.c_str());

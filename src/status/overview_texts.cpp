@@ -29,7 +29,7 @@ ChecklistItem way_in_item(const StationState& state) {
             state.reachable && state.checked_in, "internet"};
 }
 
-/// Whether the character ends a row. Pango begins a new one at a carriage return by itself, too.
+/// Whether the character ends a row. Pango begins a new row at a lone carriage return, too.
 bool ends_row(std::string_view log, std::size_t at) {
     return log[at] == '\n' || (log[at] == '\r' && !log.substr(at).starts_with("\r\n"));
 }
@@ -97,7 +97,7 @@ const char* receiver_origin(bool attached) {
 }
 
 std::string end_of_log(std::string_view log) {
-    // Below the bound of every shown text, whose cut would take the end away.
+    // With its ellipsis no longer than `longest_shown_text`: a further cut would remove the end.
     constexpr std::size_t longest_log = longest_shown_text - 3;
     constexpr std::size_t row_bytes = 90; // in a window of the default width
     constexpr std::size_t most_rows = longest_log / row_bytes + 1;

@@ -14,7 +14,7 @@
 #include <string>
 #include <string_view>
 
-/// The header line, shown beside the header dot that carries its class.
+/// The header line. Its class is also the colour of the dot beside it.
 StatusLine header_line(const StationState& state, bool broker_running);
 
 /// One thing to do before strangers can listen.
@@ -24,7 +24,7 @@ struct ChecklistItem {
     const char* page = nullptr; ///< page of the window where it is done
 };
 
-/// The station's identity as far as the first item asks for it.
+/// The settings that the first item checks.
 struct StationIdentity {
     std::string name{};
     std::string callsign{};
@@ -35,8 +35,8 @@ struct StationIdentity {
 std::array<ChecklistItem, 4> checklist_items(const StationState& state,
                                              const StationIdentity& identity);
 
-/// True when nothing is left to do and the card is hidden. Asks for more than four ticks: with the
-/// relay wanted, the station list must have confirmed the check-in too.
+/// True when nothing is left to do and the card is hidden: all four items are done and, when the
+/// relay is wanted, the station list has confirmed the check-in.
 bool checklist_is_done(const StationState& state, const StationIdentity& identity);
 
 /// Markup of an item's text: escaped, and dimmed when done.
@@ -52,8 +52,8 @@ std::string receiver_markup(std::string_view device, double lo_hz, double hi_hz)
 /// Who runs a receiver on the air.
 const char* receiver_origin(bool attached);
 
-/// The end of a receiver's log: at most 8 KiB, and no more rows than that fills without a line
-/// feed, so that a log makes no page longer than three screens.
+/// The end of a receiver's log: at most 8 KiB, and at most as many rows as 8 KiB without a line
+/// feed fill, so that a log makes no page longer than three screens.
 std::string end_of_log(std::string_view log);
 
 /// A receiver that was started and failed, with the end of its log.

@@ -14,8 +14,8 @@
 
 namespace {
 
-/// Time limit of the request, in seconds. Shorter than elsewhere: the window stands still
-/// meanwhile, at every poll of a service that hangs.
+/// Time limit of the request, in seconds. Shorter than elsewhere, because every poll of a service
+/// that hangs blocks the main loop that long.
 constexpr int refresh_time_limit_s = 2;
 
 void show_header_line(const StatusLine& line) {

@@ -3,13 +3,12 @@
 #pragma once
 
 /// Asks the service for the state document, keeps its status as the status object and draws it.
-/// When the service does not answer, the header line says so and everything else stays. The form
+/// When the service does not answer, the header line says so and nothing else changes. The form
 /// and the settings object are never touched. Blocks for up to two seconds per read or write.
 /// Throws the JSON library's error when the document breaks the contract.
 void refresh_status();
 
 /// Redraws the header line, the Overview page and the Internet page's status lines from the
 /// settings and the status object, in this order, writing only what differs from what is shown. An
-/// error of the JSON library stops the pass where the document is broken: what was drawn before
-/// stays, the rest keeps its old content.
+/// error of the JSON library stops it where the document is broken: the rest keeps its old content.
 void render_state();

@@ -16,7 +16,7 @@
 
 namespace {
 
-/// Time limit of the request, in seconds: the service asks the station list meanwhile.
+/// Time limit of the request, in seconds: the service has to ask the station list first.
 constexpr int registration_time_limit_s = 30;
 
 void send_registration(const std::string& email) {

@@ -4,5 +4,5 @@
 
 /// Registers the station with the typed e-mail address, after saving unsaved changes, and reports
 /// in the footer. Blocks for up to half a minute after "Registering…" was drawn. Throws the JSON
-/// library's error when a refusal bears no reason.
+/// library's error when a refusal gives no reason.
 void register_station();

@@ -24,7 +24,7 @@ bool listed_wanted(const json::object& settings) {
     return listed ? as_bool(*listed, "directory.listed") : true;
 }
 
-/// Lenient, unlike the wish to be listed: what is no boolean means no relay.
+/// Lenient, unlike `directory.listed`: any value but a boolean reads as false.
 bool relay_wanted(const json::object& settings) {
     const json::value* enabled = find_path(settings, "relay.enabled");
     const bool* wanted = enabled ? enabled->if_bool() : nullptr;
@@ -62,7 +62,7 @@ StationState derive_station_state(const json::object& settings, const json::obje
     state.relay_listeners = clamped_int32(member_number(relay, "listeners"));
     state.relay_connected = state.relay_state == "connected";
 
-    // Read even when the relay decides: a wrong kind breaks the document either way.
+    // Read even when the relay is wanted: a value of another kind breaks the contract in any case.
     const bool port_reachable = optional_bool(directory, "reachable", false);
     state.reachable = state.relay_wanted ? state.relay_connected : port_reachable;
 

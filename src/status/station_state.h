@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
-// What follows from the service's state document, derived once for each pass over the pages.
-//
-// Reads the derived values alone. The records of receivers and listeners are read where they are
-// drawn, so that a broken one stops the pass at its own place.
+// The values that several sentences need, derived from the service's state document once for each
+// `render_state`. The records of receivers and listeners are read where they are drawn, so that the
+// records before a broken one are drawn.
 #pragma once
 
 #include <boost/json/fwd.hpp>
@@ -13,7 +12,7 @@
 
 struct StationState {
     bool registered = false;      ///< the station list knows the station
-    bool checked_in = false;      ///< and its last check-in succeeded
+    bool checked_in = false;      ///< its last check-in with the list succeeded
     bool listed_wanted = true;    ///< the owner wants the station on the list
     bool relay_wanted = false;    ///< listeners come through the relay, not a forwarded port
     bool relay_connected = false; ///< the relay connection is up
@@ -25,7 +24,7 @@ struct StationState {
     std::string directory_state{};      ///< as the service words it
     std::string directory_address{};    ///< as the station list tried it, no scheme or path
     std::string directory_error{};
-    std::string relay_state{}; ///< "off" when the service says nothing
+    std::string relay_state{}; ///< "off" when the service sends none
     std::string relay_error{};
     std::int32_t relay_listeners = 0; ///< how many listeners the relay carries at once
     std::string secure_address{};     ///< "https://name:port/", empty without a name

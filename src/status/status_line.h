@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A sentence about the station's condition and the colour it carries.
+// A sentence about the station's condition, and its colour.
 #pragma once
 
 #include <string>

@@ -15,7 +15,7 @@
 namespace {
 
 void register_at_enter() {
-    // As the button: not while it runs, nor for a key that was queued meanwhile.
+    // Enter must do nothing when the button would do nothing: the registration may be running.
     if (gtk_widget_get_sensitive(widgets.register_button))
         register_station();
 }
@@ -94,7 +94,7 @@ void build_list_card(GtkWidget* page) {
 
 void build_stay_card(GtkWidget* page) {
     GtkWidget* card = add_card(page, "3 · Stay on the air");
-    // The system's own switch: it acts at once and is no setting that Save sends.
+    // Not a bound field: the switch changes the system at once, and Save does not send it.
     widgets.linger_switch = gtk_switch_new();
     add_row(card, "Keep sharing when I'm logged out",
             "Your receivers keep running after you log out and come back after a restart. An "
@@ -109,7 +109,7 @@ void build_advanced_expander(GtkWidget* page) {
     gtk_widget_set_margin_top(box, 8);
     add_entry_row(add_card(box, nullptr), "directory.url", "Station list address", nullptr, "");
     gtk_container_add(GTK_CONTAINER(expander), box);
-    // Tab reaches into an expander that is closed unless what it holds is hidden.
+    // Tab reaches the children of a closed expander unless they are hidden.
     gtk_widget_show_all(box);
     gtk_widget_set_no_show_all(box, TRUE);
     g_object_bind_property(expander, "expanded", box, "visible", G_BINDING_SYNC_CREATE);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The Internet page: the way in, the station list, sharing after logout.
+// The Internet page: the port forward or the relay, the station list, sharing after logout.
 #pragma once
 
 /// Adds the page to the stack and fills its part of the widget record.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The colours of the style sheet that stand in Pango markup too, where no style class reaches.
+// The colours of the style sheet that are used in Pango markup too, which has no style classes.
 #pragma once
 
 #include <string>

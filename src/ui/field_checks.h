@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: MIT
-// What follows the form's fields as they are edited: hints, and rows that come and go.
+// Handlers that update hints and show or hide rows while the form's fields are edited.
 #pragma once
 
-/// Shows where the typed grid square lies, or that it is none. Serves the grid entry's "changed".
+/// Shows where the typed grid square lies, or what a grid square looks like. The handler of the
+/// entry's "changed".
 void check_grid_square();
 
-/// Shows the upload that the listener limit needs. Serves "value-changed" of its spin button.
+/// Shows the upload that the listener limit needs. The handler of its spin button's
+/// "value-changed".
 void update_upload_estimate();
 
-/// Shows the fields of the relay or those of the port forward. Serves the relay switch's
-/// "notify::active".
+/// Shows the fields of the relay or the fields of the port forward. The handler of the relay
+/// switch's "notify::active".
 void update_relay_visibility();

@@ -10,10 +10,10 @@
 
 namespace {
 
-/// One listener's share of the upload, in kbit/s: the hint is an estimate.
+/// Estimate of the upload that one listener needs, in kbit/s.
 constexpr double listener_kbit = 60;
 
-/// Longest upload estimate, in bytes: estimates of real stations stay far below it.
+/// Longest text of the estimate, in bytes. The texts for real stations are far shorter.
 constexpr std::size_t longest_estimate = 120;
 
 /// The white space of the "C" locale, whatever the user's: bytes above 127 are parts of letters.
@@ -91,8 +91,8 @@ std::string registered_text(std::string_view id, std::string_view email) {
 }
 
 bool is_email_address(std::string_view text) {
-    // The pattern [^@\s]+@[^@\s]+\.[^@\s]+ over the whole text. The standard library's matcher
-    // recurses once for each character and overflows the stack at some 30,000 of them.
+    // Matches [^@\s]+@[^@\s]+\.[^@\s]+ against the whole text. Not std::regex, which recurses once
+    // for each character and overflows the stack at some 30,000 of them.
     if (text.find_first_of(white_space) != std::string_view::npos)
         return false;
     const std::size_t at = text.find('@');
@@ -110,7 +110,7 @@ std::optional<double> typed_number(std::string_view text, unsigned decimals) {
     if (start == std::string_view::npos)
         return std::nullopt;
     std::string digits{text.substr(start, text.find_last_not_of(white_space) + 1 - start)};
-    // The library's reading takes more than a person means by a number: hexadecimal, "inf".
+    // The library's conversion also accepts hexadecimal numbers and "inf".
     if (digits.find_first_not_of("+-0123456789.,") != std::string::npos)
         return std::nullopt;
     std::replace(digits.begin(), digits.end(), ',', '.');
@@ -120,7 +120,7 @@ std::optional<double> typed_number(std::string_view text, unsigned decimals) {
         return std::nullopt;
     const double scale = std::pow(10.0, decimals);
     const double rounded = std::round(number * scale) / scale;
-    // Adding 0 makes a plain zero of a negative one.
+    // Adding 0 turns -0 into 0.
     return (std::isfinite(rounded) ? rounded : number) + 0.0;
 }
 

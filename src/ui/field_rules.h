@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the form says about its fields: hints, checks and the lines that name the station.
+// The form's hints and checks, and the lines that name the station.
 #pragma once
 
 #include <optional>
@@ -9,20 +9,20 @@
 
 struct GridHint {
     std::string text{};
-    bool valid = true; ///< also true for no text at all: the field may stay empty
+    bool valid = true; ///< also true for an empty text: the field may stay empty
 };
 
 /// The hint below "Grid square": the middle of a Maidenhead square of four or six characters in
-/// either case, or what such a square looks like.
+/// either case, or an explanation of what a square looks like.
 GridHint grid_hint(std::string_view grid);
 
 /// The upload that `listeners` at once need, in words.
 std::string upload_estimate(double listeners);
 
-/// The station's name as the header shows it: callsign and name, or what there is of them.
+/// The station's name as the header shows it: callsign and name, or the one that is not empty.
 std::string header_title(std::string_view name, std::string_view callsign);
 
-/// The line that takes the place of the registration block. `email` may be empty.
+/// The line shown in place of the registration's widgets. `email` may be empty.
 std::string registered_text(std::string_view id, std::string_view email);
 
 /// True for a text of the form name, at sign, domain, full stop, ending: one part before the only
@@ -31,8 +31,8 @@ std::string registered_text(std::string_view id, std::string_view email);
 bool is_email_address(std::string_view text);
 
 /// Reads a number that is typed into a spin button, with a dot or a comma as the decimal point in
-/// every locale and rounded to `decimals`. Nothing for any other text; blanks around it are left
-/// out of account.
+/// every locale, and rounds it to `decimals`. Blanks around it are ignored. Returns nothing for any
+/// other text.
 std::optional<double> typed_number(std::string_view text, unsigned decimals);
 
 /// Writes a number as a spin button shows it, with a dot.

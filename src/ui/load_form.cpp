@@ -100,7 +100,7 @@ void load_form() {
     check_grid_square();
     update_upload_estimate();
     update_relay_visibility();
-    // The rows no longer show what the last search found.
+    // The cards no longer show the result of the last discovery.
     set_label_text(widgets.receivers_status, "");
     widgets.loading = false;
     mark_clean();

@@ -17,9 +17,9 @@
 
 namespace {
 
-/// A click through the accessibility bus blocks the bus until its handler has returned: a dialog
-/// run in there could not be read by the screen reader that clicked. Idle with high priority runs
-/// before the next event.
+/// A click through the accessibility bus blocks the bus until its handler has returned: a screen
+/// reader that clicks could not read a dialog that the handler runs. An idle callback of high
+/// priority runs before the next event.
 void block_when_idle() {
     call_when_idle(G_PRIORITY_HIGH, block_listener_address);
 }

@@ -56,7 +56,7 @@ bool save_settings() {
         show_footer_error("Not saved: " + string_or_empty(required_member(answer, "error")));
         return false;
     }
-    // Reload before reading `restart`: the form is clean even when the reply is odd.
+    // Load before `restart` is read: the form is clean even when the reply breaks the contract.
     load_form();
     show_footer({required_bool(answer, "restart")
                      ? "Saved. The new port takes effect when Tarnwave restarts."

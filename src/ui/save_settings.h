@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// From the form to the service.
+// Saving the form's settings.
 #pragma once
 
-/// Sends the form's settings and reports in the footer; what is typed in a spin button counts. On
+/// Commits typed text in spin buttons, sends the form's settings and reports in the footer. On
 /// success the form is loaded anew and clean; otherwise the edits stay as they are. Returns
-/// whether the service took them. Throws the JSON library's error when a reply breaks the
+/// whether the service accepted them. Throws the JSON library's error when a reply breaks the
 /// contract.
 bool save_settings();

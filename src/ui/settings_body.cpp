@@ -25,7 +25,7 @@ void write_field(json::value& target, const FieldValue& field) {
         write_string(target, std::get<std::string>(field.value));
 }
 
-/// The member of a member, to be written over. Throws when it is missing.
+/// The member `inner` of the member `outer`, to be overwritten. Throws when one is missing.
 json::value& required_place(json::object& root, const char* outer, const char* inner) {
     return required_member(required_object(root, outer), inner);
 }
@@ -43,8 +43,8 @@ json::array array_of(const std::vector<std::string>& texts) {
     return array;
 }
 
-/// Brings numbers beyond a double's range, which parse as infinities, back into it: the library
-/// writes an infinity as a word that is no JSON.
+/// Clamps infinities to the range of a double. Numbers beyond that range parse as infinities, which
+/// the library would write as a word that is not valid JSON.
 void make_finite(json::value& value) {
     constexpr double highest = std::numeric_limits<double>::max();
     if (double* number = value.if_double())

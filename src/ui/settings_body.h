@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// What a save sends: the form's values written over a copy of the loaded settings.
+// What a save sends: a copy of the loaded settings, overwritten with the form's values.
 //
-// Keys that the service sent and the form does not know go back as they came, in the service's
-// order; keys that the service did not send are never added, but for the list of receivers.
+// Keys that the form has no field for are sent back unchanged, in the service's order; keys that
+// the service did not send are never added, except for the list of receivers.
 #pragma once
 
 #include "receivers/receiver_list.h"
@@ -13,7 +13,7 @@
 #include <variant>
 #include <vector>
 
-/// One bound field and what its widget holds: a switch, a spin button, or an entry.
+/// The key of a bound field and the value of its widget: a switch, a spin button or an entry.
 struct FieldValue {
     std::string key{}; ///< dotted, such as "station.name"
     std::variant<bool, double, std::string> value{};

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The way to the station's own page.
+// Opening and copying the link of the station's own page.
 #pragma once
 
 /// Opens the station's own page in the desktop's browser. A failure is not reported.

@@ -23,7 +23,7 @@ constexpr int default_height = 780;
 enum CloseAnswer : gint { discard = 1, save = 2 };
 
 void on_window_destroyed(GtkWidget*, gpointer) {
-    // Handlers that were turning the main loop test this when they go on.
+    // Functions that run the main loop test this afterwards.
     widgets.window = nullptr;
     if (gtk_main_level() > 0)
         gtk_main_quit();
@@ -88,7 +88,7 @@ GtkWidget* make_footer() {
     return footer;
 }
 
-/// Asks, saves where that is the answer, and returns whether the window stays open.
+/// Asks the question, saves when the answer is `save`, and returns whether the window stays open.
 bool save_or_stay() {
     const gint answer =
         run_dialog({.text = "Save your changes?",
@@ -114,7 +114,7 @@ bool save_or_stay() {
 
 void build_window() {
     apply_theme();
-    // For the dialogs and the list of keys, too.
+    // The default icon is also that of the dialogs and the shortcuts window.
     gtk_window_set_default_icon_name("tarnwave");
     widgets.window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     gtk_window_set_title(GTK_WINDOW(widgets.window), "Tarnwave settings");
@@ -133,7 +133,7 @@ void build_window() {
     gtk_widget_show_all(content);
     mark_clean();
     update_relay_visibility();
-    // Last, so that the first frame shows the window as it is.
+    // Last, so that the first frame shows the complete window.
     gtk_widget_show(widgets.window);
 }
 

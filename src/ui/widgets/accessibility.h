@@ -4,7 +4,7 @@
 
 #include <gtk/gtk.h>
 
-/// Relates `label` to `widget` as its name, or as its description.
+/// Makes `label` the accessible name of `widget`, or its accessible description.
 void name_by_label(GtkWidget* widget, GtkWidget* label);
 void describe_by_label(GtkWidget* widget, GtkWidget* label);
 void set_accessible_name(GtkWidget* widget, const char* name);

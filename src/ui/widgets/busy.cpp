@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Those of the actions that run. One action may contain another: registering saves first.
+/// The buttons of the running actions. One action may contain another: registering saves first.
 std::set<GtkWidget*> busy_buttons;
 
 void show_pointer(const char* name) {
@@ -21,11 +21,11 @@ void show_pointer(const char* name) {
     gdk_window_set_cursor(window, cursor);
     if (cursor)
         g_object_unref(cursor);
-    // A blocking call follows, which sends nothing to the display.
+    // The blocking request that follows would leave the change in the output buffer.
     gdk_display_flush(display);
 }
 
-/// Does nothing where the focus is somewhere. `button` is null where it had not the focus.
+/// Does nothing when a widget has the focus. `button` is null when it did not have the focus.
 void give_focus_back(GtkWidget* button) {
     if (gtk_window_get_focus(GTK_WINDOW(widgets.window)))
         return;
@@ -33,7 +33,7 @@ void give_focus_back(GtkWidget* button) {
     if (button && gtk_widget_is_sensitive(button) && gtk_widget_get_mapped(button))
         gtk_widget_grab_focus(button);
     else
-        // A field of the page would scroll into sight and take the next key as an edit.
+        // Not a field of the page: the page would scroll to it, and the next key would edit it.
         gtk_widget_child_focus(widgets.page_list, GTK_DIR_TAB_FORWARD);
 }
 

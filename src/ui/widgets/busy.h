@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: MIT
-// What the window shows and refuses while an action of the user runs.
+// The busy pointer and the insensitive button while an action of the user runs.
 //
 // An action draws its progress text and waits for the service. Handlers may run while it draws, so
-// an action can be pressed a second time before it is over.
+// the user can start the same action again before it is over.
 #pragma once
 
 #include <gtk/gtk.h>
 
-/// Shows the busy pointer over the window and makes `button` insensitive, until the end of the
-/// scope. The button is re-enabled from idle, so that queued clicks are discarded (and queued keys,
-/// where their handlers ask whether the button is sensitive), and only where `sensitive_again`
-/// (null: always) says so. If the action left the window without a focus, the button gets it back,
-/// or else the list of pages.
+/// Shows the busy pointer over the window and makes `button` insensitive until the end of the
+/// scope. An idle callback makes the button sensitive again, so that queued clicks are discarded
+/// (and queued keys, when their handlers test whether the button is sensitive), but not when
+/// `sensitive_again` (may be null) returns false. If the window lost its focus widget meanwhile,
+/// the button gets the focus back if it had it, or else the list of pages gets it.
 class BusyWith {
 public:
     explicit BusyWith(GtkWidget* button, bool (*sensitive_again)() = nullptr);
@@ -19,14 +19,14 @@ public:
     BusyWith(const BusyWith&) = delete;
     BusyWith& operator=(const BusyWith&) = delete;
 
-    /// Draws what the action has shown so far. Returns whether the action goes on: not when the
-    /// window was closed meanwhile, nor in the midst of the same action.
+    /// Draws what was written into widgets so far. Returns whether the action may go on: false when
+    /// the window was closed meanwhile, or when the same action is already running.
     bool draw_progress() const;
 
 private:
     GtkWidget* button_;
     bool (*sensitive_again_)();
-    bool first_;           ///< not in the midst of the same action
-    bool focus_was_there_; ///< somewhere in the window
-    bool focus_was_here_;  ///< on the button
+    bool first_;           ///< the same action was not already running
+    bool focus_was_there_; ///< a widget of the window had the focus
+    bool focus_was_here_;  ///< the button had the focus
 };

@@ -18,7 +18,7 @@ void track_changes(GtkWidget* widget) {
         call_at_signal(widget, "notify::active", mark_dirty);
     if (GTK_IS_SPIN_BUTTON(widget))
         call_at_signal(widget, "value-changed", mark_dirty);
-    // Text that is typed in a spin button becomes its value later, but it is an edit.
+    // Typed text in a spin button becomes its value later, but it is an edit at once.
     if (GTK_IS_ENTRY(widget))
         call_at_signal(widget, "changed", mark_dirty);
     if (GTK_IS_TOGGLE_BUTTON(widget))

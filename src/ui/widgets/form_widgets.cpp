@@ -123,7 +123,7 @@ GtkWidget* add_textbox(GtkWidget* parent, int height) {
     gtk_widget_set_margin_bottom(frame, 12);
     GtkWidget* view = gtk_text_view_new();
     gtk_text_view_set_wrap_mode(GTK_TEXT_VIEW(view), GTK_WRAP_WORD_CHAR);
-    // Tab moves the focus to the next field.
+    // Tab has to move the focus to the next field.
     gtk_text_view_set_accepts_tab(GTK_TEXT_VIEW(view), FALSE);
     gtk_widget_set_size_request(view, -1, height);
     pack(frame, view, true);

@@ -50,7 +50,7 @@ GtkWidget* bind_field(const char* key, GtkWidget* widget);
 /// A new entry, bound to a key.
 GtkWidget* bind_entry(const char* key, const char* placeholder);
 
-/// One row of a card with a new widget, bound to a key.
+/// Each adds a row with a new widget that is bound to a key.
 void add_switch_row(GtkWidget* card, const char* key, const char* label, const char* hint);
 void add_number_row(GtkWidget* card, const char* key, const char* label, const char* hint,
                     double minimum, double maximum);

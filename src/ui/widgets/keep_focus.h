@@ -9,8 +9,8 @@
 /// Names a widget for `KeepFocus`.
 void set_focus_name(GtkWidget* widget, const std::string& name);
 
-/// Replacing the named widget that has the focus, somewhere in `box`, loses the focus. The end of
-/// the scope gives it to the widget of the same name, without scrolling the page.
+/// Remembers the name of the widget in `box` that has the focus. At the end of the scope the widget
+/// of that name grabs the focus, without scrolling the page.
 class KeepFocus {
 public:
     explicit KeepFocus(GtkWidget* box);

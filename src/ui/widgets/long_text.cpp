@@ -8,17 +8,16 @@
 
 namespace {
 
-/// Length in bytes from which a label's text is cut into pieces, and the length of a piece: shorter
-/// texts are laid out quickly as they are, and of the lengths tried this one was the fastest.
+/// Length in bytes from which a label's text is cut into pieces, and the length of a piece. Shorter
+/// texts are laid out quickly anyway; of the lengths tried for a piece, 64 was the fastest.
 constexpr std::size_t long_text = 1500;
 constexpr std::size_t long_text_piece = 64;
 
-/// Least width of a label with a long text, in characters. Without one GTK breaks the text at every
-/// letter to find it.
+/// Least width of a label with a long text, in characters. GTK would otherwise break the text at
+/// every letter to compute a least width.
 constexpr gint long_text_chars = 20;
 
-/// Whether a text has a word that may have to be broken: the narrowest label has room for 40
-/// characters.
+/// Whether a text has a word that may have to be broken: the narrowest label is 40 characters wide.
 bool has_long_word(const char* text) {
     constexpr std::size_t long_word = 40;
     for (;;) {
@@ -33,15 +32,15 @@ bool has_long_word(const char* text) {
 
 } // namespace
 
-// Pango shapes all that is left of a run again for each line it breaks: a long text in one run
-// takes time that grows with the square of its length. Two languages in turn cut the run.
+// Pango shapes the rest of a run again at each line break, so the time for a long run grows with
+// the square of its length. Two alternating languages divide the text into short runs.
 void ease_layout(GtkWidget* label) {
     const char* const text = gtk_label_get_text(GTK_LABEL(label));
     const std::size_t length = std::strlen(text);
     if (length < long_text && !has_long_word(text))
         return;
     PangoAttrList* pieces = pango_attr_list_new();
-    // A broken word gets no hyphen: in an address it would be read as a part of it.
+    // No hyphen where a word is broken: in an address it would look like a part of the address.
     pango_attr_list_insert(pieces, pango_attr_insert_hyphens_new(FALSE));
     PangoLanguage* const languages[] = {pango_language_get_default(),
                                         pango_language_from_string("und")};

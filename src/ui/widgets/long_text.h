@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
-// Long texts in labels, laid out in time that grows with their length and no faster.
+// Long texts in labels: makes the time of their layout grow linearly with their length.
 #pragma once
 
 #include <gtk/gtk.h>
 
-/// Cuts a label's long text into pieces that are laid out each by itself, without changing what is
-/// shown, and keeps hyphens out of the words that may have to be broken. Called after the text was
-/// set.
+/// Divides a label's long text into short runs, which does not change what is shown, and turns off
+/// the hyphens of broken words. Called after the text was set.
 void ease_layout(GtkWidget* label);
 
 /// Sets a label's text, or its markup, with GTK's function for it, and eases its layout.

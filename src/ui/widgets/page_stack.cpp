@@ -17,8 +17,8 @@ GtkStack* stack() {
     return GTK_STACK(widgets.stack);
 }
 
-/// Needed before another page than the first is shown: a narrow one would let a small window grow
-/// taller than its screen, since GTK computes the least height at the least width.
+/// Needed before any other page is shown: GTK computes the least height at the least width, so a
+/// narrow page would make a small window taller than its screen.
 void make_stack_homogeneous() {
     gtk_stack_set_homogeneous(stack(), TRUE);
 }
@@ -30,8 +30,8 @@ int current_page() {
     return index;
 }
 
-/// Tab enters the list of pages at the page shown and leaves it at once. GTK alone would move the
-/// focus through all rows, and show a page with each.
+/// Tab moves the focus into the list at the row of the page shown, and out of it at the next press.
+/// By default GTK would move the focus through all rows and show each page.
 gboolean on_page_list_focus(GtkWidget* list, GtkDirectionType direction, gpointer) {
     if (direction != GTK_DIR_TAB_FORWARD && direction != GTK_DIR_TAB_BACKWARD)
         return FALSE;
@@ -46,7 +46,7 @@ gboolean on_page_list_focus(GtkWidget* list, GtkDirectionType direction, gpointe
 }
 
 void find_list_box(GtkWidget* widget, gpointer found) {
-    // The scrolled window around the list is no stop for the keyboard.
+    // The scrolled window around the list must not take the focus.
     if (GTK_IS_SCROLLED_WINDOW(widget))
         gtk_widget_set_can_focus(widget, FALSE);
     if (GTK_IS_LIST_BOX(widget))

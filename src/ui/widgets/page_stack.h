@@ -23,7 +23,7 @@ void show_page_at(int index);
 /// Shows the page `distance` places after the current one, and stays at both ends.
 void turn_pages(int distance);
 
-/// Makes the stack homogeneous once the program has nothing else to do, so that the window keeps
-/// its least size from page to page. The stack is not made so, because GTK would then measure all
-/// pages before the first frame.
+/// Makes the stack homogeneous in an idle callback, so that every page has the same least size. The
+/// stack is not homogeneous at first, because GTK would then measure all pages before the first
+/// frame.
 void make_stack_homogeneous_when_idle();

@@ -5,13 +5,13 @@
 
 namespace {
 
-/// Longest wait for the first frame, and for a later one, in milliseconds: longer than window
+/// Longest wait for the first frame and for a later frame, in milliseconds: longer than window
 /// managers take to map a window, and short enough not to look like a hang.
 constexpr guint first_frame_limit_ms = 1000;
 constexpr guint frame_limit_ms = 250;
 
-/// How long the window below a destroyed dialog may take to be drawn again, in milliseconds.
-/// Without a compositor the display asks for that late, after the next frame. Enough in all trials.
+/// Time in which the window below a destroyed dialog is drawn again, in milliseconds. Without a
+/// compositor the expose event comes late, after the next frame. This was enough in all trials.
 constexpr guint uncover_time_ms = 100;
 
 gboolean on_time_over(gpointer over) {
@@ -29,11 +29,12 @@ void on_frame_painted(GdkFrameClock*, gpointer painted) {
     *static_cast<bool*>(painted) = true;
 }
 
-/// Lower than GTK's own drawing: a frame that is due is drawn even when the program got no
-/// processor time until the limit was over.
+/// Lower than the priority of GTK's redraw: a frame that is due is drawn even when the program got
+/// no processor time until the limit was over.
 constexpr gint limit_priority = GDK_PRIORITY_REDRAW + 10;
 
-/// Turns the main loop until `done` or the time is over. The window may be destroyed in here.
+/// Runs the main loop until `done` returns true or the time is over. The window may be destroyed
+/// meanwhile.
 template <class Done> void turn_loop_until(guint limit_ms, Done done) {
     bool over = false;
     const guint timer = g_timeout_add_full(limit_priority, limit_ms, on_time_over, &over, nullptr);

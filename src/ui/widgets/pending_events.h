@@ -2,7 +2,7 @@
 // Letting the window draw before the program waits for the service.
 //
 // Running events until none are pending does not draw: drawing waits for the frame clock, and a
-// new window for the window manager. These functions turn the main loop, and any handler may run
+// new window for the window manager. These functions run the main loop, and any handler may run
 // meanwhile, even the one that closes the window.
 #pragma once
 
@@ -33,7 +33,7 @@ struct MessageDialog {
         const char* style_class = nullptr;
     };
     std::vector<Button> buttons{};
-    /// Without one, Enter presses the first button.
+    /// When there is none, Enter presses the first button.
     gint default_response = GTK_RESPONSE_NONE;
 };
 
@@ -41,6 +41,6 @@ struct MessageDialog {
 gint run_dialog(const MessageDialog& message);
 
 /// Waits a tenth of a second for the window to be drawn where a destroyed dialog was. Called before
-/// something blocks: without a compositor the dialog would stay on the screen meanwhile. Not called
-/// otherwise, because an action of the user would be refused during that time.
+/// a blocking call: without a compositor the dialog would stay on the screen meanwhile. Not called
+/// otherwise, because actions of the user would be ignored during that time.
 void wait_until_uncovered();

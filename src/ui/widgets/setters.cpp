@@ -61,7 +61,7 @@ void show_status_line(GtkWidget* label, const StatusLine& line) {
 
 void ellipsise(GtkWidget* label) {
     gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_END);
-    // Draws a line feed as a symbol, not as the end of the line.
+    // A line feed is drawn as a symbol, not as the end of the line.
     gtk_label_set_single_line_mode(GTK_LABEL(label), TRUE);
 }
 
@@ -79,7 +79,7 @@ void show_footer(const StatusLine& line) {
     const bool same_words =
         gtk_label_get_label(GTK_LABEL(widgets.footer_status)) == valid_utf8(line.text);
     show_status_line(widgets.footer_status, line);
-    // An unchanged label emits no "notify", so announce it here.
+    // An unchanged label emits no "notify", which `announce_changes` relies on.
     if (same_words)
         announce(widgets.footer_status);
 }
@@ -92,7 +92,7 @@ void set_text_of_entry(GtkWidget* entry, const std::string& text) {
     const std::string shown = valid_utf8(text);
     if (gtk_entry_get_text(GTK_ENTRY(entry)) == shown)
         return;
-    // After a save the user goes on typing at the same place.
+    // The user may go on typing at the same place after a save.
     const gint cursor = gtk_editable_get_position(GTK_EDITABLE(entry));
     gtk_entry_set_text(GTK_ENTRY(entry), shown.c_str());
     if (gtk_widget_is_focus(entry))

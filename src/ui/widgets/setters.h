@@ -21,21 +21,21 @@ void set_style_class(GtkWidget* widget, const char* style_class, bool wanted);
 void set_label_text(GtkWidget* label, const std::string& text);
 void set_label_markup(GtkWidget* label, const std::string& markup);
 
-/// Text and colour together. The text is plain.
+/// Sets the text, which is plain, and the colour.
 void show_status_line(GtkWidget* label, const StatusLine& line);
 
-/// Keeps a label to one line, or to that many; what does not fit ends in an ellipsis.
+/// Limits a label to one line, or to `lines`; a longer text ends in an ellipsis.
 void ellipsise(GtkWidget* label);
 void limit_lines(GtkWidget* label, int lines);
 
-/// Longest tooltip, in bytes. Ours: about a dozen lines.
+/// Longest tooltip, in bytes: about a dozen lines.
 inline constexpr std::size_t longest_tooltip = 2000;
 
-/// Shows a label's text as its tooltip while it ends in an ellipsis. A text longer than a tooltip
-/// can be read is cut.
+/// Shows a label's text, at most `longest_tooltip` bytes, as its tooltip while the label is
+/// ellipsised.
 void add_whole_text_tooltip(GtkWidget* label);
 
-/// Reports in the footer.
+/// Shows a report of saving or of an action in the footer.
 void show_footer(const StatusLine& line);
 void show_footer_error(const std::string& text);
 

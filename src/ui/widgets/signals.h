@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Functions without GTK's arguments as handlers of signals and as idle callbacks.
+// Connecting functions that take no arguments to signals, and running them from idle.
 #pragma once
 
 #include <glib-object.h>
@@ -10,5 +10,5 @@
 /// "notify" for one property.
 void call_at_signal(gpointer instance, const char* signal, std::function<void()> action);
 
-/// Calls `action` once from idle, unless the window is gone by then.
+/// Calls `action` once from idle, unless the window was destroyed by then.
 void call_when_idle(gint priority, std::function<void()> action);

@@ -21,7 +21,7 @@ gint on_spin_input(GtkSpinButton* spin, gdouble* value, gpointer) {
     const double held = gtk_spin_button_get_value(spin);
     const guint decimals = gtk_spin_button_get_digits(spin);
     const std::string text = gtk_entry_get_text(GTK_ENTRY(spin));
-    // The value may have more decimals than the text shows: keep them.
+    // The value may have more decimals than the text: keep them when the text is unchanged.
     if (text == decimal_text(held, decimals)) {
         *value = held;
         return TRUE;

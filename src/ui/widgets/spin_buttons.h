@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Spin buttons that read numbers alike in every locale, and fields that the mouse wheel scrolls
-// past.
+// Spin buttons that read numbers alike in every locale, and fields that ignore the mouse wheel.
 #pragma once
 
 #include <gtk/gtk.h>
@@ -8,8 +7,8 @@
 /// A spin button for whole numbers.
 GtkWidget* make_number_spin(double minimum, double maximum);
 
-/// A spin button for a frequency in MHz: 0 to 6000 in steps of a kilohertz. `name` is what a
-/// screen reader calls it.
+/// A spin button for a frequency in MHz: 0 to 6000 in steps of a kilohertz. `name` is
+/// its accessible name.
 GtkWidget* make_frequency_spin(const char* name);
 
 /// Lets the mouse wheel scroll the page over the widget, unless the widget has the focus.

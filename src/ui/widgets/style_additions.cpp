@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widgets/style_additions.h"
 
-// Sizes in pt grow with the desktop's text scale, sizes in px do not. At 96 dpi these are the
-// style sheet's to the pixel.
+// Sizes in pt grow with the desktop's text scale, sizes in px do not. At 96 dpi these sizes equal
+// those of the style sheet.
 const char added_styles[] = R"(
 window, dialog, messagedialog { font-family: Sans; font-size: 9.75pt; }
 .brand { font-size: 8.25pt; }

@@ -19,12 +19,12 @@ GtkCssProvider* add_sheet(const char* sheet) {
     return provider;
 }
 
-/// Adds or removes the styles for high contrast, as the name of the theme says.
+/// Adds the styles for high contrast, or removes them, depending on the name of the theme.
 void follow_high_contrast() {
     static GtkCssProvider* added = nullptr;
     char* of_desktop = nullptr;
     g_object_get(gtk_settings_get_default(), "gtk-theme-name", &of_desktop, nullptr);
-    const char* of_user = g_getenv("GTK_THEME"); // GTK prefers it to the desktop's
+    const char* of_user = g_getenv("GTK_THEME"); // overrides the desktop's theme
     const char* name = of_user ? of_user : of_desktop;
     const bool wanted = name && g_str_has_prefix(name, "HighContrast");
     g_free(of_desktop);
@@ -46,8 +46,8 @@ void measure_entries_again(GtkWidget* widget, gpointer) {
     }
 }
 
-/// GTK lays texts out again by itself, but Pango keeps the width of a character in the contexts of
-/// the entries, whose font is the same in pt.
+/// GTK lays texts out again by itself when the text scale changes, but the Pango contexts of the
+/// entries keep the old width of a character, because their font is the same in pt.
 void measure_all_entries_again() {
     GList* windows = gtk_window_list_toplevels();
     for (GList* window = windows; window; window = window->next)

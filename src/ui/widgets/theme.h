@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The window's colours and shapes.
+// Applying the style sheets to the screen.
 #pragma once
 
 /// Adds the style sheets to the default screen at application priority, and those for high contrast

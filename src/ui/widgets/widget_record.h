@@ -24,7 +24,7 @@ inline constexpr std::array<const char*, 5> mode_names = {"USB", "LSB", "CW", "A
 
 struct WidgetRecord {
     GtkWidget* window = nullptr;
-    GtkWidget* stack = nullptr;     ///< the pages, by name
+    GtkWidget* stack = nullptr;
     GtkWidget* page_list = nullptr; ///< list box, one row per page
 
     // Header
@@ -35,7 +35,7 @@ struct WidgetRecord {
     GtkWidget* save_button = nullptr;   ///< sensitive while the form is dirty
     GtkWidget* unsaved_label = nullptr; ///< "Unsaved changes": visible while the form is dirty
 
-    GtkWidget* footer_status = nullptr; ///< where saving and the actions report
+    GtkWidget* footer_status = nullptr; ///< the reports of saving and of the actions
 
     // Overview
     GtkWidget* getting_started_card = nullptr;
@@ -72,10 +72,10 @@ struct WidgetRecord {
     GtkWidget* relay_switch = nullptr;
     GtkWidget* relay_key_row = nullptr;
     GtkWidget* relay_note = nullptr;
-    GtkWidget* reachability_label = nullptr; ///< not the reach line: the port instructions (markup)
+    GtkWidget* reachability_label = nullptr; ///< the port instructions, as markup
     GtkWidget* port_status_label = nullptr;  ///< the reach line
     GtkWidget* port_box = nullptr;
-    GtkWidget* port_hint_label = nullptr; ///< the certificate line; it stands above the public port
+    GtkWidget* port_hint_label = nullptr; ///< the certificate line, above the public port
     GtkWidget* listing_status_label = nullptr;
     GtkWidget* register_box = nullptr;
     GtkWidget* understand_check = nullptr;
@@ -84,14 +84,14 @@ struct WidgetRecord {
     GtkWidget* registered_label = nullptr;
     GtkWidget* linger_switch = nullptr;
 
-    /// True while `load_form` writes into the form: its writes are no edits.
+    /// True while `load_form` writes into the form, which is no edit.
     bool loading = false;
     /// True when something was edited since the last load. Set by `mark_dirty` and `mark_clean`.
     bool dirty = false;
     /// True while `show_linger` sets `linger_switch`.
     bool linger_guard = false;
 
-    /// The bound fields in the order of their making, of loading and of saving.
+    /// The bound fields, in the order in which they are made, loaded and saved.
     std::vector<FieldBinding> field_registry{};
     /// The receivers shown. Set by `load_form`, `find_devices` and `capture_row_edits`; their
     /// widgets by `rebuild_receiver_rows`.
