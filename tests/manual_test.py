@@ -133,7 +133,7 @@ def is_line(sentence):
 
 
 def quotes(page):
-    """What stands in straight quotation marks on the page; code is not looked into."""
+    """The texts in straight quotation marks on the page, outside of code."""
     text = re.sub(r"`[^`]*`", "", re.sub(r"^```.*?^```$", "", page, flags=re.DOTALL | re.MULTILINE))
     found = []
     # A quotation ends in the cell or paragraph where it began.

@@ -82,7 +82,7 @@ def request_schema(method, name):
 
 
 def reply_schema(method, target, status):
-    """The schema of a reply; None when the operation knows no such status."""
+    """The schema of a reply; None when the operation does not describe this status."""
     for known_target, known_method, operation in operations():
         if (known_target, known_method) == (target, method):
             replies = operation["responses"]

@@ -116,7 +116,7 @@ TEST_F(Shortcuts, F5AsksForTheStateAtOnce) {
 }
 
 TEST_F(Shortcuts, F5AsksOnceForAllPressesThatWaited) {
-    // Against a service that hangs, the window would stand still for two seconds for each.
+    // With a service that hangs, each request would block the window for two seconds.
     for (int presses = 0; presses < 3; ++presses)
         press_key(widgets.window, GDK_KEY_F5, GdkModifierType{});
     drain_events();

@@ -34,7 +34,7 @@ def turn_loop(milliseconds=15):
 
 
 def wait_for(condition, what):
-    """Waits until `condition()` is true and returns its result. `what` is told when it is not."""
+    """Waits until `condition()` is true and returns its result. A failure names `what`."""
     deadline = time.monotonic() + DEADLINE
     last_error = None
     while True:

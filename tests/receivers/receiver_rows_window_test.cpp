@@ -65,7 +65,7 @@ protected:
         return list;
     }
 
-    /// Where a band stands in the menu; the test fails where there is none of that name.
+    /// The index of a band in the menu. Fails the test when there is no band of that name.
     static int place_of(std::string_view text) {
         const auto bands = band_presets();
         const auto found = std::find_if(bands.begin(), bands.end(),

@@ -83,7 +83,7 @@ class Exchange(unittest.TestCase):
         with Simulator(PROGRAM) as simulator, simulator.connect() as silent, \
                 simulator.connect() as stalled, simulator.connect() as deaf:
             stalled.sendall(request_bytes("PUT", "/api/settings", b"x" * 1000)[:-500])
-            # Far more replies than the socket holds, and nobody reads them.
+            # Far more replies than fit into the socket's buffer, and nobody reads them.
             deaf.setblocking(False)
             try:
                 while True:

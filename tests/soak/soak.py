@@ -33,7 +33,7 @@ MOST_HEAP_PER_POLL = 16       # bytes
 MOST_HEAP_AT_ALL = 384 << 10  # bytes; what the texts and rows of the moment make up
 MOST_MORE_DESCRIPTORS = 0
 MOST_MORE_WIDGETS = 0
-MOST_MORE_SOURCES = 2         # the toolkit's own come and go
+MOST_MORE_SOURCES = 2         # GTK adds and removes some of its own
 
 
 class Station:
@@ -186,7 +186,7 @@ def main():
                                      sorted(station.requests.items())))
         if (status, said) != (0, ""):
             sys.exit(f"the program ended with {status}: {said}")
-    # The rest is warming up: caches of the toolkit, fonts, the widest texts.
+    # The first fifth is left out: GTK's caches and the fonts are still being filled.
     figures = figures[len(figures) // 5:]
     if len(figures) < 6:
         sys.exit("too few polls to say anything: at least 800")

@@ -243,7 +243,7 @@ TEST_F(ListenersTable, KeepsTheCursorAndItsPlaceOverAPoll) {
     EXPECT_EQ(cursor_index(), 30);
     EXPECT_EQ(selected_index(), 30);
     EXPECT_EQ(rows()[30].time, "2:10");
-    // One above leaves: the cursor goes with its listener.
+    // A row above is removed: the cursor stays on its listener.
     poll(without(document, "status.listeners.2"));
     EXPECT_EQ(cursor_index(), 29);
     EXPECT_EQ(rows()[29].number, 31);

@@ -31,7 +31,7 @@ public:
     /// What the stand-in for `loginctl` says about lingering.
     void set_lingering(bool on);
     bool lingering() const;
-    /// `loginctl` goes on answering, but changes nothing.
+    /// From now on `loginctl` fails to change lingering, but still answers whether it is on.
     void refuse_to_change_lingering();
 
     /// The calls so far in the order they came, each as one line: the command and its arguments,

@@ -11,7 +11,7 @@
 //     press BUTTON     as soon as it can be pressed
 //     agree BUTTON     the same, and OK to the question that follows
 //     page NUMBER      shows a page, counted from 0 and round and round
-//     figures          the answer is what the program holds, in bytes and numbers
+//     figures          the answer is the program's memory, descriptors, sources and widgets
 //     answer NUMBER    gives the next dialog this response; its texts are the answer
 //     close            closes the window
 #include "app/state_poll.h"

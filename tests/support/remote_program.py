@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The real program, told what to do one thing at a time: remote_control.cpp says which."""
+"""The real program under the commands that remote_control.cpp describes."""
 import json
 import os
 import subprocess
