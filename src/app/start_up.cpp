@@ -60,8 +60,8 @@ bool answer_without_display(std::string_view argument) {
 [[noreturn]] void end_with_a_sentence() {
     std::string message = "unknown error";
     try {
-        if (std::current_exception())
-            throw;
+        if (const std::exception_ptr error = std::current_exception())
+            std::rethrow_exception(error);
     } catch (const std::exception& known) {
         message = known.what();
     } catch (...) {

@@ -156,8 +156,6 @@ TEST_F(ListenerActions, ActOnTheRowThatTheQuestionWasAbout) {
 }
 
 TEST_F(ListenerActions, TakeTheQuestionOffTheScreenBeforeTheServiceIsAsked) {
-    if (!screen_can_be_asked())
-        GTEST_SKIP();
     unsigned long question = 0;
     std::atomic<bool> asked = false;
     std::atomic<bool> still_there = true;

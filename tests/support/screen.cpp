@@ -15,10 +15,6 @@ struct Free {
 
 } // namespace
 
-bool screen_can_be_asked() {
-    return GDK_IS_X11_DISPLAY(gdk_display_get_default());
-}
-
 unsigned long screen_id_of(GtkWidget* window) {
     return gdk_x11_window_get_xid(gtk_widget_get_window(window));
 }

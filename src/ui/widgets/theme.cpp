@@ -9,32 +9,39 @@
 
 namespace {
 
-GtkCssProvider* add_sheet(const char* sheet) {
+/// Returns a new reference.
+GtkStyleProvider* make_provider(const char* sheet) {
     GtkCssProvider* provider = gtk_css_provider_new();
     gtk_css_provider_load_from_data(provider, sheet, -1, nullptr);
-    gtk_style_context_add_provider_for_screen(gdk_screen_get_default(),
-                                              GTK_STYLE_PROVIDER(provider),
+    return GTK_STYLE_PROVIDER(provider);
+}
+
+void add_provider(GtkStyleProvider* provider) {
+    gtk_style_context_add_provider_for_screen(gdk_screen_get_default(), provider,
                                               GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
-    g_object_unref(provider); // the screen has its own reference
-    return provider;
+}
+
+void add_sheet(const char* sheet) {
+    GtkStyleProvider* provider = make_provider(sheet);
+    add_provider(provider);
+    g_object_unref(provider);
 }
 
 /// Adds the styles for high contrast, or removes them, depending on the name of the theme.
 void follow_high_contrast() {
-    static GtkCssProvider* added = nullptr;
+    static GtkStyleProvider* const high_contrast = make_provider(high_contrast_styles);
+    static bool added = false;
     char* of_desktop = nullptr;
     g_object_get(gtk_settings_get_default(), "gtk-theme-name", &of_desktop, nullptr);
     const char* of_user = g_getenv("GTK_THEME"); // overrides the desktop's theme
     const char* name = of_user ? of_user : of_desktop;
     const bool wanted = name && g_str_has_prefix(name, "HighContrast");
     g_free(of_desktop);
-    if (wanted && !added) {
-        added = add_sheet(high_contrast_styles);
-    } else if (!wanted && added) {
-        gtk_style_context_remove_provider_for_screen(gdk_screen_get_default(),
-                                                     GTK_STYLE_PROVIDER(added));
-        added = nullptr;
-    }
+    if (wanted && !added)
+        add_provider(high_contrast);
+    else if (!wanted && added)
+        gtk_style_context_remove_provider_for_screen(gdk_screen_get_default(), high_contrast);
+    added = wanted;
 }
 
 void measure_entries_again(GtkWidget* widget, gpointer) {
