@@ -150,7 +150,8 @@ int width_of_a_digit() {
 void widen_columns(const std::vector<ListenerRow>& rows) {
     std::array<glong, column_count> characters{};
     const auto count = [&characters](Column column, const std::string& text) {
-        characters[column] = std::max(characters[column], g_utf8_strlen(text.c_str(), -1));
+        glong& most = characters[static_cast<std::size_t>(column)];
+        most = std::max(most, g_utf8_strlen(text.c_str(), -1));
     };
     for (const ListenerRow& row : rows) {
         count(number_column, std::to_string(row.number));
