@@ -49,7 +49,7 @@ std::string shortened_in_front(std::string_view text, std::size_t most_bytes) {
 }
 
 std::string isolated(std::string_view text) {
-    const std::string whole{text};
+    std::string whole{text};
     for (const char* at = whole.c_str(); *at; at = g_utf8_next_char(at)) {
         const gunichar letter = g_utf8_get_char(at);
         // The blocks that Unicode keeps for scripts written from right to left.
