@@ -2,7 +2,7 @@
 // Loads the form from the body of a reply, polls with it and draws the window. Needs a display.
 //
 // A warning of GTK is a fault.
-#include "app/state_poll.h"
+#include "app/start_up.h"
 #include "fed_link.h"
 #include "ui/load_form.h"
 #include "ui/widgets/widget_record.h"

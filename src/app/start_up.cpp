@@ -2,11 +2,11 @@
 #include "app/start_up.h"
 
 #include "app/shortcuts.h"
-#include "app/state_poll.h"
 #include "app/station_owner.h"
 #include "link/build_constants.h"
 #include "link/json_access.h"
 #include "link/service_link.h"
+#include "status/refresh_status.h"
 #include "ui/load_form.h"
 #include "ui/widgets/page_stack.h"
 #include "ui/widgets/pending_events.h"
@@ -116,6 +116,13 @@ void start_broker_if_down(const std::string& state_document) {
 }
 
 } // namespace
+
+gboolean poll_state(gpointer) {
+    // A timer that was due when the window was closed still fires once.
+    if (widgets.window)
+        refresh_status();
+    return G_SOURCE_CONTINUE;
+}
 
 int start_up(int argc, char** argv) {
     if (argc > 1 && answer_without_display(argv[1]))

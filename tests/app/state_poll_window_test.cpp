@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/state_poll.h"
+#include "app/start_up.h"
 
 #include "support/window_fixture.h"
 

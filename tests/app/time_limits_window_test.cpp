@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // How long each request waits for a service that reads the request and does not answer.
-#include "app/state_poll.h"
+#include "app/start_up.h"
 #include "app/station_owner.h"
 #include "receivers/find_devices.h"
 #include "status/listener_actions.h"

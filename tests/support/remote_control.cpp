@@ -14,7 +14,7 @@
 //     figures          the answer is the program's memory, descriptors, sources and widgets
 //     answer NUMBER    gives the next dialog this response; its texts are the answer
 //     close            closes the window
-#include "app/state_poll.h"
+#include "app/start_up.h"
 #include "support/real_window.h"
 
 #include <boost/json.hpp>

@@ -2,7 +2,7 @@
 #include "support/window_fixture.h"
 
 #include "app/shortcuts.h"
-#include "app/state_poll.h"
+#include "app/start_up.h"
 #include "link/json_access.h"
 #include "link/service_link.h"
 #include "support/toplevels.h"

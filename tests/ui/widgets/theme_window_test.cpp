@@ -2,7 +2,7 @@
 // The style sheets' rules, and the colours and sizes that real widgets get from them.
 #include "ui/widgets/theme.h"
 
-#include "app/state_poll.h"
+#include "app/start_up.h"
 #include "link/build_constants.h"
 #include "support/window_fixture.h"
 #include "ui/colours.h"
