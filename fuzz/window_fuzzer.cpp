@@ -4,7 +4,7 @@
 // A warning of GTK is a fault.
 #include "app/start_up.h"
 #include "fed_link.h"
-#include "ui/load_form.h"
+#include "ui/form.h"
 #include "ui/widgets/widget_record.h"
 #include "ui/window.h"
 

@@ -22,7 +22,7 @@ EXPLAINED_FILES = [
     "receivers/linger.cpp", "receivers/receiver_list.cpp", "status/internet_texts.cpp",
     "status/listener_actions.cpp", "status/overview_texts.cpp", "status/refresh_status.cpp",
     "status/registration.cpp",
-    "ui/field_rules.cpp", "ui/save_settings.cpp", "ui/station_link.cpp"]
+    "ui/field_rules.cpp", "ui/form.cpp", "ui/station_link.cpp"]
 
 # Texts of those files that need no explanation.
 NOT_EXPLAINED = {
@@ -33,9 +33,9 @@ NOT_EXPLAINED = {
     # a stand-in for a name
     "Your station", "the station",
     # what the program could not read, on stderr
-    "an element of receivers", "following the station's state", "looking for receivers",
-    "registering the station", "saving the settings", "the list of devices",
-    "the reply to a registration", "the reply to a save", "the state document",
+    "an element of receivers", "following the station's state", "loading the settings",
+    "looking for receivers", "registering the station", "saving the settings",
+    "the list of devices", "the reply to a registration", "the reply to a save", "the state document",
     # commands
     "loginctl show-user", "-p Linger --value", "loginctl enable-linger",
     "loginctl disable-linger"}

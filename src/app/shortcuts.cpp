@@ -2,7 +2,7 @@
 #include "app/shortcuts.h"
 
 #include "status/refresh_status.h"
-#include "ui/save_settings.h"
+#include "ui/form.h"
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/page_stack.h"
 #include "ui/widgets/widget_record.h"

@@ -7,7 +7,7 @@
 #include "link/json_access.h"
 #include "link/service_link.h"
 #include "status/refresh_status.h"
-#include "ui/load_form.h"
+#include "ui/form.h"
 #include "ui/widgets/page_stack.h"
 #include "ui/widgets/pending_events.h"
 #include "ui/widgets/widget_record.h"

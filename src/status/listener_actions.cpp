@@ -6,7 +6,7 @@
 #include "link/text.h"
 #include "status/listeners_table.h"
 #include "status/refresh_status.h"
-#include "ui/load_form.h"
+#include "ui/form.h"
 #include "ui/widgets/busy.h"
 #include "ui/widgets/pending_events.h"
 #include "ui/widgets/setters.h"

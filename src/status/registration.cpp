@@ -6,8 +6,7 @@
 #include "link/service_link.h"
 #include "link/text.h"
 #include "ui/field_rules.h"
-#include "ui/load_form.h"
-#include "ui/save_settings.h"
+#include "ui/form.h"
 #include "ui/widgets/busy.h"
 #include "ui/widgets/setters.h"
 

@@ -8,7 +8,7 @@
 #include "status/listener_actions.h"
 #include "status/listeners_table.h"
 #include "status/registration.h"
-#include "ui/field_checks.h"
+#include "ui/form.h"
 #include "ui/station_link.h"
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/change_tracking.h"

@@ -2,9 +2,8 @@
 #include "ui/window.h"
 
 #include "link/build_constants.h"
-#include "ui/field_checks.h"
+#include "ui/form.h"
 #include "ui/pages.h"
-#include "ui/save_settings.h"
 #include "ui/station_link.h"
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/change_tracking.h"

@@ -9,8 +9,7 @@
 #include "status/registration.h"
 #include "support/document_members.h"
 #include "support/window_fixture.h"
-#include "ui/load_form.h"
-#include "ui/save_settings.h"
+#include "ui/form.h"
 #include "ui/widgets/change_tracking.h"
 #include "ui/widgets/setters.h"
 

@@ -8,8 +8,7 @@
 #include "status/refresh_status.h"
 #include "status/registration.h"
 #include "support/window_fixture.h"
-#include "ui/load_form.h"
-#include "ui/save_settings.h"
+#include "ui/form.h"
 #include "ui/widgets/pending_events.h"
 #include "ui/window.h"
 

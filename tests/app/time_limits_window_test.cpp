@@ -8,8 +8,7 @@
 #include "support/no_patience.h"
 #include "support/no_sleep.h"
 #include "support/window_fixture.h"
-#include "ui/load_form.h"
-#include "ui/save_settings.h"
+#include "ui/form.h"
 
 namespace {
 

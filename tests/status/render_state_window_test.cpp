@@ -4,7 +4,7 @@
 #include "link/build_constants.h"
 #include "link/json_access.h"
 #include "support/window_fixture.h"
-#include "ui/load_form.h"
+#include "ui/form.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include "link/json_access.h"
 #include "link/service_link.h"
 #include "support/toplevels.h"
-#include "ui/load_form.h"
+#include "ui/form.h"
 #include "ui/widgets/change_tracking.h"
 #include "ui/widgets/page_stack.h"
 #include "ui/widgets/pending_events.h"

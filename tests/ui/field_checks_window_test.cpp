@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/field_checks.h"
+#include "ui/form.h"
 
 #include "support/window_fixture.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ui/load_form.h"
+#include "ui/form.h"
 
 #include "link/json_access.h"
 #include "support/window_fixture.h"

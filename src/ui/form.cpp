@@ -1,25 +1,23 @@
 // SPDX-License-Identifier: MIT
-#include "ui/load_form.h"
+#include "ui/form.h"
 
 #include "link/json_access.h"
 #include "link/service_link.h"
 #include "receivers/linger.h"
 #include "receivers/receiver_rows.h"
 #include "status/refresh_status.h"
-#include "ui/field_checks.h"
 #include "ui/field_rules.h"
+#include "ui/settings_body.h"
+#include "ui/widgets/busy.h"
 #include "ui/widgets/change_tracking.h"
 #include "ui/widgets/setters.h"
 
+#include <boost/json/serialize.hpp>
 #include <boost/json/value.hpp>
 
 #include <algorithm>
 
 namespace {
-
-const json::object& required_group(const char* name) {
-    return required_object(settings_object, name);
-}
 
 void keep_document(const std::string& body) {
     json::value document = parse_reply(body);
@@ -44,7 +42,7 @@ void show_field(const FieldBinding& field) {
 }
 
 void show_modes() {
-    const json::array& modes = required_array(required_group("content"), "modes");
+    const json::array& modes = required_array(required_object(settings_object, "content"), "modes");
     for (std::size_t i = 0; i < mode_names.size(); ++i) {
         const std::string_view name = mode_names[i];
         const bool chosen =
@@ -57,7 +55,8 @@ void show_modes() {
 
 void show_blocked_addresses() {
     std::string lines;
-    for (const json::value& address : required_array(required_group("access"), "banned"))
+    for (const json::value& address :
+         required_array(required_object(settings_object, "access"), "banned"))
         lines.append(string_or_empty(address)).append("\n");
     set_text_of_view(widgets.banned_view, lines);
 }
@@ -76,6 +75,27 @@ void show_registration() {
     gtk_widget_set_visible(widgets.registered_label, !id.empty());
     set_label_text(widgets.registered_label,
                    registered_text(id, setting_string("directory.email")));
+}
+
+FieldValue value_of(const FieldBinding& field) {
+    // GtkSpinButton is a GtkEntry, so test for it first.
+    if (GTK_IS_SWITCH(field.widget))
+        return {field.key, static_cast<bool>(gtk_switch_get_active(GTK_SWITCH(field.widget)))};
+    if (GTK_IS_SPIN_BUTTON(field.widget))
+        return {field.key, gtk_spin_button_get_value(GTK_SPIN_BUTTON(field.widget))};
+    return {field.key, std::string{gtk_entry_get_text(GTK_ENTRY(field.widget))}};
+}
+
+FormValues form_values() {
+    FormValues form;
+    for (const FieldBinding& field : widgets.field_registry)
+        form.fields.push_back(value_of(field));
+    form.description = text_of_view(widgets.description_view);
+    for (std::size_t i = 0; i < mode_names.size(); ++i)
+        if (gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(widgets.mode_buttons[i])))
+            form.modes.emplace_back(mode_names[i]);
+    form.blocked_text = text_of_view(widgets.banned_view);
+    return form;
 }
 
 } // namespace
@@ -107,4 +127,52 @@ void load_form() {
 
     show_linger();
     render_state();
+}
+
+bool save_settings() {
+    const ReadingStep step{"saving the settings"};
+    const BusyWith busy{widgets.save_button, [] { return widgets.dirty; }};
+    if (!busy.draw_progress())
+        return false;
+    capture_row_edits();
+    const json::object body = settings_body(settings_object, form_values(), widgets.receiver_list);
+    const ServiceReply reply =
+        service_request(HttpMethod::put, "/api/settings", json::serialize(body));
+    if (reply.status == 0) {
+        show_footer_error("Not saved: the Tarnwave service did not answer.");
+        return false;
+    }
+    const json::value document = parse_reply(reply.body);
+    const json::object& answer = as_object(document, "the reply to a save");
+    if (reply.status != 200) {
+        show_footer_error("Not saved: " + string_or_empty(required_member(answer, "error")));
+        return false;
+    }
+    // Load before `restart` is read: the form is clean even when the reply breaks the contract.
+    load_form();
+    show_footer({required_bool(answer, "restart")
+                     ? "Saved. The new port takes effect when Tarnwave restarts."
+                     : "Saved.",
+                 StatusClass::good});
+    return true;
+}
+
+void check_grid_square() {
+    const GridHint hint = grid_hint(gtk_entry_get_text(GTK_ENTRY(widgets.grid_entry)));
+    show_status_line(widgets.grid_hint,
+                     {hint.text, hint.valid ? StatusClass::none : StatusClass::error});
+    set_style_class(widgets.grid_entry, "invalid", !hint.valid);
+}
+
+void update_upload_estimate() {
+    const double listeners = gtk_spin_button_get_value(GTK_SPIN_BUTTON(widgets.max_listeners_spin));
+    set_label_text(widgets.upload_estimate, upload_estimate(listeners));
+}
+
+void update_relay_visibility() {
+    const gboolean relay = gtk_switch_get_active(GTK_SWITCH(widgets.relay_switch));
+    gtk_widget_set_visible(widgets.reachability_label, !relay);
+    gtk_widget_set_visible(widgets.port_box, !relay);
+    gtk_widget_set_visible(widgets.relay_key_row, relay);
+    gtk_widget_set_visible(widgets.relay_note, relay);
 }
