@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Whether texts and the ring around the focused widget can be seen: contrasts as WCAG 2.2 counts
 // them.
+#include "ui/widgets/theme.h"
+
 #include "link/json_access.h"
 #include "support/window_fixture.h"
-#include "ui/widgets/style_additions.h"
-#include "ui/widgets/style_sheet.h"
 
 #include <algorithm>
 #include <cmath>

@@ -7,8 +7,6 @@
 #include "support/window_fixture.h"
 #include "ui/colours.h"
 #include "ui/widgets/setters.h"
-#include "ui/widgets/style_additions.h"
-#include "ui/widgets/style_sheet.h"
 
 #include <algorithm>
 #include <utility>
