@@ -1,10 +1,11 @@
 # SPDX-License-Identifier: MIT
-"""Starts the simulator for a test, and speaks to it in plain bytes."""
+"""The simulator in a process of its own, and requests to it."""
 
+import collections
 import http.client
 import json
 import os
-import shutil
+import pathlib
 import signal
 import socket
 import subprocess
@@ -16,115 +17,74 @@ LIMIT_S = 30
 
 HEADER = {"Host": "tarnwave", "X-Tarnwave": "1", "Content-Type": "application/json"}
 
-
-class Reply:
-    def __init__(self, status, header, body):
-        self.status = status
-        self.header = header
-        self.body = body
-
-    def document(self):
-        return json.loads(self.body)
-
-
-def request_bytes(method, target, body=None, header=None):
-    """Bytes of a request. `body` is bytes, or something to write as JSON, or None."""
-    if body is not None and not isinstance(body, bytes):
-        body = json.dumps(body).encode()
-    fields = dict(HEADER if header is None else header)
-    if method != "GET":
-        fields["Content-Length"] = str(len(body or b""))
-    head = "".join(f"{name}: {value}\r\n" for name, value in fields.items())
-    return f"{method} {target} HTTP/1.1\r\n{head}\r\n".encode() + (body or b"")
-
-
-def read_reply(stream):
-    """Reads one reply from a buffered stream; None at the end of the stream."""
-    line = stream.readline()
-    if not line:
-        return None
-    header = http.client.parse_headers(stream)
-    return Reply(int(line.split()[1]), header, stream.read(int(header["Content-Length"])))
+Reply = collections.namedtuple("Reply", "status header document")
 
 
 class Simulator:
-    """A running simulator on a socket in a private folder; both are gone after `with`."""
+    """A running simulator on a socket in a folder, which is a private one unless it is given."""
 
     def __init__(self, program, *arguments, folder=None):
-        self.own_folder = folder is None
-        self.folder = folder or tempfile.mkdtemp(prefix="simulator-")
-        self.path = os.path.join(self.folder, "socket")
-        self.log_path = os.path.join(self.folder, "log")
-        self.log = open(self.log_path, "ab")
-        self.process = subprocess.Popen(
-            [program, "--socket", self.path, *arguments],
-            stdin=subprocess.DEVNULL, stderr=self.log)
+        self._private_folder = None if folder else tempfile.TemporaryDirectory()
+        self.folder = pathlib.Path(folder or self._private_folder.name)
+        self.path = str(self.folder / "settings.sock")
+        self._log_path = self.folder / "station.log"
+        with open(self._log_path, "wb") as log:
+            self.process = subprocess.Popen(
+                [program, "--socket", self.path, *map(str, arguments)],
+                stdin=subprocess.DEVNULL, stderr=log)
+        # It takes connections as soon as the file is there.
+        self.wait_until(lambda: os.path.exists(self.path))
 
     def __enter__(self):
-        try:
-            self.wait_until(self._listens)
-        except BaseException:
-            self.__exit__()
-            raise
         return self
 
     def __exit__(self, *_):
+        self.stop()
+
+    def stop(self):
         if self.process.poll() is None:
-            self.process.kill()
-        self.process.wait()
-        self.log.close()
-        if self.own_folder:
-            shutil.rmtree(self.folder)
-
-    def _listens(self):
-        if self.process.poll() is not None:
-            raise AssertionError("the simulator ended: " + self.log_text())
-        try:
-            self.connect().close()
-        except OSError:
-            return False
-        return True
-
-    def wait_until(self, condition):
-        """Waits for something the simulator does; returns what the condition returned."""
-        end = time.monotonic() + LIMIT_S
-        while time.monotonic() < end:
-            ended = self.process.poll() is not None
-            if result := condition():
-                return result
-            if ended:
-                break
-            try:
-                self.process.wait(0.005)  # nothing else tells when to look again
-            except subprocess.TimeoutExpired:
-                pass
-        raise AssertionError("waited in vain; its log: " + self.log_text()[-2000:])
-
-    def connect(self):
-        connection = socket.socket(socket.AF_UNIX)
-        connection.settimeout(LIMIT_S)
-        try:
-            connection.connect(self.path)
-        except OSError:
-            connection.close()
-            raise
-        return connection
-
-    def request(self, method, target, body=None, header=None):
-        with self.connect() as connection, connection.makefile("rb") as stream:
-            connection.sendall(request_bytes(method, target, body, header))
-            return read_reply(stream)
-
-    def state(self):
-        reply = self.request("GET", "/api/state")
-        assert reply.status == 200, reply.body
-        return reply.document()
-
-    def log_text(self):
-        with open(self.log_path, encoding="utf-8") as log:
-            return log.read()
+            self.end()
+        if self._private_folder:
+            self._private_folder.cleanup()
 
     def end(self, number=signal.SIGTERM):
         """Asks it to end; returns its exit status."""
         self.process.send_signal(number)
         return self.process.wait(LIMIT_S)
+
+    def wait_until(self, condition):
+        """Waits for something the simulator does; returns what the condition returned."""
+        end = time.monotonic() + LIMIT_S
+        while time.monotonic() < end and self.process.poll() is None:
+            if result := condition():
+                return result
+            try:
+                self.process.wait(0.005)  # nothing else tells when to look again
+            except subprocess.TimeoutExpired:
+                pass
+        raise AssertionError("waited in vain; its log: " + self.log()[-2000:])
+
+    def connect(self):
+        connection = socket.socket(socket.AF_UNIX)
+        connection.settimeout(LIMIT_S)
+        connection.connect(self.path)
+        return connection
+
+    def request(self, method, target, body=None, header=None):
+        """`body` is something to write as JSON, or None."""
+        connection = http.client.HTTPConnection("")
+        connection.sock = self.connect()
+        connection.request(method, target, None if body is None else json.dumps(body),
+                           HEADER if header is None else header)
+        reply = connection.getresponse()
+        document = json.loads(reply.read())
+        connection.close()
+        return Reply(reply.status, reply.headers, document)
+
+    def state(self):
+        reply = self.request("GET", "/api/state")
+        assert reply.status == 200, reply
+        return reply.document
+
+    def log(self):
+        return self._log_path.read_text(encoding="utf-8")
