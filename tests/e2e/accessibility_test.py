@@ -5,7 +5,6 @@ import unittest
 
 from accessible import (Announcements, Atspi, Relation, Role, State, description_of, extents,
                         label_of, related, wait_for, walk_shown)
-from display import key
 from harness import HOST, Case
 from program import PAGES
 
@@ -45,26 +44,6 @@ class Names(Case):
         self.assert_all_named(program.overlay(), "the shortcuts overlay")
         program.keys("Escape")
         wait_for(lambda: len(program.windows()) == 1, "the overlay to go")
-
-    def test_the_block_question_has_names(self):
-        self.station("quiet")
-        program = self.open()
-        wait_for(lambda: Atspi.Table.add_row_selection(program.get(Role.TABLE), 0), "a selection")
-        program.press("Block address…")
-        self.assert_all_named(program.dialog(), "the block question")
-        program.keys("Escape")
-        wait_for(lambda: not program.find_dialog(), "the question to go")
-
-    def test_the_start_up_dialogs_have_names(self):
-        program = self.start()
-        self.assert_all_named(program.dialog(), "no service")
-        program.keys("Escape")
-        program.wait_for_end()
-        self.station("not-owner")
-        program = self.start()
-        self.assert_all_named(program.dialog(), "the owner question")
-        program.keys("Escape")
-        program.wait_for_end()
 
     def test_no_two_fields_of_a_page_share_a_name(self):
         self.station("quiet")
@@ -144,7 +123,8 @@ class Spoken(Case):
     def test_the_coverage_line_is_announced_when_it_changes_and_only_then(self):
         self.station("quiet")
         program = self.open("receivers")
-        program.set_number("Highest frequency of SDRplay RSP1 in MHz", 20)
+        Atspi.Value.set_current_value(
+            program.spin("Highest frequency of SDRplay RSP1 in MHz"), 20)
         self.wait_until_said("13.00 MHz is too wide: this receiver covers up to 8 MHz at once.")
         self.assertEqual([text for text in self.said.texts if text.startswith("Covers")], [])
 
@@ -209,13 +189,6 @@ class ReadingOrder(Case):
                     wait_for(lambda: self.describe(program.focused()) == stop,
                              lambda: f"Tab to go from {before} to {stop}; it went to "
                                      f"{self.describe(program.focused())}")
-
-    def test_shift_tab_goes_back(self):
-        self.station("quiet")
-        program = self.open("station")
-        program.focus(program.entry("Operator"))
-        key("shift+Tab")
-        wait_for(lambda: label_of(program.focused()) == "Callsign", "the field before it")
 
 
 if __name__ == "__main__":

@@ -65,7 +65,7 @@ class Case(unittest.TestCase):
     def setUp(self):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="tarnwave-e2e."))
         self.addCleanup(shutil.rmtree, self.folder)
-        self.socket_path = self.folder / "settings.sock"
+        self.socket_path = self.folder / "settings.sock"  # where Station listens
         for name in ("home", "config", "cache", "data", "bin"):
             (self.folder / name).mkdir()
         # Animations are off, so that a page is shown at once.
@@ -115,7 +115,7 @@ class Case(unittest.TestCase):
         return environment
 
     def station(self, scenario, *arguments):
-        station = Station(self.folder, self.socket_path, "--scenario", scenario, *arguments)
+        station = Station(self.folder, "--scenario", scenario, *arguments)
         self.addCleanup(station.stop)
         return station
 

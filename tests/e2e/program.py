@@ -90,20 +90,15 @@ class Program:
     def dialog_buttons(self):
         return [a.get_name() for a in walk(self.dialog()) if a.get_role() == Role.PUSH_BUTTON]
 
-    def everything(self, role=None, inside=None):
-        """The showing widgets, in the order of the tree."""
-        return [a for a in walk(inside or self.frame())
-                if (role is None or a.get_role() == role) and is_showing(a)]
+    def find(self, role, name=None, inside=None):
+        """The first widget that shows of that role and name (its own or its label's), or None."""
+        return next((a for a in walk(inside or self.frame()) if a.get_role() == role and
+                     is_showing(a) and (name is None or label_of(a) == name)), None)
 
-    def find(self, role, name=None, inside=None, at=0):
-        """The widget of that role and name (its own or its label's), or None."""
-        found = [a for a in self.everything(role, inside) if name is None or label_of(a) == name]
-        return found[at] if len(found) > at else None
-
-    def get(self, role, name=None, inside=None, at=0):
+    def get(self, role, name=None, inside=None):
         """The same, waited for."""
-        return wait_for(lambda: self.find(role, name, inside, at),
-                        lambda: f"a {Atspi.role_get_name(role)} called “{name}”")
+        return wait_for(lambda: self.find(role, name, inside),
+                        f"a {Atspi.role_get_name(role)} called “{name}”")
 
     # The parts of the window.
 
@@ -150,51 +145,41 @@ class Program:
         wait_for(lambda: self.shown_page() == name, f"the page {name}")
         return self
 
-    def press(self, name, at=0):
-        """Presses a button as soon as it can be pressed."""
-        button = wait_for(lambda: self.find_button(name, at),
+    def press(self, name):
+        """Presses a button of the window as soon as it can be pressed."""
+        button = wait_for(lambda: self.find_button(name),
                           f"a button “{name}” that can be pressed")
         Atspi.Action.do_action(button, 0)
         return self
 
-    def find_button(self, name, at=0):
+    def find_button(self, name):
         """The button of that name, wherever the page is scrolled to, if it can be pressed now."""
-        for window in reversed(self.windows()):  # dialogs come after the window below them
-            buttons = [a for a in walk_shown(window)
-                       if a.get_role() == Role.PUSH_BUTTON and a.get_name() == name]
-            if len(buttons) > at:
-                return buttons[at] if is_sensitive(buttons[at]) else None
-        return None
+        button = next(a for a in walk_shown(self.frame())
+                      if a.get_role() == Role.PUSH_BUTTON and a.get_name() == name)
+        return button if is_sensitive(button) else None
 
     def answer(self, name):
         """Presses a button of the dialog on the screen, and waits until the dialog is gone."""
         dialog = self.dialog()
-        button = wait_for(lambda: self.find(Role.PUSH_BUTTON, name, inside=dialog),
-                          f"the dialog's button “{name}”")
-        Atspi.Action.do_action(button, 0)
+        Atspi.Action.do_action(self.get(Role.PUSH_BUTTON, name, inside=dialog), 0)
         wait_for(lambda: self.process.poll() is not None or not is_showing(dialog),
                  "the dialog to go")
         return self
 
-    def field(self, role, label, at=0):
+    def field(self, role, label):
         """A field of the page by its label, wherever the page is scrolled to."""
-        def search():
-            found = [a for a in walk_shown(self.body())
-                     if a.get_role() == role and label_of(a) == label]
-            return found[at] if len(found) > at else None
-        return wait_for(search, f"a {Atspi.role_get_name(role)} called “{label}”")
+        return wait_for(lambda: next(a for a in walk_shown(self.body())
+                                     if a.get_role() == role and label_of(a) == label),
+                        f"a {Atspi.role_get_name(role)} called “{label}”")
 
     def entry(self, label):
         return self.field(Role.TEXT, label)
 
-    def spin(self, label, at=0):
-        return self.field(Role.SPIN_BUTTON, label, at)
+    def spin(self, label):
+        return self.field(Role.SPIN_BUTTON, label)
 
     def switch(self, label):
         return self.field(Role.TOGGLE_BUTTON, label)
-
-    def check(self, label):
-        return self.field(Role.CHECK_BOX, label)
 
     def type_into(self, label, text):
         Atspi.EditableText.set_text_contents(self.entry(label), text)
@@ -203,10 +188,6 @@ class Program:
     def text_of(self, label):
         return text_in(self.entry(label))
 
-    def set_number(self, label, value, at=0):
-        Atspi.Value.set_current_value(self.spin(label, at), value)
-        return self
-
     def toggle(self, label, role=Role.TOGGLE_BUTTON):
         """Flips a switch or a check box and waits until it has moved."""
         widget = self.field(role, label)
@@ -214,9 +195,6 @@ class Program:
         Atspi.Action.do_action(widget, 0)
         wait_for(lambda: has_state(widget, State.CHECKED) != before, f"“{label}” to move")
         return self
-
-    def is_on(self, label, role=Role.TOGGLE_BUTTON):
-        return has_state(self.field(role, label), State.CHECKED)
 
     def focus(self, accessible):
         """Gives a widget the keyboard."""

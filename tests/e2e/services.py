@@ -4,64 +4,30 @@
 import json
 import os
 import pathlib
-import re
-import socket
-import subprocess
 import sys
 import threading
 
-from accessible import DEADLINE, wait_for
+from accessible import DEADLINE
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-sys.path.insert(0, str(ROOT / "tests" / "support"))
+sys.path[:0] = [str(ROOT / "tests" / "simulator"), str(ROOT / "tests" / "support")]
+from simulator_process import Simulator  # noqa: E402 (the path comes first)
 from stand_in_service import StandInService, reply_bytes  # noqa: E402 (the path comes first)
 
 BUILD = pathlib.Path(os.environ.get("TARNWAVE_BUILD", ROOT / "build" / "test"))
-SIMULATOR = BUILD / "simulator" / "tarnwave-station-simulator"
 
 
-class Station:
-    """The simulator, on a socket of its own."""
+class Station(Simulator):
+    """The simulator, which keeps the bodies of requests."""
 
-    def __init__(self, folder, socket_path, *arguments):
-        self.socket_path = socket_path
-        self.log_path = folder / "station.log"
-        self.record = folder / "bodies"
-        self._log = open(self.log_path, "a", encoding="utf-8")
-        self.process = subprocess.Popen(
-            [SIMULATOR, "--socket", socket_path, "--record", self.record, *map(str, arguments)],
-            stdin=subprocess.DEVNULL, stdout=self._log, stderr=self._log)
-        wait_for(self._answers, "the simulated station to answer")
-
-    def _answers(self):
-        if self.process.poll() is not None:
-            raise AssertionError(f"the simulator ended: {self.log_path.read_text()}")
-        with socket.socket(socket.AF_UNIX) as probe:
-            try:
-                probe.connect(str(self.socket_path))
-            except OSError:
-                return False
-        return True
-
-    def requests(self):
-        """What was asked so far, in order, like ("GET", "/api/state", 200)."""
-        lines = re.findall(r"^([A-Z]+) (/\S+) (\d+)$", self.log_path.read_text(), re.MULTILINE)
-        return [(method, target, int(status)) for method, target, status in lines]
-
-    def count(self, key):
-        return sum(1 for method, target, _ in self.requests() if f"{method} {target}" == key)
+    def __init__(self, folder, *arguments):
+        super().__init__(BUILD / "simulator" / "tarnwave-station-simulator",
+                         "--record", folder / "bodies", *arguments, folder=folder)
 
     def bodies(self, name):
         """The bodies of one kind of request, in order: name is like "PUT-settings"."""
-        return [json.loads(path.read_text()) for path in sorted(self.record.glob(f"*-{name}.json"))]
-
-    def stop(self):
-        if self.process.poll() is None:
-            self.process.terminate()
-        self.process.wait(DEADLINE)
-        self._log.close()  # closed twice is closed
-        if os.path.exists(self.socket_path):
-            os.unlink(self.socket_path)
+        return [json.loads(path.read_text())
+                for path in sorted((self.folder / "bodies").glob(f"*-{name}.json"))]
 
 
 class ScriptedService:
@@ -73,18 +39,13 @@ class ScriptedService:
         self._path = socket_path
         self._answers = {}
         self._service = StandInService(socket_path, self._answer)
-        self.requests = self._service.requests
 
     def answers(self, key, status, document):
         """From now on, for requests like "GET /api/state"."""
-        self.answers_in_turn(key, [(status, document)])
-
-    def answers_in_turn(self, key, answers):
-        """One answer after the other; the last one stays."""
-        self._answers[key] = list(answers)
+        self._answers[key] = reply_bytes(status, document)
 
     def count(self, key):
-        return sum(1 for request in self.requests if request.key == key)
+        return sum(1 for request in self._service.requests if request.key == key)
 
     def stop(self):
         if os.path.exists(self._path):
@@ -94,5 +55,4 @@ class ScriptedService:
 
     def _answer(self, request):
         self.gate.wait(DEADLINE)
-        answers = self._answers[request.key]
-        return reply_bytes(*(answers.pop(0) if len(answers) > 1 else answers[0]))
+        return self._answers[request.key]

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Start-up from outside: first contact, the owner question, the broker, and how it ends."""
+"""Start-up from outside: first contact, the owner question, and how it ends."""
 
 import getpass
 import signal
@@ -38,18 +38,7 @@ class Owner(Case):
                 program.keys(key)
                 self.assertEqual((program.wait_for_end(), program.errors()), (1, ""))
         self.assertEqual(self.commands("pkexec"), [])
-        self.assertEqual(station.count("GET /api/state"), 3)
-
-
-class Broker(Case):
-    START = "systemctl --user enable --now tarnwave-broker.service"
-
-    def test_a_broker_that_is_down_is_started_once_before_the_form_is_loaded(self):
-        self.station("broker-down", "--broker-file", self.folder / "broker")
-        program = self.open()
-        self.assertEqual(self.commands("systemctl"), [self.START])
-        # The form was loaded from a station whose broker had been started by then.
-        self.assertNotIn("broker", program.header())
+        self.assertEqual(station.log().count("GET /api/state"), 3)
 
 
 class Arguments(Case):
@@ -74,15 +63,12 @@ class Arguments(Case):
 
 class Service(Case):
     def test_a_document_that_breaks_the_contract_ends_the_program_with_a_sentence(self):
-        lacking = self.state_document()
-        del lacking["status"]["directory"]
-        for document in ("{", lacking):
-            with self.subTest(document=document):
-                service = self.scripted_service(document)
-                program = self.start()
-                self.assertEqual(program.wait_for_end(), -signal.SIGABRT)
-                self.assertRegex(program.errors(), r"\Atarnwave-settings: [^\n]+\n\Z")
-                service.stop()
+        document = self.state_document()
+        del document["status"]["directory"]
+        self.scripted_service(document)
+        program = self.start()
+        self.assertEqual(program.wait_for_end(), -signal.SIGABRT)
+        self.assertRegex(program.errors(), r"\Atarnwave-settings: [^\n]+\n\Z")
 
     def test_the_window_is_drawn_before_a_slow_service_has_answered(self):
         service = self.scripted_service()

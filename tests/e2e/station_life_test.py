@@ -3,7 +3,7 @@
 
 import unittest
 
-from accessible import Atspi, Role, text_in, wait_for
+from accessible import Atspi, Role, State, has_state, text_in, wait_for
 from harness import HOST, Case
 
 EMAIL = "Your email (not shown on the list)"
@@ -119,7 +119,8 @@ class Life(Case):
         self.assertEqual(program.title(), "K1ABC · Hilltop SDR")
         self.assertEqual(program.text_of("Grid square"), "em95")
         program.page("receivers")
-        self.assertTrue(program.is_on("Share SDRplay RSP1 with listeners"))
+        self.assertTrue(has_state(program.switch("Share SDRplay RSP1 with listeners"),
+                                  State.CHECKED))
         self.assertEqual(text_in(program.page("listeners").entry(BLOCKED)), self.blocked)
         program.quit()
         self.assertEqual((program.process.returncode, program.errors()), (0, ""))
