@@ -104,11 +104,10 @@ static long number_after(const char** place, const char* end, const char* key) {
 
 static gboolean poll_service(gpointer data) {
     (void)data;
-    size_t size = 0;
-    char* body = plain_exchange(socket_path, &size);
-    if (!body)
+    char* reply = plain_exchange(socket_path);
+    if (!reply)
         exit(EXIT_FAILURE);
-    const char* place = strstr(body, "\"listeners\":[");
+    const char* place = strstr(reply, "\"listeners\":[");
     GtkTreeIter row;
     gboolean there = gtk_tree_model_get_iter_first(GTK_TREE_MODEL(store), &row);
     int count = 0;
@@ -139,7 +138,7 @@ static gboolean poll_service(gpointer data) {
     snprintf(text, sizeof text, "On the air with %d listeners", count);
     write_label(header, text);
     write_label(title, text);
-    free(body);
+    free(reply);
     return G_SOURCE_CONTINUE;
 }
 
