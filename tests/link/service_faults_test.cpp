@@ -1,25 +1,23 @@
 // SPDX-License-Identifier: MIT
 // What a service may do in the place of a good answer, and what the link makes of it: the table in
 // tests/faults/faults.json. Other tests meet one fault of each outcome.
+#include "link/scripted_service.h"
 #include "link/service_link_fixture.h"
-#include "link/stopped_clock.h"
 #include "link/text.h"
-#include "support/waiting_thread.h"
 
 #include <boost/json.hpp>
 
 #include <chrono>
 #include <fstream>
 #include <iterator>
-#include <thread>
 
 using namespace std::chrono_literals;
 namespace json = boost::json;
 
 namespace {
 
-/// A time limit between the pauses of the table.
-constexpr auto time_limit = 3s;
+/// Between the pauses of the table.
+constexpr int time_limit_s = 3;
 
 constexpr char good_body[] = R"({"settings":{},"status":{}})";
 
@@ -60,22 +58,15 @@ std::string reply_of(const json::object& fault, const std::string& body) {
     return reply;
 }
 
-std::vector<ConnectionStep> steps_of(const json::object& fault, const std::string& body) {
-    std::vector<ConnectionStep> steps{read_request()};
+std::vector<Moment> script_of(const json::object& fault, const std::string& body) {
     const std::string reply = reply_of(fault, body);
-    const std::size_t pause_s = number_in(fault, "pause_s");
-    if (pause_s == 0)
-        steps.push_back(send(reply));
-    else
-        for (const char byte : reply) {
-            steps.push_back(let_time_pass(std::chrono::seconds{pause_s}));
-            steps.push_back(send({byte}));
-        }
-    if (fault.contains("silent")) {
-        steps.push_back(let_time_pass(time_limit));
-        steps.push_back(stay_silent());
-    }
-    return steps;
+    const std::chrono::seconds pause{number_in(fault, "pause_s")};
+    if (pause == 0s)
+        return {{.bytes = reply}};
+    std::vector<Moment> script;
+    for (const char byte : reply)
+        script.push_back({.after = pause, .bytes = {byte}});
+    return script;
 }
 
 class ServiceFaults : public ServiceLink {
@@ -84,25 +75,14 @@ protected:
         const std::string connection = text_in(fault, "connection");
         if (connection == "absent")
             service.stop();
-        else if (connection == "refused")
+        if (connection == "refused")
             service.crash();
-        else if (connection.empty())
-            service.next_connection(steps_of(fault, body));
-        const std::jthread end = connection == "queued" ? end_once_queued() : std::jthread{};
-        const StoppedClock clock;
-        return get_state(time_limit.count());
-    }
-
-private:
-    /// Fills the queue, and ends the service once the link waits in it.
-    std::jthread end_once_queued() {
-        service.accept_once([] { return false; });
-        fill_backlog_of(service);
-        return std::jthread{[this, client = gettid()] {
-            while (!is_waiting_in_kernel(client))
-                std::this_thread::yield();
-            service.stop();
-        }};
+        if (!connection.empty())
+            return get_state();
+        const ScriptedService scripted{script_of(fault, body), fault.contains("silent")
+                                                                   ? ScriptEnd::silence
+                                                                   : ScriptEnd::hang_up};
+        return get_state(time_limit_s);
     }
 };
 

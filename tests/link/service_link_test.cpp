@@ -1,167 +1,117 @@
 // SPDX-License-Identifier: MIT
-// The descriptors and signals of an exchange, and the line that it writes into a trace.
+// The requests that the link sends, its descriptors, and the line that it writes into a trace.
+#include "link/scripted_service.h"
 #include "link/service_link_fixture.h"
 #include "support/scarce_memory.h"
 
-#include <fcntl.h>
 #include <glib.h>
-#include <sys/socket.h>
-#include <sys/syscall.h>
-#include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <set>
 
 namespace {
 
-bool no_descriptors = false;
-
-} // namespace
-
-/// Stands in for the C library's function. A limit of the process would bind the sanitizers too.
-extern "C" int socket(int family, int type, int protocol) noexcept {
-    if (no_descriptors) {
-        errno = EMFILE;
-        return -1;
-    }
-    return static_cast<int>(syscall(SYS_socket, family, type, protocol));
-}
-
-namespace {
+using Fields = std::vector<std::pair<std::string, std::string>>;
 
 std::size_t open_descriptors() {
     const std::filesystem::directory_iterator all{"/proc/self/fd"};
     return static_cast<std::size_t>(std::distance(begin(all), end(all)));
 }
 
+TEST_F(ServiceLink, SendsExactlyTheseFieldsInThisOrder) {
+    const struct {
+        HttpMethod method;
+        const char* target;
+        const char* body;
+        const char* line;
+        const char* length; ///< null: the field is missing
+    } cases[] = {
+        {HttpMethod::get, "/api/state", "", "GET /api/state HTTP/1.1", nullptr},
+        {HttpMethod::get, "/api/devices", "", "GET /api/devices HTTP/1.1", nullptr},
+        {HttpMethod::post, "/api/kick", "", "POST /api/kick HTTP/1.1", "0"},
+        {HttpMethod::put, "/api/settings", "", "PUT /api/settings HTTP/1.1", "0"},
+        {HttpMethod::post, "/api/kick", R"({"number":17})", "POST /api/kick HTTP/1.1", "13"},
+        {HttpMethod::put, "/api/settings", R"({"name":"Hügel"})", "PUT /api/settings HTTP/1.1",
+         "17"},
+        {HttpMethod::get, "/api/state", "{}", "GET /api/state HTTP/1.1", "2"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.line << " with the body '" << c.body << "'");
+        Fields fields = {
+            {"Host", "tarnwave"}, {"X-Tarnwave", "1"}, {"Content-Type", "application/json"}};
+        if (c.length)
+            fields.emplace_back("Content-Length", c.length);
+        EXPECT_EQ(service_request(c.method, c.target, c.body).status, 404);
+        EXPECT_EQ(service.last_request().line(), c.line);
+        EXPECT_EQ(service.last_request().fields, fields);
+        EXPECT_EQ(service.last_request().body, c.body);
+    }
+    EXPECT_EQ(service.requests().size(), std::size(cases));
+}
+
+TEST_F(ServiceLink, SendsALargeBodyOfAnyBytesWhole) {
+    std::string body(4'000'000, 'x');
+    for (std::size_t i = 0; i < body.size(); ++i)
+        body[i] = static_cast<char>(i % 251);
+    service.will_answer("PUT", "/api/settings", 200, "{}");
+    EXPECT_EQ(service_request(HttpMethod::put, "/api/settings", body, 5).status, 200);
+    EXPECT_TRUE(service.last_request().body == body);
+}
+
 TEST_F(ServiceLink, GivesNoAnswerWithoutADescriptor) {
-    service.will_answer_state("{}");
-    no_descriptors = true;
-    const ServiceReply reply = get_state();
-    no_descriptors = false;
-    expect_no_answer(reply);
+    ScriptedService scripted{{{.bytes = reply_text(200, "{}")}}};
+    scripted.socket_error = EMFILE;
+    expect_no_answer(get_state());
+    scripted.socket_error = 0;
     EXPECT_EQ(get_state().status, 200);
 }
 
 TEST_F(ServiceLink, GivesNoAnswerWhenMemoryRunsOut) {
-    service.next_connection({read_request(), send(reply_text(200, std::string(100'000, 'x')))});
+    service.will_answer_state(std::string(100'000, 'x'));
     memory_is_scarce = true;
     const ServiceReply reply = get_state();
     memory_is_scarce = false;
     expect_no_answer(reply);
-    service.will_answer_state("{}");
     EXPECT_EQ(get_state().status, 200);
 }
 
 TEST_F(ServiceLink, LeavesNoDescriptorBehind) {
-    service.will_answer_state("{}");
-    const std::string absent = service.socket_path() + ".absent";
-    EXPECT_EQ(get_state().status, 200);
-    // A service that starts anew has closed its own ends.
     service.stop();
-    service.start();
+    expect_no_answer(get_state());
     const std::size_t before = open_descriptors();
-    for (int i = 0; i < 1'000; ++i) {
-        settings_socket_path = i % 10 == 9 ? absent : service.socket_path();
-        if (i % 10 == 3)
-            service.next_connection({read_request(), send("HTTP/1.1 200 OK\r\nConte")});
-        if (i % 10 == 6)
-            service.next_connection({});
-        get_state();
-    }
-    settings_socket_path = service.socket_path();
-    // The service has closed the last of its ends when it answers again.
-    EXPECT_EQ(get_state().status, 200);
-    service.stop();
-    service.start();
+    const std::string half = "HTTP/1.1 200 OK\r\nConte";
+    for (const ScriptEnd end : {ScriptEnd::hang_up, ScriptEnd::silence})
+        for (const std::string& reply : {reply_text(200, "{}"), half}) {
+            const ScriptedService scripted{{{.bytes = reply}}, end};
+            get_state();
+        }
+    expect_no_answer(get_state());
     EXPECT_EQ(open_descriptors(), before);
 }
 
 TEST_F(ServiceLink, HidesItsDescriptorFromCommandsItRuns) {
-    // A command started in the middle of an exchange sees no socket but those of the test, and
-    // those that were handed down to the test.
-    const auto target_of = [](const std::filesystem::path& number) {
-        std::error_code gone;
-        return std::filesystem::read_symlink("/proc/self/fd" / number, gone).string();
-    };
-    std::set<std::string> handed_down;
-    for (const auto& entry : std::filesystem::directory_iterator{"/proc/self/fd"})
-        handed_down.insert(target_of(entry.path().filename()));
-    std::string flags;
-    service.will_answer_state("{}");
-    service.before_answering("GET", "/api/state", [&] {
-        for (const auto& entry : std::filesystem::directory_iterator{"/proc/self/fdinfo"}) {
-            const std::string target = target_of(entry.path().filename());
-            if (!target.starts_with("socket:") || handed_down.contains(target))
-                continue;
-            std::string name, value;
-            for (std::ifstream info{entry.path()}; info >> name >> value;) {
-                if (name == "flags:" && (std::stoul(value, nullptr, 8) & O_CLOEXEC) == 0)
-                    flags += entry.path().filename().string() + " ";
-            }
-        }
-    });
+    const ScriptedService scripted{{{.bytes = reply_text(200, "{}")}}};
     EXPECT_EQ(get_state().status, 200);
-    EXPECT_EQ(flags, "");
+    EXPECT_TRUE(scripted.closed_for_commands);
 }
 
-class ServiceLinkTrace : public ServiceLink {
-protected:
-    /// Ends the child process of a death test.
-    [[noreturn]] void leave(bool well) {
-        service.clear_away();
-        std::exit(well ? 0 : 1);
-    }
-};
-
-TEST_F(ServiceLinkTrace, SaysOneLineForEachExchangeWhenAsked) {
-    testing::FLAGS_gtest_death_test_style = "threadsafe";
-    EXPECT_EXIT(
-        {
-            setenv("G_MESSAGES_DEBUG", "tarnwave", 1);
-            g_log_writer_default_set_use_stderr(TRUE);
-            service.will_answer("PUT", "/api/settings", 409, R"({"error":"secret"})");
-            service_request(HttpMethod::put, "/api/settings", R"({"key":"secret"})", 5);
-            service.stop();
-            service_request(HttpMethod::get, "/api/state", "", 5);
-            leave(true);
-        },
-        testing::ExitedWithCode(0),
-        testing::ContainsRegex("PUT /api/settings: status 409, 18 bytes, [0-9.]+ ms\n"
-                               "(.*\n)?.*GET /api/state: status 0, 0 bytes, [0-9.]+ ms, "
-                               "No such file or directory\n$"));
-}
-
-TEST_F(ServiceLinkTrace, SaysNothingWhenNotAsked) {
-    testing::FLAGS_gtest_death_test_style = "threadsafe";
-    EXPECT_EXIT(
-        {
-            setenv("G_MESSAGES_DEBUG", "Gtk GLib", 1);
-            g_log_writer_default_set_use_stderr(TRUE);
-            service.will_answer_state("{}");
-            leave(get_state().status == 200);
-        },
-        testing::ExitedWithCode(0), testing::Eq(""));
-}
-
-TEST_F(ServiceLinkTrace, NeverSaysABody) {
-    testing::FLAGS_gtest_death_test_style = "threadsafe";
-    EXPECT_EXIT(
-        {
-            setenv("G_MESSAGES_DEBUG", "all", 1);
-            g_log_writer_default_set_use_stderr(TRUE);
-            service.will_answer("PUT", "/api/settings", 200, "confidential");
-            testing::internal::CaptureStderr();
-            service_request(HttpMethod::put, "/api/settings", "confidential", 5);
-            const std::string said = testing::internal::GetCapturedStderr();
-            const bool quiet = said.find("confidential") == std::string::npos;
-            leave(quiet && said.find("/api/settings") != std::string::npos);
-        },
-        testing::ExitedWithCode(0), testing::Eq(""));
+TEST_F(ServiceLink, WritesOneLineForEachExchangeIntoATraceAndNeverABody) {
+    std::string trace;
+    const auto note = +[](const char*, GLogLevelFlags, const char* line, gpointer text) {
+        static_cast<std::string*>(text)->append(line).append("\n");
+    };
+    // GLib prints messages of this level only when G_MESSAGES_DEBUG asks for them.
+    const guint handler = g_log_set_handler("tarnwave", G_LOG_LEVEL_DEBUG, note, &trace);
+    service.will_answer("PUT", "/api/settings", 409, R"({"error":"secret"})");
+    service_request(HttpMethod::put, "/api/settings", R"({"key":"secret"})");
+    service.stop();
+    get_state();
+    g_log_remove_handler("tarnwave", handler);
+    EXPECT_TRUE(g_regex_match_simple(
+        "^PUT /api/settings: status 409, 18 bytes, [0-9.]+ ms\n"
+        "GET /api/state: status 0, 0 bytes, [0-9.]+ ms, No such file or directory\n$",
+        trace.c_str(), GRegexCompileFlags{}, GRegexMatchFlags{}))
+        << trace;
 }
 
 } // namespace
