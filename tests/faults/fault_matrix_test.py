@@ -9,10 +9,10 @@ open, and a poll and a save succeed. Needs a display (scripts/under-xvfb brings 
 """
 import getpass
 import pathlib
-import re
 import signal
 import sys
 import tempfile
+import unittest
 
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parent / "support"))
@@ -46,42 +46,27 @@ KINDS = {
 SUCCESSES = ("good answer", "broken document")
 
 
-def one_fault_of_each_outcome():
-    """The first fault of each outcome that takes no time and needs no change of the socket."""
-    chosen = {}
-    for fault in FAULTS:
-        if not fault.keys() & {"connection", "silent", "pause_s"}:
-            chosen.setdefault(fault["outcome"], fault)
-    return list(chosen.values())
-
-
-class Failure(Exception):
-    def __init__(self, what):
-        super().__init__(what if len(what) < 2000 else what[:2000] + "…")
-
-
-def check(condition, *what):
-    if not condition:
-        raise Failure(" ".join(str(part) for part in what))
+# The first fault of each outcome that takes no time and needs no change of the socket.
+FAULT_OF_EACH_OUTCOME = {
+    fault["outcome"]: fault for fault in reversed(FAULTS)
+    if not fault.keys() & {"connection", "silent", "pause_s"}}.values()
 
 
 def shows(report, words):
-    return any(text.startswith(words) for text in report.get("texts", ()))
+    return any(text.startswith(words) for text in report["texts"])
 
 
-class Matrix:
-    def __init__(self, program, library, folder):
-        self.program_path = program
-        self.library = library
-        self.folder = folder
+class FaultMatrix(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
         self.script = []  # for the next requests: None for a good answer, a fault or a reply
-        self.service = StandInService(folder / "socket", self.answer)
+        self.service = StandInService(self.folder / "socket", self.answer)
+        self.addCleanup(self.service.stop)
         self.program = None
-        self.descriptors = None
         # The administrator's command does nothing, and well; there is no other command.
-        (folder / "bin").mkdir()
-        (folder / "bin" / "pkexec").write_text("#!/bin/sh\n")
-        (folder / "bin" / "pkexec").chmod(0o755)
+        (self.folder / "bin").mkdir()
+        (self.folder / "bin" / "pkexec").write_text("#!/bin/sh\n")
+        (self.folder / "bin" / "pkexec").chmod(0o755)
 
     def answer(self, request):
         good = REQUESTS[request.key].reply
@@ -90,124 +75,110 @@ class Matrix:
             return step
         return fault_bytes(step, good) if step else reply_bytes(200, good)
 
-    def start(self):
-        return Program(self.program_path, self.library, self.folder,
-                       self.service.server_address)
+    def start(self, *script):
+        self.service.requests.clear()
+        self.script = list(script)
+        program = Program(PROGRAM, LIBRARY, self.folder, self.service.server_address)
+        self.addCleanup(program.kill)
+        return program
 
-    def wait_for_station(self):
+    def hear_until(self, program, condition):
+        report = program.hear_until(condition)
+        self.assertIsNotNone(report, "it ended")
+        return report
+
+    def wait_for_station(self, program):
         """Waits until the program that was just started shows the station on the air."""
-        report = self.program.hear_until(lambda report: shows(report, ON_THE_AIR))
-        check(report is not None, "ended with", self.program.end() if report is None else "")
+        self.hear_until(program, lambda report: "texts" in report and shows(report, ON_THE_AIR))
 
-    def close(self):
-        status, said = self.program.close()
-        check((status, said) == (0, ""), "closing ended with", status, said)
-        self.program = None
+    def answer_question(self, program, response):
+        program.tell(f"answer {response}")
+        report = self.hear_until(program, lambda report: "dialog" in report)
+        self.assertIn(f"Make {getpass.getuser()} the station owner?", report["dialog"])
+
+    def assert_shows(self, report, words):
+        self.assertTrue(shows(report, words), f"no “{words}” but {report['texts']}"[:2000])
 
     def open(self):
         """Starts the program and does every action once."""
-        self.program = self.start()
-        self.wait_for_station()
+        program = self.start()
+        self.wait_for_station(program)
         for request in REQUESTS.values():
-            self.program.do("edit Warm", *request.commands)
-        self.program.do("edit Warm", *SAVE)
-        self.descriptors = self.program.do("figures")["descriptors"]
+            program.do("edit Warm", *request.commands)
+        program.do("edit Warm", *SAVE)
+        self.descriptors = program.do("figures")["descriptors"]
+        return program
 
-    def run_action(self, kind, fault):
+    def run_action(self, program, kind, fault):
+        """Returns whether the program lives on."""
         request, made_by, none, refused, well = KINDS[kind]
         good_before = int(request != made_by)
-        if not self.program:
-            self.open()
-        program = self.program
         edited = kind != "register"  # it saves edits first, with a request of its own
         if edited:
             program.do("edit Edited")
         self.service.requests.clear()
         self.script = [None] * good_before + [fault]
         report = program.do(*REQUESTS[made_by].commands)
-        check(self.service.requests[good_before].key == request, "asked something else")
+        self.assertEqual(self.service.requests[good_before].key, request)
         if REQUESTS[request].ends_program(fault):
-            check(report is None, "lived on with", report)
-            self.program = None
+            self.assertIsNone(report, "it lived on")
             status, said = program.end()
-            check(status == -signal.SIGABRT, "ended with", status, "and said", said)
-            check(re.fullmatch(r"tarnwave-settings: [^\n]+\n", said), "said", repr(said))
-            return
-        check(report is not None, "ended with", program.end() if report is None else "")
-        succeeded = fault["outcome"] in SUCCESSES
-        words = none if fault["outcome"] == "no answer" else well if succeeded else refused
-        check(shows(report, words), f"shows no “{words}” but", report["texts"])
-        if edited and not (made_by == "PUT /api/settings" and succeeded):
-            check((report["name"], report["unsaved"]) == ("Edited", True), "lost an edit:", report)
-        self.check_usable(program)
-
-    def check_usable(self, program):
-        report = program.do("poll")
-        check(shows(report, ON_THE_AIR), "a poll later it shows", report["texts"])
-        report = program.do("edit Usable", *SAVE)
-        check(shows(report, "Saved.") and not report["unsaved"], "a save later:", report)
-        descriptors = program.do("figures")["descriptors"]
-        check(descriptors == self.descriptors, "descriptors:", descriptors, "instead of",
-              self.descriptors)
-
-    def answer_question(self, response):
-        self.program.tell(f"answer {response}")
-        report = self.program.hear_until(lambda report: "dialog" in report)
-        check(report is not None, "ended with", self.program.end() if report is None else "")
-        check(f"Make {getpass.getuser()} the station owner?" in report["dialog"], "asks", report)
-
-    def run_probe(self, fault):
-        """The first request of all: a success is not read, since the form has its own request."""
-        self.script = [fault]
-        self.program = self.start()
-        if fault["outcome"] in SUCCESSES:
-            self.wait_for_station()
-            self.close()
-        else:
-            self.answer_question(-7)  # closed
-            check(self.program.end() == (1, ""), "ended with", self.program.end())
-            self.program = None
-
-    def run_wait(self, fault):
-        """The wait for the service to accept the new owner ends at the first success."""
-        self.service.requests.clear()
-        self.script = [reply_bytes(403, {"error": "No."}), fault]
-        self.program = self.start()
-        self.answer_question(-3)  # accepted
-        self.wait_for_station()
-        self.close()
-        # The probe, the try that met the fault, the next one, the probe and the form.
-        wanted = 4 if fault["outcome"] in SUCCESSES else 5
-        check(len(self.service.requests) == wanted, "asked", len(self.service.requests), "times")
-
-    def meet(self, kind, fault):
-        run = {"probe": self.run_probe, "wait": self.run_wait}.get(kind)
-        try:
-            run(fault) if run else self.run_action(kind, fault)
-        except Failure as failure:
-            print(f"{kind}: {fault['fault']}: {failure}", flush=True)
-            if self.program:
-                self.program.kill()
-                self.program = None
-            self.script = []
+            self.assertEqual(status, -signal.SIGABRT)
+            self.assertRegex(said, r"\Atarnwave-settings: [^\n]+\n\Z")
             return False
+        self.assertIsNotNone(report, "it ended")
+        succeeded = fault["outcome"] in SUCCESSES
+        self.assert_shows(report, none if fault["outcome"] == "no answer" else
+                          well if succeeded else refused)
+        if edited and not (made_by == "PUT /api/settings" and succeeded):
+            self.assertEqual((report["name"], report["unsaved"]), ("Edited", True))
+        self.assert_usable(program)
         return True
 
+    def assert_usable(self, program):
+        self.assert_shows(program.do("poll"), ON_THE_AIR)
+        report = program.do("edit Usable", *SAVE)
+        self.assert_shows(report, "Saved.")
+        self.assertFalse(report["unsaved"])
+        self.assertEqual(program.do("figures")["descriptors"], self.descriptors)
 
-def main():
-    program, library = sys.argv[1:]
-    if forgotten := REQUESTS.keys() - {request for request, *_ in KINDS.values()}:
-        sys.exit(f"what the window says of these requests is not known: {sorted(forgotten)}")
-    faults = one_fault_of_each_outcome()
-    with tempfile.TemporaryDirectory() as name:
-        matrix = Matrix(program, library, pathlib.Path(name))
-        met = [matrix.meet(kind, fault) for kind in ["probe", "wait", *KINDS]
-               for fault in faults]
-        if matrix.program:
-            matrix.close()
-    print(f"{sum(met)} of {len(met)} as expected: {len(faults)} outcomes, {len(KINDS) + 2} kinds")
-    sys.exit(not all(met))
+    def test_what_the_window_says_is_known_of_every_request(self):
+        self.assertEqual({request for request, *_ in KINDS.values()}, REQUESTS.keys())
+
+    def test_every_action_meets_every_outcome(self):
+        program = None
+        for kind in KINDS:
+            for fault in FAULT_OF_EACH_OUTCOME:
+                with self.subTest(kind, fault=fault["fault"]):
+                    running, program = program or self.open(), None
+                    if self.run_action(running, kind, fault):
+                        program = running
+        self.assertEqual(program.close(), (0, ""))
+
+    def test_the_first_request_of_all_meets_every_outcome(self):
+        # A success is not read, since the form has its own request.
+        for fault in FAULT_OF_EACH_OUTCOME:
+            with self.subTest(fault["fault"]):
+                program = self.start(fault)
+                if fault["outcome"] in SUCCESSES:
+                    self.wait_for_station(program)
+                    self.assertEqual(program.close(), (0, ""))
+                else:
+                    self.answer_question(program, -7)  # closed
+                    self.assertEqual(program.end(), (1, ""))
+
+    def test_the_wait_for_a_new_owner_ends_at_the_first_success(self):
+        for fault in FAULT_OF_EACH_OUTCOME:
+            with self.subTest(fault["fault"]):
+                program = self.start(reply_bytes(403, {"error": "No."}), fault)
+                self.answer_question(program, -3)  # accepted
+                self.wait_for_station(program)
+                self.assertEqual(program.close(), (0, ""))
+                # The probe, the try that met the fault, the next one, the probe and the form.
+                self.assertEqual(len(self.service.requests),
+                                 4 if fault["outcome"] in SUCCESSES else 5)
 
 
 if __name__ == "__main__":
-    main()
+    PROGRAM, LIBRARY = sys.argv.pop(1), sys.argv.pop(1)
+    unittest.main()

@@ -61,9 +61,9 @@ class Program:
 
     def end(self):
         """Its exit status, below 0 for a signal, and what it said."""
-        status = self.process.wait(DEADLINE)
+        self.process.communicate(timeout=DEADLINE)
         self._guard.cancel()
-        return status, self._errors.read_text()
+        return self.process.returncode, self._errors.read_text()
 
     def close(self):
         self.do("close")
@@ -72,4 +72,4 @@ class Program:
     def kill(self):
         self._guard.cancel()
         self.process.kill()
-        self.process.wait()
+        self.process.communicate()
