@@ -1,7 +1,6 @@
 # SPDX-License-Identifier: MIT
 """Real keys, the pointer and pictures, on the display of the tests."""
 
-import ctypes
 import subprocess
 
 from accessible import DEADLINE
@@ -38,20 +37,3 @@ def window_size(window):
     fields = dict(line.split("=", 1) for line in
                   xdotool("getwindowgeometry", "--shell", window).split())
     return int(fields["WIDTH"]), int(fields["HEIGHT"])
-
-
-class ClassHint(ctypes.Structure):
-    """As Xutil.h has it."""
-
-    _fields_ = [("name", ctypes.c_char_p), ("window_class", ctypes.c_char_p)]
-
-
-def window_class(window):
-    """By which names a desktop finds the program of an X window."""
-    xlib = ctypes.CDLL("libX11.so.6")
-    xlib.XOpenDisplay.restype = ctypes.c_void_p
-    display = ctypes.c_void_p(xlib.XOpenDisplay(None))
-    hint = ClassHint()
-    xlib.XGetClassHint(display, ctypes.c_ulong(int(window)), ctypes.byref(hint))
-    xlib.XCloseDisplay(display)
-    return hint.name.decode(), hint.window_class.decode()

@@ -35,7 +35,7 @@ disable-linger) rm -f "$folder/linger" ;;
 show-user) if [ -f "$folder/linger" ]; then cat "$folder/linger"; else echo no; fi ;;
 esac
 """,
-    "systemctl": "touch \"$folder/broker\"\n",
+    "systemctl": "",
     "pkexec": "exit 127\n",
 }
 
@@ -72,6 +72,8 @@ class Case(unittest.TestCase):
         (self.folder / "config" / "gtk-3.0").mkdir()
         (self.folder / "config" / "gtk-3.0" / "settings.ini").write_text(
             "[Settings]\ngtk-enable-animations=0\n")
+        self.command_log = self.folder / "commands.log"
+        self.command_log.touch()
         for name, script in STAND_INS.items():
             self.stand_in(name, script)
         self.programs = []
@@ -81,14 +83,12 @@ class Case(unittest.TestCase):
         path = self.folder / "bin" / name
         path.unlink(missing_ok=True)
         path.write_text(f"#!/bin/sh\nfolder={self.folder}\n"
-                        f"echo \"{name} $*\" >>\"$folder/commands.log\"\n{script}")
+                        f"echo \"{name} $*\" >>{self.command_log}\n{script}")
         path.chmod(0o755)
 
-    def commands(self, name=None):
-        """The system commands that were run, in order, as they were written."""
-        log = self.folder / "commands.log"
-        lines = log.read_text().splitlines() if log.exists() else []
-        return [line for line in lines if name is None or line.startswith(name + " ")]
+    def commands(self, name):
+        """The runs of a system command, in order, as they were written."""
+        return re.findall(rf"^{name} .*$", self.command_log.read_text(), re.MULTILINE)
 
     def environment(self, **changes):
         """What the program finds in its environment; None takes a variable away."""
