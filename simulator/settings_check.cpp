@@ -19,8 +19,7 @@ constexpr std::array<std::string_view, 6> not_edited = {
     "format",       "station.timezone", "listeners.greeting",
     "network.bind", "directory.id",     "directory.email"};
 
-/// A setting that has limits, or a name in the form. Its kind is that of the stored value. A number
-/// without a rule has no limits.
+/// A setting that has limits, or a name in the form. Its kind is that of the stored value.
 struct Rule {
     std::string_view path;
     std::string_view words; ///< its name in a refusal
@@ -80,9 +79,7 @@ std::string kind_fault(const std::string& path, const json::value& stored,
         return value.is_bool() ? "" : subject + " must be on or off" + where;
     if (stored.is_array())
         return value.is_array() ? "" : subject + " must be a list" + where;
-    if (!known)
-        return value.is_number() ? "" : subject + " must be a number" + where;
-    if (is_whole_number(value, found->low, found->high))
+    if (!known || is_whole_number(value, found->low, found->high))
         return "";
     return subject + " must be a whole number from " + std::to_string(found->low) + " to " +
            std::to_string(found->high) + where;

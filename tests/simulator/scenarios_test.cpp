@@ -17,17 +17,6 @@ TEST(Scenarios, EachBeginsWithSettingsThatCanBeSaved) {
     }
 }
 
-TEST(Scenarios, EachLivesForAnHour) {
-    for (const Scenario& scenario : all_scenarios()) {
-        SCOPED_TRACE(scenario.name);
-        Station station = make_station(scenario, 1, birth);
-        advance(station, 3600);
-        const json::object document = state_document(station);
-        EXPECT_EQ(document.at("settings"), station.settings);
-        EXPECT_EQ(document.at("status").as_object().size(), 7U);
-    }
-}
-
 TEST(Scenarios, QuietSendsTheSameBytesForever) {
     Station station = station_in("quiet");
     const std::string first = json::serialize(state_document(station));
