@@ -92,9 +92,8 @@ void build_station_page() {
                   "Town, region and country. Shown on the list.", "Asheville, North Carolina, USA");
     widgets.grid_entry = bind_entry("station.grid", "EM95");
     gtk_entry_set_max_length(GTK_ENTRY(widgets.grid_entry), 6);
-    GtkWidget* grid_column = nullptr;
-    add_row(about, "Grid square", nullptr, widgets.grid_entry, RowWidth::wide, &grid_column);
-    widgets.grid_hint = add_live_hint(grid_column, widgets.grid_entry);
+    widgets.grid_hint = add_note(add_row(about, "Grid square", nullptr, widgets.grid_entry), "");
+    describe_by_label(widgets.grid_entry, widgets.grid_hint);
     call_at_signal(widgets.grid_entry, "changed", check_grid_square);
     add_entry_row(about, "station.antenna", "Antenna", nullptr, "80 m end-fed, 12 m up");
     add_entry_row(about, "station.contact", "Contact", "A web page or email address for listeners.",
@@ -146,10 +145,9 @@ void build_listeners_page() {
                                "How many people can listen, for how long, and what they may use.");
     GtkWidget* places = add_card(page, "Places and time");
     widgets.max_listeners_spin = bind_field("listeners.max", make_number_spin(1, 200));
-    GtkWidget* max_column = nullptr;
-    add_row(places, "Listeners at once", nullptr, widgets.max_listeners_spin, RowWidth::natural,
-            &max_column);
-    widgets.upload_estimate = add_live_hint(max_column, widgets.max_listeners_spin);
+    widgets.upload_estimate =
+        add_note(add_row(places, "Listeners at once", nullptr, widgets.max_listeners_spin), "");
+    describe_by_label(widgets.max_listeners_spin, widgets.upload_estimate);
     call_at_signal(widgets.max_listeners_spin, "value-changed", update_upload_estimate);
     add_number_row(places, "listeners.per_address", "Listeners from one address",
                    "Stops one visitor from taking every place.", 1, 20);
@@ -200,8 +198,8 @@ void build_way_in_card(GtkWidget* page) {
     call_at_signal(widgets.relay_switch, "notify::active", update_relay_visibility);
     const std::string key_hint = "From Corvane, through " + host + "/contact.html.";
     widgets.relay_key_row =
-        add_row(card, "Relay key", key_hint.c_str(),
-                bind_entry("relay.key", "XXXX-XXXX-XXXX-XXXX-XXXX-XXXX"), RowWidth::wide);
+        gtk_widget_get_parent(add_row(card, "Relay key", key_hint.c_str(),
+                                      bind_entry("relay.key", "XXXX-XXXX-XXXX-XXXX-XXXX-XXXX")));
     widgets.relay_note = add_note(card,
                                   "Corvane may withdraw a relay key at any time. Through the "
                                   "relay, listeners get no FM or AM broadcast audio.",
@@ -231,8 +229,7 @@ void build_register_box(GtkWidget* card) {
         widgets.register_box,
         "You run this station independently and are solely responsible for it, for what it "
         "receives and streams, and for following the law where you are. Corvane does not "
-        "monitor, review or filter stations; the list shows them as they are.",
-        0, 0);
+        "monitor, review or filter stations; the list shows them as they are.");
     widgets.understand_check = gtk_check_button_new_with_label("I understand");
     describe_by_label(widgets.understand_check, statement);
     pack(widgets.register_box, widgets.understand_check);

@@ -11,8 +11,8 @@
 
 namespace {
 
-/// Width of the wide widgets at the end of a row, in pixels.
-constexpr int wide_widget_width = 320;
+/// Width of the entries at the end of a row, in pixels.
+constexpr int entry_width = 320;
 
 /// Key of the object data in which a card counts its rows.
 constexpr char row_count_key[] = "rows";
@@ -85,8 +85,7 @@ GtkWidget* add_card(GtkWidget* parent, const char* title) {
     return card;
 }
 
-GtkWidget* add_row(GtkWidget* card, const char* label, const char* hint, GtkWidget* widget,
-                   RowWidth width, GtkWidget** text_column_out) {
+GtkWidget* add_row(GtkWidget* card, const char* label, const char* hint, GtkWidget* widget) {
     const gsize rows_before = GPOINTER_TO_SIZE(g_object_get_data(G_OBJECT(card), row_count_key));
     if (rows_before > 0)
         pack(card, gtk_separator_new(GTK_ORIENTATION_HORIZONTAL));
@@ -97,25 +96,14 @@ GtkWidget* add_row(GtkWidget* card, const char* label, const char* hint, GtkWidg
     gtk_widget_set_valign(text_column, GTK_ALIGN_CENTER);
     GtkWidget* name = make_label(escaped_markup(label).c_str(), nullptr);
     pack(text_column, name);
-    if (widget)
-        name_by_label(widget, name);
-    if (hint) {
-        GtkWidget* hint_label = make_label(escaped_markup(hint).c_str(), "small");
-        pack(text_column, hint_label);
-        if (widget)
-            describe_by_label(widget, hint_label);
-    }
+    name_by_label(widget, name);
+    if (hint)
+        describe_by_label(widget, add_note(text_column, hint));
     pack(row, text_column, true);
-    if (widget) {
-        gtk_widget_set_valign(widget, GTK_ALIGN_CENTER);
-        if (width == RowWidth::wide)
-            gtk_widget_set_size_request(widget, wide_widget_width, -1);
-        pack_end(row, widget);
-    }
+    gtk_widget_set_valign(widget, GTK_ALIGN_CENTER);
+    pack_end(row, widget);
     pack(card, row);
-    if (text_column_out)
-        *text_column_out = text_column;
-    return row;
+    return text_column;
 }
 
 GtkWidget* add_textbox(GtkWidget* parent, int height) {
@@ -142,6 +130,7 @@ GtkWidget* bind_field(const char* key, GtkWidget* widget) {
 GtkWidget* bind_entry(const char* key, const char* placeholder) {
     GtkWidget* entry = gtk_entry_new();
     gtk_entry_set_placeholder_text(GTK_ENTRY(entry), placeholder);
+    gtk_widget_set_size_request(entry, entry_width, -1);
     return bind_field(key, entry);
 }
 
@@ -156,14 +145,7 @@ void add_number_row(GtkWidget* card, const char* key, const char* label, const c
 
 void add_entry_row(GtkWidget* card, const char* key, const char* label, const char* hint,
                    const char* placeholder) {
-    add_row(card, label, hint, bind_entry(key, placeholder), RowWidth::wide);
-}
-
-GtkWidget* add_live_hint(GtkWidget* text_column, GtkWidget* widget) {
-    GtkWidget* hint = make_label("", "small");
-    pack(text_column, hint);
-    describe_by_label(widget, hint);
-    return hint;
+    add_row(card, label, hint, bind_entry(key, placeholder));
 }
 
 GtkWidget* add_note(GtkWidget* box, const std::string& text, int top, int bottom) {

@@ -28,18 +28,13 @@ void set_vertical_margins(GtkWidget* widget, int top, int bottom);
 /// Adds a card to a page. `title` is plain; null gives a card without one.
 GtkWidget* add_card(GtkWidget* parent, const char* title);
 
-/// Whether a row's widget gets the width of the text entries.
-enum class RowWidth { natural, wide };
-
 /// Adds one setting to a card:
 ///     row ─┬─ text column: label, hint     (expands)
 ///          └─ widget                       (at the end)
-/// A separator comes first unless this is the card's first row. `hint` and `widget` may be null.
-/// Texts are plain. Returns the row. `text_column_out`, when given, receives the text column, for
-/// a live hint under the label. The label and the hint name and describe the widget to a screen
-/// reader.
-GtkWidget* add_row(GtkWidget* card, const char* label, const char* hint, GtkWidget* widget,
-                   RowWidth width = RowWidth::natural, GtkWidget** text_column_out = nullptr);
+/// A separator comes first unless this is the card's first row. Texts are plain; `hint` may be
+/// null. The label and the hint name and describe the widget to a screen reader. Returns the text
+/// column.
+GtkWidget* add_row(GtkWidget* card, const char* label, const char* hint, GtkWidget* widget);
 
 /// Adds a frame with a text view of the given height. Returns the text view, change-tracked.
 GtkWidget* add_textbox(GtkWidget* parent, int height);
@@ -47,7 +42,7 @@ GtkWidget* add_textbox(GtkWidget* parent, int height);
 /// Appends the widget to the field registry and tracks its changes. Returns the widget.
 GtkWidget* bind_field(const char* key, GtkWidget* widget);
 
-/// A new entry, bound to a key.
+/// A new entry for a row, bound to a key.
 GtkWidget* bind_entry(const char* key, const char* placeholder);
 
 /// Each adds a row with a new widget that is bound to a key.
@@ -57,8 +52,5 @@ void add_number_row(GtkWidget* card, const char* key, const char* label, const c
 void add_entry_row(GtkWidget* card, const char* key, const char* label, const char* hint,
                    const char* placeholder);
 
-/// Adds a small live hint under a row's label. It describes the row's widget.
-GtkWidget* add_live_hint(GtkWidget* text_column, GtkWidget* widget);
-
 /// Adds a small plain text with margins above and below.
-GtkWidget* add_note(GtkWidget* box, const std::string& text, int top, int bottom);
+GtkWidget* add_note(GtkWidget* box, const std::string& text, int top = 0, int bottom = 0);

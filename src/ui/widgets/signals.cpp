@@ -9,11 +9,8 @@ namespace {
 
 using Action = std::function<void()>;
 
-void on_signal(gpointer, gpointer action) {
-    (*static_cast<Action*>(action))();
-}
-
-void on_notify(gpointer, GParamSpec*, gpointer action) {
+/// Connected "swapped", so that the action comes first. The other arguments are not read.
+void on_signal(gpointer action) {
     (*static_cast<Action*>(action))();
 }
 
@@ -31,10 +28,8 @@ gboolean on_idle(gpointer data) {
 } // namespace
 
 void call_at_signal(gpointer instance, const char* signal, Action action) {
-    g_signal_connect_data(instance, signal,
-                          g_str_has_prefix(signal, "notify::") ? G_CALLBACK(on_notify)
-                                                               : G_CALLBACK(on_signal),
-                          new Action{std::move(action)}, delete_action, GConnectFlags{});
+    g_signal_connect_data(instance, signal, G_CALLBACK(on_signal), new Action{std::move(action)},
+                          delete_action, G_CONNECT_SWAPPED);
 }
 
 void call_when_idle(gint priority, Action action) {

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Connecting functions that take no arguments to signals, and running them from idle.
+// Running functions without arguments at signals and from idle.
 #pragma once
 
 #include <glib-object.h>
 
 #include <functional>
 
-/// Calls `action` at each emission of a signal without arguments, such as "clicked", or of a
-/// "notify" for one property.
+/// Calls `action` at each emission of a signal whose handlers return nothing.
 void call_at_signal(gpointer instance, const char* signal, std::function<void()> action);
 
 /// Calls `action` once from idle, unless the window was destroyed by then.

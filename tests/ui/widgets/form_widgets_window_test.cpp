@@ -36,7 +36,7 @@ TEST_F(Builders, ALabelIsMarkupAndStandsLeft) {
 
 TEST_F(Builders, TitlesLabelsAndHintsAreNoMarkup) {
     GtkWidget* card = add_card(box, "R&D <b>rooms</b>");
-    add_row(card, "A & <i>B</i>", "less < more", nullptr);
+    add_row(card, "A & <i>B</i>", "less < more", gtk_switch_new());
     gtk_widget_show_all(box);
     EXPECT_NE(find_label(card, "R&D <b>rooms</b>"), nullptr);
     EXPECT_NE(find_label(card, "A & <i>B</i>"), nullptr);
