@@ -6,6 +6,7 @@
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/page_stack.h"
 #include "ui/widgets/widget_record.h"
+#include "ui/widgets/widget_tree.h"
 
 #include <sstream>
 #include <string>
@@ -99,14 +100,6 @@ GtkWidget* make_overlay() {
     return GTK_WIDGET(window);
 }
 
-/// The overlay's search button shows a picture only, and GTK gives it no accessible name.
-void name_search_button(GtkWidget* widget, gpointer) {
-    if (GTK_IS_TOGGLE_BUTTON(widget))
-        set_accessible_name(widget, "Search");
-    else if (GTK_IS_CONTAINER(widget))
-        gtk_container_forall(GTK_CONTAINER(widget), name_search_button, nullptr);
-}
-
 } // namespace
 
 void add_shortcuts() {
@@ -133,8 +126,10 @@ void show_shortcuts() {
         gtk_window_set_destroy_with_parent(GTK_WINDOW(window), TRUE);
         g_signal_connect(window, "delete-event", G_CALLBACK(gtk_widget_hide_on_delete), nullptr);
         g_signal_connect(window, "destroy", G_CALLBACK(gtk_widget_destroyed), &window);
-        if (GtkWidget* bar = gtk_window_get_titlebar(GTK_WINDOW(window)))
-            name_search_button(bar, nullptr);
+        // The search button shows a picture only, and GTK gives it no accessible name.
+        for (GtkWidget* widget : descendants_of(gtk_window_get_titlebar(GTK_WINDOW(window))))
+            if (GTK_IS_TOGGLE_BUTTON(widget))
+                set_accessible_name(widget, "Search");
     }
     gtk_window_present(GTK_WINDOW(window));
 }

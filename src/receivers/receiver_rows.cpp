@@ -7,10 +7,10 @@
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/change_tracking.h"
 #include "ui/widgets/form_widgets.h"
-#include "ui/widgets/keep_focus.h"
 #include "ui/widgets/setters.h"
 #include "ui/widgets/signals.h"
 #include "ui/widgets/spin_buttons.h"
+#include "ui/widgets/widget_tree.h"
 
 #include <string>
 #include <utility>

@@ -8,9 +8,9 @@
 #include "ui/colours.h"
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/form_widgets.h"
-#include "ui/widgets/keep_focus.h"
 #include "ui/widgets/page_stack.h"
 #include "ui/widgets/setters.h"
+#include "ui/widgets/widget_tree.h"
 
 #include <boost/json/value.hpp>
 

@@ -3,15 +3,7 @@
 
 #include "ui/widgets/signals.h"
 #include "ui/widgets/widget_record.h"
-
-namespace {
-
-void commit(GtkWidget* spin) {
-    if (spin)
-        gtk_spin_button_update(GTK_SPIN_BUTTON(spin));
-}
-
-} // namespace
+#include "ui/widgets/widget_tree.h"
 
 void track_changes(GtkWidget* widget) {
     if (GTK_IS_SWITCH(widget))
@@ -42,11 +34,7 @@ void mark_clean() {
 }
 
 void commit_typed_values() {
-    for (const FieldBinding& field : widgets.field_registry)
-        if (GTK_IS_SPIN_BUTTON(field.widget))
-            commit(field.widget);
-    for (const Receiver& receiver : widgets.receiver_list) {
-        commit(receiver.low_spin);
-        commit(receiver.high_spin);
-    }
+    for (GtkWidget* widget : descendants_of(widgets.stack))
+        if (GTK_IS_SPIN_BUTTON(widget))
+            gtk_spin_button_update(GTK_SPIN_BUTTON(widget));
 }

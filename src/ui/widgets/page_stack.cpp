@@ -5,6 +5,7 @@
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/form_widgets.h"
 #include "ui/widgets/signals.h"
+#include "ui/widgets/widget_tree.h"
 
 #include <algorithm>
 
@@ -45,21 +46,6 @@ gboolean on_page_list_focus(GtkWidget* list, GtkDirectionType direction, gpointe
     return TRUE;
 }
 
-void find_list_box(GtkWidget* widget, gpointer found) {
-    // The scrolled window around the list must not take the focus.
-    if (GTK_IS_SCROLLED_WINDOW(widget))
-        gtk_widget_set_can_focus(widget, FALSE);
-    if (GTK_IS_LIST_BOX(widget))
-        *static_cast<GtkWidget**>(found) = widget;
-    else if (GTK_IS_CONTAINER(widget))
-        gtk_container_forall(GTK_CONTAINER(widget), find_list_box, found);
-}
-
-/// GTK gives the rows of the list a label each, but no accessible name.
-void name_row(GtkWidget* row, gpointer) {
-    name_by_label(row, gtk_bin_get_child(GTK_BIN(row)));
-}
-
 } // namespace
 
 GtkWidget* make_page_stack() {
@@ -72,10 +58,18 @@ GtkWidget* make_page_stack() {
 GtkWidget* make_page_list() {
     GtkWidget* sidebar = gtk_stack_sidebar_new();
     gtk_widget_set_size_request(sidebar, page_list_width, -1);
-    find_list_box(sidebar, &widgets.page_list);
-    g_signal_connect(widgets.page_list, "focus", G_CALLBACK(on_page_list_focus), nullptr);
     gtk_stack_sidebar_set_stack(GTK_STACK_SIDEBAR(sidebar), stack());
-    gtk_container_foreach(GTK_CONTAINER(widgets.page_list), name_row, nullptr);
+    for (GtkWidget* widget : descendants_of(sidebar)) {
+        // The scrolled window around the list must not take the focus.
+        if (GTK_IS_SCROLLED_WINDOW(widget))
+            gtk_widget_set_can_focus(widget, FALSE);
+        else if (GTK_IS_LIST_BOX(widget))
+            widgets.page_list = widget;
+        // GTK gives the rows of the list a label each, but no accessible name.
+        else if (GTK_IS_LIST_BOX_ROW(widget))
+            name_by_label(widget, gtk_bin_get_child(GTK_BIN(widget)));
+    }
+    g_signal_connect(widgets.page_list, "focus", G_CALLBACK(on_page_list_focus), nullptr);
     return sidebar;
 }
 

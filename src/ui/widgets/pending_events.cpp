@@ -2,6 +2,7 @@
 #include "ui/widgets/pending_events.h"
 
 #include "ui/widgets/setters.h"
+#include "ui/widgets/widget_tree.h"
 
 namespace {
 
@@ -101,12 +102,9 @@ gint run_dialog(const MessageDialog& message) {
     if (message.default_response != GTK_RESPONSE_NONE)
         gtk_dialog_set_default_response(GTK_DIALOG(dialog), message.default_response);
     // A long word from outside must not make the dialog wider than the screen.
-    GList* texts = gtk_container_get_children(
-        GTK_CONTAINER(gtk_message_dialog_get_message_area(GTK_MESSAGE_DIALOG(dialog))));
-    for (GList* text = texts; text; text = text->next)
-        if (GTK_IS_LABEL(text->data))
-            gtk_label_set_line_wrap_mode(GTK_LABEL(text->data), PANGO_WRAP_WORD_CHAR);
-    g_list_free(texts);
+    for (GtkWidget* widget : descendants_of(dialog))
+        if (GTK_IS_LABEL(widget))
+            gtk_label_set_line_wrap_mode(GTK_LABEL(widget), PANGO_WRAP_WORD_CHAR);
 
     const gint response = gtk_dialog_run(GTK_DIALOG(dialog));
     gtk_widget_destroy(dialog);

@@ -2,8 +2,7 @@
 #include "ui/widgets/theme.h"
 
 #include "ui/widgets/signals.h"
-
-#include <gtk/gtk.h>
+#include "ui/widgets/widget_tree.h"
 
 const char style_sheet[] = R"(
 window, dialog { background: #0A1420; color: #E9F1F9; font-family: Sans; font-size: 13px; }
@@ -165,21 +164,16 @@ void follow_high_contrast(GtkCssProvider* high_contrast) {
     gtk_css_provider_load_from_data(high_contrast, wanted ? high_contrast_styles : "", -1, nullptr);
 }
 
-void measure_entries_again(GtkWidget* widget, gpointer) {
-    if (GTK_IS_ENTRY(widget)) {
-        pango_context_changed(gtk_widget_get_pango_context(widget));
-        gtk_widget_queue_resize(widget);
-    } else if (GTK_IS_CONTAINER(widget)) {
-        gtk_container_forall(GTK_CONTAINER(widget), measure_entries_again, nullptr);
-    }
-}
-
 /// GTK lays texts out again by itself when the text scale changes, but the Pango contexts of the
 /// entries keep the old width of a character, because their font is the same in pt.
-void measure_all_entries_again() {
+void measure_entries_again() {
     GList* windows = gtk_window_list_toplevels();
     for (GList* window = windows; window; window = window->next)
-        measure_entries_again(GTK_WIDGET(window->data), nullptr);
+        for (GtkWidget* widget : descendants_of(GTK_WIDGET(window->data)))
+            if (GTK_IS_ENTRY(widget)) {
+                pango_context_changed(gtk_widget_get_pango_context(widget));
+                gtk_widget_queue_resize(widget);
+            }
     g_list_free(windows);
 }
 
@@ -193,5 +187,5 @@ void apply_theme() {
     GtkSettings* settings = gtk_settings_get_default();
     call_at_signal(settings, "notify::gtk-theme-name",
                    [high_contrast] { follow_high_contrast(high_contrast); });
-    call_at_signal(settings, "notify::gtk-xft-dpi", measure_all_entries_again);
+    call_at_signal(settings, "notify::gtk-xft-dpi", measure_entries_again);
 }

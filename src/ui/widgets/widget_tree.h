@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
-// The keyboard focus while widgets are replaced by others for the same purpose.
+// The tree of widgets: walking it, and keeping the focus while a part of it is replaced.
 #pragma once
 
 #include <gtk/gtk.h>
 
 #include <string>
+#include <vector>
+
+/// All widgets below a container, internal children included.
+std::vector<GtkWidget*> descendants_of(GtkWidget* container);
 
 /// Names a widget for `KeepFocus`.
 void set_focus_name(GtkWidget* widget, const std::string& name);
