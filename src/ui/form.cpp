@@ -80,10 +80,10 @@ void show_registration() {
 FieldValue value_of(const FieldBinding& field) {
     // GtkSpinButton is a GtkEntry, so test for it first.
     if (GTK_IS_SWITCH(field.widget))
-        return {field.key, static_cast<bool>(gtk_switch_get_active(GTK_SWITCH(field.widget)))};
+        return {field.key, gtk_switch_get_active(GTK_SWITCH(field.widget)) == TRUE};
     if (GTK_IS_SPIN_BUTTON(field.widget))
         return {field.key, gtk_spin_button_get_value(GTK_SPIN_BUTTON(field.widget))};
-    return {field.key, std::string{gtk_entry_get_text(GTK_ENTRY(field.widget))}};
+    return {field.key, gtk_entry_get_text(GTK_ENTRY(field.widget))};
 }
 
 FormValues form_values() {

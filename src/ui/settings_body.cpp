@@ -4,26 +4,13 @@
 #include "link/json_access.h"
 #include "ui/field_rules.h"
 
-#include <boost/json/value.hpp>
+#include <boost/json/value_from.hpp>
 #include <glib.h>
 
 #include <algorithm>
 #include <limits>
 
 namespace {
-
-void write_string(json::value& target, std::string_view text) {
-    target.emplace_string().assign(text.data(), text.size());
-}
-
-void write_field(json::value& target, const FieldValue& field) {
-    if (const bool* state = std::get_if<bool>(&field.value))
-        target = *state;
-    else if (const double* number = std::get_if<double>(&field.value))
-        target = *number;
-    else
-        write_string(target, std::get<std::string>(field.value));
-}
 
 /// The member `inner` of the member `outer`, to be overwritten. Throws when one is missing.
 json::value& required_place(json::object& root, const char* outer, const char* inner) {
@@ -33,14 +20,6 @@ json::value& required_place(json::object& root, const char* outer, const char* i
 std::string ascii_upper(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(), g_ascii_toupper);
     return text;
-}
-
-json::array array_of(const std::vector<std::string>& texts) {
-    json::array array;
-    array.reserve(texts.size());
-    for (const std::string& text : texts)
-        array.emplace_back(text);
-    return array;
 }
 
 /// Clamps infinities to the range of a double. Numbers beyond that range parse as infinities, which
@@ -64,12 +43,12 @@ json::object settings_body(const json::object& loaded, const FormValues& form,
     json::object body = loaded;
     for (const FieldValue& field : form.fields)
         if (json::value* found = find_path(body, field.key))
-            write_field(*found, field);
-    write_string(required_place(body, "station", "description"), form.description);
+            *found = field.value;
+    required_place(body, "station", "description") = json::string{form.description};
     json::value& callsign = required_place(body, "station", "callsign");
-    write_string(callsign, ascii_upper(string_or_empty(callsign)));
-    required_place(body, "content", "modes") = array_of(form.modes);
-    required_place(body, "access", "banned") = array_of(words_of(form.blocked_text));
+    callsign = json::string{ascii_upper(string_or_empty(callsign))};
+    required_place(body, "content", "modes") = json::value_from(form.modes);
+    required_place(body, "access", "banned") = json::value_from(words_of(form.blocked_text));
     body["receivers"] = receivers_to_save(receivers);
     for (auto& member : body)
         make_finite(member.value());

@@ -7,16 +7,15 @@
 
 #include "receivers/receiver_list.h"
 
-#include <boost/json/fwd.hpp>
+#include <boost/json/value.hpp>
 
 #include <string>
-#include <variant>
 #include <vector>
 
 /// The key of a bound field and the value of its widget: a switch, a spin button or an entry.
 struct FieldValue {
     std::string key{}; ///< dotted, such as "station.name"
-    std::variant<bool, double, std::string> value{};
+    boost::json::value value{};
 };
 
 struct FormValues {

@@ -32,9 +32,9 @@ json::object loaded() {
 FormValues loaded_form() {
     FormValues form;
     form.fields = {
-        {"station.name", std::string{"Hilltop"}},
-        {"station.callsign", std::string{"K1ABC"}},
-        {"station.grid", std::string{"EM95"}},
+        {"station.name", "Hilltop"},
+        {"station.callsign", "K1ABC"},
+        {"station.grid", "EM95"},
         {"attach", false},
         {"listeners.max", 20.0},
         {"listeners.per_address", 2.0},
@@ -95,7 +95,7 @@ TEST(SettingsBody, KeepsTheServicesOrder) {
 TEST(SettingsBody, LeavesTheLoadedSettingsAlone) {
     const json::object before = loaded();
     FormValues form = loaded_form();
-    form.fields = {{"station.name", std::string{"New"}}, {"station.callsign", std::string{"n0w"}}};
+    form.fields = {{"station.name", "New"}, {"station.callsign", "n0w"}};
     form.description = "new";
     form.modes = {};
     form.blocked_text = "";
@@ -117,29 +117,28 @@ TEST(SettingsBody, OutlivesTheReplyThatItCameFrom) {
 
 TEST(SettingsBody, WritesOverAValueOfAnyKind) {
     EXPECT_EQ(at(body_with({"station.founded", true}), "station.founded"), json::value(true));
-    EXPECT_EQ(at(body_with({"access.note", std::string{"text"}}), "access.note"),
-              json::value("text"));
+    EXPECT_EQ(at(body_with({"access.note", "text"}), "access.note"), json::value("text"));
     EXPECT_EQ(at(body_with({"extension", 1.5}), "extension"), json::value(1.5));
 }
 
 TEST(SettingsBody, NeverAddsAKeyThatTheServiceDidNotSend) {
-    const json::object body = body_with({"station.antenna", std::string{"80 m end-fed"}});
+    const json::object body = body_with({"station.antenna", "80 m end-fed"});
     EXPECT_EQ(find_path(body, "station.antenna"), nullptr);
     EXPECT_EQ(find_path(body_with({"relay.enabled", true}), "relay"), nullptr);
     EXPECT_EQ(at(body_with({"attach.below", true}), "attach"), json::value(false));
 }
 
 TEST(SettingsBody, SendsTheCallsignInUpperCase) {
-    EXPECT_EQ(at(body_with({"station.callsign", std::string{"k1abc/p"}}), "station.callsign"),
+    EXPECT_EQ(at(body_with({"station.callsign", "k1abc/p"}), "station.callsign"),
               json::value("K1ABC/P"));
     // Letters beyond ASCII stay as they are.
-    EXPECT_EQ(at(body_with({"station.callsign", std::string{"dl1äß"}}), "station.callsign"),
+    EXPECT_EQ(at(body_with({"station.callsign", "dl1äß"}), "station.callsign"),
               json::value("DL1äß"));
 }
 
 TEST(SettingsBody, UpperCasesTheSameInEveryLocale) {
     const UserLocale turkish{"tr_TR.UTF-8"};
-    EXPECT_EQ(at(body_with({"station.callsign", std::string{"i1iii"}}), "station.callsign"),
+    EXPECT_EQ(at(body_with({"station.callsign", "i1iii"}), "station.callsign"),
               json::value("I1III"));
 }
 
