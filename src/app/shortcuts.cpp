@@ -2,13 +2,13 @@
 #include "app/shortcuts.h"
 
 #include "status/refresh_status.h"
+#include "ui/field_rules.h"
 #include "ui/form.h"
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/page_stack.h"
 #include "ui/widgets/widget_record.h"
 #include "ui/widgets/widget_tree.h"
 
-#include <sstream>
 #include <string>
 
 namespace {
@@ -19,8 +19,7 @@ void save_if_edited() {
         save_settings();
 }
 
-gboolean on_refresh_idle(gpointer source) {
-    *static_cast<guint*>(source) = 0;
+gboolean on_refresh_idle(gpointer) {
     if (widgets.window)
         refresh_status();
     return G_SOURCE_REMOVE;
@@ -29,9 +28,8 @@ gboolean on_refresh_idle(gpointer source) {
 /// Sends one request for all presses in the queue: when the service hangs, each request would block
 /// for its time limit.
 void refresh_when_idle() {
-    static guint source = 0;
-    if (source == 0)
-        source = g_idle_add(on_refresh_idle, &source);
+    g_idle_remove_by_data(&widgets);
+    g_idle_add(on_refresh_idle, &widgets);
 }
 
 void close_window() {
@@ -69,8 +67,7 @@ gboolean on_page_number(GtkAccelGroup*, GObject*, guint, GdkModifierType, gpoint
 
 void connect_keys(GtkAccelGroup* keys, const std::string& accelerators, GCallback handler,
                   gconstpointer data) {
-    std::istringstream words{accelerators};
-    for (std::string accelerator; words >> accelerator;) {
+    for (const std::string& accelerator : words_of(accelerators)) {
         guint key = 0;
         GdkModifierType modifiers{};
         gtk_accelerator_parse(accelerator.c_str(), &key, &modifiers);

@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <sstream>
 
 namespace {
 
@@ -16,21 +18,15 @@ constexpr double listener_kbit = 60;
 /// Longest text of the estimate, in bytes. The texts for real stations are far shorter.
 constexpr std::size_t longest_estimate = 120;
 
-/// The white space of the "C" locale, whatever the user's: bytes above 127 are parts of letters.
-constexpr std::string_view white_space = " \t\n\v\f\r";
-
-bool is_between(char letter, char first, char last) {
-    const char upper = g_ascii_toupper(letter);
-    return first <= upper && upper <= last;
-}
-
-/// Two letters A-R, two digits, and optionally two letters A-X, in either case.
-bool is_grid_square(std::string_view grid) {
-    if (grid.size() != 4 && grid.size() != 6)
-        return false;
-    return is_between(grid[0], 'A', 'R') && is_between(grid[1], 'A', 'R') &&
-           is_between(grid[2], '0', '9') && is_between(grid[3], '0', '9') &&
-           (grid.size() == 4 || (is_between(grid[4], 'A', 'X') && is_between(grid[5], 'A', 'X')));
+/// Whether a pattern matches the whole text, byte by byte. Not std::regex, which recurses once for
+/// each character and overflows the stack at some 30,000 of them.
+bool matches(std::string_view text, const char* pattern) {
+    GRegex* regex = g_regex_new(pattern, G_REGEX_RAW, G_REGEX_MATCH_ANCHORED, nullptr);
+    const gboolean matched =
+        g_regex_match_full(regex, text.data(), static_cast<gssize>(text.size()), 0,
+                           GRegexMatchFlags{}, nullptr, nullptr);
+    g_regex_unref(regex);
+    return matched;
 }
 
 int steps(char letter, char first) {
@@ -47,7 +43,7 @@ std::string map_position(double latitude, double longitude) {
 GridHint grid_hint(std::string_view grid) {
     if (grid.empty())
         return {"Places the station on the list's map, e.g. EM95 or EM95ab.", true};
-    if (!is_grid_square(grid))
+    if (!matches(grid, R"([A-Ra-r]{2}[0-9]{2}([A-Xa-x]{2})?\z)"))
         return {"Not a grid square: two letters A–R, two digits, and optionally two letters a–x.",
                 false};
 
@@ -91,28 +87,17 @@ std::string registered_text(std::string_view id, std::string_view email) {
 }
 
 bool is_email_address(std::string_view text) {
-    // Matches [^@\s]+@[^@\s]+\.[^@\s]+ against the whole text. Not std::regex, which recurses once
-    // for each character and overflows the stack at some 30,000 of them.
-    if (text.find_first_of(white_space) != std::string_view::npos)
-        return false;
-    const std::size_t at = text.find('@');
-    if (at == 0 || at == std::string_view::npos)
-        return false;
-    const std::string_view domain = text.substr(at + 1);
-    if (domain.find('@') != std::string_view::npos)
-        return false;
-    const std::size_t stop = domain.find('.', 1);
-    return stop != std::string_view::npos && stop + 1 < domain.size();
+    // White space is spelled out: "\s" also matches some bytes above 127, which are parts of
+    // letters.
+    return matches(text, R"([^@\x09-\x0D\x20]+@[^@\x09-\x0D\x20]+\.[^@\x09-\x0D\x20]+\z)");
 }
 
 std::optional<double> typed_number(std::string_view text, unsigned decimals) {
-    const std::size_t start = text.find_first_not_of(white_space);
-    if (start == std::string_view::npos)
-        return std::nullopt;
-    std::string digits{text.substr(start, text.find_last_not_of(white_space) + 1 - start)};
+    const std::vector<std::string> words = words_of(text);
     // The library's conversion also accepts hexadecimal numbers and "inf".
-    if (digits.find_first_not_of("+-0123456789.,") != std::string::npos)
+    if (words.size() != 1 || words[0].find_first_not_of("+-0123456789.,") != std::string::npos)
         return std::nullopt;
+    std::string digits = words[0];
     std::replace(digits.begin(), digits.end(), ',', '.');
     char* end = nullptr;
     const double number = g_ascii_strtod(digits.c_str(), &end);
@@ -129,12 +114,6 @@ std::string decimal_text(double number, unsigned decimals) {
 }
 
 std::vector<std::string> words_of(std::string_view text) {
-    std::vector<std::string> words;
-    std::size_t start = text.find_first_not_of(white_space);
-    while (start != std::string_view::npos) {
-        const std::size_t end = text.find_first_of(white_space, start);
-        words.emplace_back(text.substr(start, end - start));
-        start = text.find_first_not_of(white_space, end);
-    }
-    return words;
+    std::istringstream stream{std::string{text}};
+    return {std::istream_iterator<std::string>{stream}, {}};
 }

@@ -38,5 +38,5 @@ std::optional<double> typed_number(std::string_view text, unsigned decimals);
 /// Writes a number as a spin button shows it, with a dot.
 std::string decimal_text(double number, unsigned decimals);
 
-/// Splits at white space; pieces are never empty.
+/// Splits at the white space of the "C" locale; pieces are never empty.
 std::vector<std::string> words_of(std::string_view text);
