@@ -249,7 +249,7 @@ TEST_F(StartUp, AsksAboutTheOwnerWhenTheServiceRefuses) {
 }
 
 TEST_F(StartUp, WaitsThreeSecondsForItsFirstAnswer) {
-    service.next_connection({stay_silent()});
+    service.stay_silent();
     answer_next_dialog(GTK_RESPONSE_CLOSE);
     const NoPatience no_patience;
     EXPECT_EQ(run({}), 1);

@@ -1,36 +1,22 @@
 // SPDX-License-Identifier: MIT
 #include "support/fake_service.h"
 
-#include <linux/sockios.h>
 #include <poll.h>
-#include <pthread.h>
 #include <sys/eventfd.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <cstdlib>
 #include <cstring>
-#include <stdexcept>
 #include <system_error>
-
-using namespace std::chrono_literals;
 
 namespace {
 
 /// How long anything here waits before it gives up.
-constexpr std::chrono::milliseconds patience = 60s;
-
-/// How often a look is taken at a condition.
-constexpr std::chrono::milliseconds look_interval = 1ms;
-
-/// Connections that the kernel queues before a further one waits.
-constexpr int backlog = 16;
+constexpr int patience_ms = 60'000;
 
 constexpr std::string_view end_of_header = "\r\n\r\n";
 
@@ -62,46 +48,18 @@ void read_header(std::string_view text, RecordedRequest& request) {
 
 } // namespace
 
-std::string RecordedRequest::field(std::string_view name) const {
-    const auto found =
-        std::find_if(fields.begin(), fields.end(), [&](const auto& f) { return f.first == name; });
-    return found == fields.end() ? "" : found->second;
-}
-
-ConnectionStep read_request() {
-    return {.kind = ConnectionStep::Kind::read_request};
-}
-
-ConnectionStep send(std::string bytes) {
-    return {.kind = ConnectionStep::Kind::send, .bytes = std::move(bytes)};
-}
-
-ConnectionStep send_bytewise(std::string bytes) {
-    return {.kind = ConnectionStep::Kind::send_bytewise, .bytes = std::move(bytes)};
-}
-
-ConnectionStep run(std::function<void()> function) {
-    return {.kind = ConnectionStep::Kind::run, .function = std::move(function)};
-}
-
-ConnectionStep stay_silent() {
-    return {.kind = ConnectionStep::Kind::stay_silent};
-}
-
 std::string reply_text(int status, std::string_view body) {
     return "HTTP/1.1 " + std::to_string(status) +
            " Reason\r\nContent-Type: application/json\r\nContent-Length: " +
            std::to_string(body.size()) + "\r\n\r\n" + std::string{body};
 }
 
-FakeService::FakeService(std::size_t path_size) {
+FakeService::FakeService() {
     std::string pattern = (std::filesystem::temp_directory_path() / "tarnwave-XXXXXX").string();
     if (!mkdtemp(pattern.data()))
         fail("mkdtemp");
     folder_ = pattern;
     socket_path_ = (folder_ / "s").string();
-    if (path_size > socket_path_.size())
-        socket_path_.append(path_size - socket_path_.size(), 'x');
     wake_up_ = eventfd(0, EFD_CLOEXEC);
     if (wake_up_ < 0)
         fail("eventfd");
@@ -109,14 +67,10 @@ FakeService::FakeService(std::size_t path_size) {
 }
 
 FakeService::~FakeService() {
-    clear_away();
-    ::close(wake_up_);
-}
-
-void FakeService::clear_away() {
     stop();
     std::error_code ignored;
     std::filesystem::remove_all(folder_, ignored);
+    ::close(wake_up_);
 }
 
 void FakeService::will_answer(const std::string& method, const std::string& target, int status,
@@ -141,14 +95,9 @@ void FakeService::before_answering(const std::string& method, const std::string&
     before_[{method, target}] = std::move(step);
 }
 
-void FakeService::next_connection(std::vector<ConnectionStep> steps) {
+void FakeService::stay_silent() {
     const std::scoped_lock lock{mutex_};
-    scripts_.push_back(std::move(steps));
-}
-
-void FakeService::accept_once(std::function<bool()> condition) {
-    const std::scoped_lock lock{mutex_};
-    accept_condition_ = std::move(condition);
+    silent_ = true;
 }
 
 void FakeService::stop() {
@@ -165,16 +114,13 @@ void FakeService::start() {
     ::unlink(socket_path_.c_str());
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    // The kernel takes a path that fills its field, without a zero byte at the end.
-    if (socket_path_.size() > sizeof address.sun_path)
-        throw std::length_error{"the socket's path is too long: " + socket_path_};
-    std::memcpy(address.sun_path, socket_path_.c_str(), socket_path_.size());
+    std::strncpy(address.sun_path, socket_path_.c_str(), sizeof address.sun_path - 1);
     listener_ = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (listener_ < 0)
         fail("socket");
     if (::bind(listener_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
         fail("bind");
-    if (::listen(listener_, backlog) != 0)
+    if (::listen(listener_, SOMAXCONN) != 0)
         fail("listen");
     thread_ = std::jthread{[this](std::stop_token stopping) { run(std::move(stopping)); }};
 }
@@ -215,115 +161,55 @@ void FakeService::forget_requests() {
     requests_.clear();
 }
 
-bool FakeService::wait_for_connections(std::size_t count) const {
-    std::unique_lock lock{mutex_};
-    return changed_.wait_for(lock, patience, [&] { return connections_ >= count; });
-}
-
-bool FakeService::wait_for_hang_ups(std::size_t count) const {
-    std::unique_lock lock{mutex_};
-    return changed_.wait_for(lock, patience, [&] { return hang_ups_ >= count; });
-}
-
 void FakeService::run(std::stop_token stopping) {
-    // A test's signals are for the thread that makes the requests.
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_BLOCK, &all, nullptr);
-
     while (!stopping.stop_requested()) {
-        if (!wait_for(listener_, POLLIN, patience))
+        if (!wait_for(listener_, POLLIN))
             continue;
-        std::function<bool()> condition;
-        {
-            const std::scoped_lock lock{mutex_};
-            std::swap(condition, accept_condition_);
-        }
-        const auto deadline = std::chrono::steady_clock::now() + patience;
-        while (condition && !condition() && !stopping.stop_requested() &&
-               std::chrono::steady_clock::now() < deadline)
-            wait_for(-1, 0, look_interval);
         const int connection = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
         if (connection < 0)
             continue;
-        serve(connection, stopping);
+        serve(connection);
         ::close(connection);
     }
 }
 
-void FakeService::serve(int connection, std::stop_token stopping) {
-    std::vector<ConnectionStep> steps;
-    bool scripted = false;
+void FakeService::serve(int connection) {
+    bool silent = false;
     {
         const std::scoped_lock lock{mutex_};
-        ++connections_;
-        scripted = !scripts_.empty();
-        if (scripted) {
-            steps = std::move(scripts_.front());
-            scripts_.pop_front();
-        }
+        silent = silent_;
     }
-    changed_.notify_all();
-    if (!scripted) {
-        if (receive_request(connection))
-            send_all(connection, answer_to_last_request());
-        return;
-    }
-    for (const ConnectionStep& step : steps) {
-        bool alive = true;
-        switch (step.kind) {
-        case ConnectionStep::Kind::read_request:
-            alive = receive_request(connection);
-            break;
-        case ConnectionStep::Kind::send:
-            alive = send_all(connection, step.bytes);
-            break;
-        case ConnectionStep::Kind::send_bytewise:
-            alive = send_one_by_one(connection, step.bytes, stopping);
-            break;
-        case ConnectionStep::Kind::run:
-            step.function();
-            break;
-        case ConnectionStep::Kind::stay_silent:
-            if (wait_for(connection, 0, patience)) { // no event but a hang-up
-                const std::scoped_lock lock{mutex_};
-                ++hang_ups_;
-            }
-            changed_.notify_all();
-            break;
-        }
-        if (!alive || stopping.stop_requested())
-            return;
-    }
+    if (silent)
+        wait_for(connection, 0); // no event but a hang-up
+    else if (receive_request(connection))
+        send_all(connection, answer_to_last_request());
 }
 
 bool FakeService::receive_request(int connection) {
     RecordedRequest request;
+    std::string text;
+    std::size_t header_size = 0;
     std::size_t size = std::string::npos;
     std::vector<char> room(1 << 16);
-    while (request.text.size() < size) {
-        if (!wait_for(connection, POLLIN, patience))
+    while (text.size() < size) {
+        if (!wait_for(connection, POLLIN))
             return false;
         const ssize_t received = ::recv(connection, room.data(), room.size(), 0);
         if (received <= 0)
             return false;
-        request.pieces.push_back(static_cast<std::size_t>(received));
-        request.text.append(room.data(), static_cast<std::size_t>(received));
-        if (const std::size_t end = request.text.find(end_of_header);
-            size == std::string::npos && end != std::string::npos) {
-            size = end + end_of_header.size();
-            read_header(std::string_view{request.text}.substr(0, size), request);
-            const std::string length = request.field("Content-Length");
-            request.body.reserve(length.empty() ? 0 : std::stoul(length));
-            size += length.empty() ? 0 : std::stoul(length);
+        text.append(room.data(), static_cast<std::size_t>(received));
+        if (const std::size_t end = text.find(end_of_header);
+            header_size == 0 && end != std::string::npos) {
+            size = header_size = end + end_of_header.size();
+            read_header(std::string_view{text}.substr(0, size), request);
+            for (const auto& [name, value] : request.fields)
+                if (name == "Content-Length")
+                    size += std::stoul(value);
         }
     }
-    request.body = request.text.substr(request.text.find(end_of_header) + end_of_header.size());
-    {
-        const std::scoped_lock lock{mutex_};
-        requests_.push_back(std::move(request));
-    }
-    changed_.notify_all();
+    request.body = text.substr(header_size);
+    const std::scoped_lock lock{mutex_};
+    requests_.push_back(std::move(request));
     return true;
 }
 
@@ -349,40 +235,18 @@ std::string FakeService::answer_to_last_request() {
     return reply_text(404, R"({"error":"Nothing here."})");
 }
 
-bool FakeService::send_all(int connection, std::string_view bytes) const {
-    while (!bytes.empty()) {
-        if (!wait_for(connection, POLLOUT, patience))
-            return false;
+void FakeService::send_all(int connection, std::string_view bytes) const {
+    while (!bytes.empty() && wait_for(connection, POLLOUT)) {
         const ssize_t sent =
             ::send(connection, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
         if (sent < 0 && errno != EAGAIN)
-            return false;
+            return;
         bytes.remove_prefix(sent < 0 ? 0 : static_cast<std::size_t>(sent));
     }
-    return true;
 }
 
-bool FakeService::send_one_by_one(int connection, std::string_view bytes,
-                                  std::stop_token stopping) const {
-    for (const char& byte : bytes) {
-        if (!send_all(connection, {&byte, 1}))
-            return false;
-        // The kernel hands over what it has as one piece: wait until it has nothing. The patience
-        // is for each byte: all of them may take long where the two threads share a core with
-        // others.
-        const auto deadline = std::chrono::steady_clock::now() + patience;
-        int waiting = 1;
-        while (ioctl(connection, SIOCOUTQ, &waiting) == 0 && waiting > 0) {
-            if (stopping.stop_requested() || std::chrono::steady_clock::now() > deadline)
-                return false;
-            wait_for(-1, 0, look_interval);
-        }
-    }
-    return true;
-}
-
-bool FakeService::wait_for(int descriptor, short events, std::chrono::milliseconds limit) const {
+bool FakeService::wait_for(int descriptor, short events) const {
     std::array<pollfd, 2> ends{{{descriptor, events, 0}, {wake_up_, POLLIN, 0}}};
-    const int ready = ::poll(ends.data(), ends.size(), static_cast<int>(limit.count()));
+    const int ready = ::poll(ends.data(), ends.size(), patience_ms);
     return ready > 0 && ends[0].revents != 0;
 }
