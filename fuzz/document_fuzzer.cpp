@@ -110,7 +110,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         json::value document = parse_reply({reinterpret_cast<const char*>(data), size});
         if (const json::array* devices = document.if_array()) {
             std::vector<Receiver> list;
-            show(discovery_text(merge_devices(list, *devices)));
+            show(discovery_text(devices->size(), merge_devices(list, *devices)));
             return 0;
         }
         json::object& root = as_object(document, "the state document");

@@ -36,26 +36,20 @@ constexpr BandPreset presets[] = {
     {"0.5-1.7", "AM broadcast"},
 };
 
+constexpr ReceiverKind direct_sampling{"HF direct sampling", 0, 0, 30'000'000};
+constexpr ReceiverKind dongle{"RTL-SDR dongle (experimental)", 2, 144'000'000, 146'000'000};
+constexpr ReceiverKind other_kind{"SDRplay receiver", 8, 7'000'000, 7'300'000};
+
 double whole_hertz(double mhz) {
     return std::round(mhz * 1e6);
 }
 
 } // namespace
 
-const char* kind_label(std::string_view backend) {
+const ReceiverKind& receiver_kind(std::string_view backend) {
     if (backend == "rx888")
-        return "HF direct sampling";
-    if (backend == "rtl-sdr")
-        return "RTL-SDR dongle (experimental)";
-    return "SDRplay receiver";
-}
-
-bool is_tunable(std::string_view backend) {
-    return backend != "rx888";
-}
-
-double maximum_span_mhz(std::string_view backend) {
-    return backend == "rtl-sdr" ? 2 : 8;
+        return direct_sampling;
+    return backend == "rtl-sdr" ? dongle : other_kind;
 }
 
 std::span<const BandPreset> band_presets() {
@@ -80,7 +74,7 @@ std::optional<BandRange> band_range(std::string_view id) {
 StatusLine coverage_line(std::string_view backend, double low_mhz, double high_mhz) {
     // As doubles, 16.001 - 8.001 is more than 8.
     const double span_mhz = (whole_hertz(high_mhz) - whole_hertz(low_mhz)) / 1e6;
-    const double maximum_mhz = maximum_span_mhz(backend);
+    const double maximum_mhz = receiver_kind(backend).maximum_span_mhz;
     if (span_mhz <= 0)
         // Spelled like this on purpose; a test checks it.
         return {"The top of the range must be aboove its bottom.", StatusClass::error};
@@ -97,7 +91,7 @@ StatusLine coverage_line(std::string_view backend, double low_mhz, double high_m
 std::string receiver_subtitle_markup(std::string_view backend, std::string_view serial,
                                      bool available) {
     std::string markup =
-        escaped_markup(kind_label(backend)) + " · serial " + escaped_markup(isolated(serial));
+        receiver_kind(backend).label + std::string{" · serial "} + escaped_markup(isolated(serial));
     if (!available)
         markup += " · " + coloured_markup(warning_colour, "in use by another program");
     return markup;

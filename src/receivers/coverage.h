@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a receiver can cover: its kind, its widest span, the band presets and the coverage line.
+// What a receiver can cover: its kind, the band presets and the coverage line.
 #pragma once
 
 #include "status/status_line.h"
@@ -9,14 +9,13 @@
 #include <string>
 #include <string_view>
 
-/// The kind of receiver, as the subtitle of its card shows it.
-const char* kind_label(std::string_view backend);
-
-/// False for receivers that always receive one fixed range: they have no frequency controls.
-bool is_tunable(std::string_view backend);
-
-/// Widest range that a tunable receiver receives at once, in MHz.
-double maximum_span_mhz(std::string_view backend);
+struct ReceiverKind {
+    const char* label;       ///< as the subtitle of the card shows it, without markup
+    double maximum_span_mhz; ///< 0: always receives one fixed range, no frequency controls
+    double default_lo;       ///< range of a receiver that is found for the first time
+    double default_hi;
+};
+const ReceiverKind& receiver_kind(std::string_view backend);
 
 /// An entry of the band menu. `id` is "low-high" in MHz, empty for the menu's first entry.
 struct BandPreset {

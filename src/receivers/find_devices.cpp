@@ -24,9 +24,9 @@ void show_devices() {
     const json::value document = parse_reply(reply.body);
     // Capture again: the user may have edited while the progress text was drawn.
     capture_row_edits();
-    const Discovery discovery =
-        merge_devices(widgets.receiver_list, as_array(document, "the list of devices"));
-    set_label_text(widgets.receivers_status, discovery_text(discovery));
+    const json::array& devices = as_array(document, "the list of devices");
+    const std::size_t added = merge_devices(widgets.receiver_list, devices);
+    set_label_text(widgets.receivers_status, discovery_text(devices.size(), added));
     rebuild_receiver_rows();
 }
 

@@ -2,6 +2,7 @@
 #include "receivers/receiver_list.h"
 
 #include "link/json_access.h"
+#include "receivers/coverage.h"
 
 #include <boost/json/value.hpp>
 
@@ -31,14 +32,6 @@ json::object receiver_to_save(const Receiver& receiver) {
 
 } // namespace
 
-FrequencyRange default_range(std::string_view backend) {
-    if (backend == "rtl-sdr")
-        return {144'000'000, 146'000'000};
-    if (backend == "rx888")
-        return {0, 30'000'000};
-    return {7'000'000, 7'300'000};
-}
-
 Receiver receiver_from_settings(const json::value& element) {
     const json::object& object = as_object(element, "an element of receivers");
     Receiver receiver;
@@ -51,8 +44,8 @@ Receiver receiver_from_settings(const json::value& element) {
     return receiver;
 }
 
-Discovery merge_devices(std::vector<Receiver>& list, const json::array& devices) {
-    Discovery discovery{.found = devices.size(), .added = 0};
+std::size_t merge_devices(std::vector<Receiver>& list, const json::array& devices) {
+    const std::size_t known_before = list.size();
     for (const json::value& element : devices) {
         const json::object& device = as_object(element, "a device");
         const std::string backend = string_or_empty(required_member(device, "backend"));
@@ -62,28 +55,26 @@ Discovery merge_devices(std::vector<Receiver>& list, const json::array& devices)
 
         Receiver* known = find_receiver(list, backend, serial);
         if (!known) {
-            const FrequencyRange range = default_range(backend);
-            known = &list.emplace_back();
-            known->backend = backend;
-            known->serial = serial;
-            known->lo = range.lo;
-            known->hi = range.hi;
-            ++discovery.added;
+            const ReceiverKind& kind = receiver_kind(backend);
+            known = &list.emplace_back(Receiver{.backend = backend,
+                                                .serial = serial,
+                                                .lo = kind.default_lo,
+                                                .hi = kind.default_hi});
         }
         known->model = model;
         known->available = available;
     }
-    return discovery;
+    return list.size() - known_before;
 }
 
-std::string discovery_text(const Discovery& discovery) {
-    if (discovery.found == 0)
+std::string discovery_text(std::size_t found, std::size_t added) {
+    if (found == 0)
         return "No receivers found. Is the device plugged in, and for SDRplay, is SDRplay's API "
                "installed?";
-    const std::string found = std::to_string(discovery.found) + " found";
-    if (discovery.added == 0)
-        return found + ".";
-    return found + ", " + std::to_string(discovery.added) + " new: switch on the ones to share.";
+    const std::string text = std::to_string(found) + " found";
+    if (added == 0)
+        return text + ".";
+    return text + ", " + std::to_string(added) + " new: switch on the ones to share.";
 }
 
 std::string spoken_name(const std::vector<Receiver>& list, const Receiver& receiver) {

@@ -9,7 +9,6 @@
 
 #include <cstddef>
 #include <string>
-#include <string_view>
 #include <vector>
 
 // GTK's own declaration, repeated so that this file does not include GTK.
@@ -33,13 +32,6 @@ struct Receiver {
     GtkWidget* details_box = nullptr; ///< insensitive while the receiver is not shared
 };
 
-/// The default range of a receiver that is found for the first time.
-struct FrequencyRange {
-    double lo = 0;
-    double hi = 0;
-};
-FrequencyRange default_range(std::string_view backend);
-
 /// Reads one element of the settings' `receivers`:
 /// `{"backend": string, "serial": string, "lo": number, "hi": number}`, and where present
 /// `"model"` (else the backend) and `"enabled": bool` (else true). Throws the JSON library's error
@@ -47,20 +39,15 @@ FrequencyRange default_range(std::string_view backend);
 /// another kind read as "" and 0.
 Receiver receiver_from_settings(const boost::json::value& element);
 
-/// What the service found, and how much of it was new.
-struct Discovery {
-    std::size_t found = 0;
-    std::size_t added = 0;
-};
-
 /// Merges a device reply, `[{"backend": string, "serial": string, "model": string,
 /// "available": bool}]`, into `list`: known receivers get the reported model and availability and
-/// keep everything else, unknown ones are appended, not shared, with their default range. Throws
-/// the JSON library's error at the first element that is broken; those before it are merged.
-Discovery merge_devices(std::vector<Receiver>& list, const boost::json::array& devices);
+/// keep everything else, unknown ones are appended, not shared, with their default range. Returns
+/// how many were appended. Throws the JSON library's error at the first element that is broken;
+/// those before it are merged.
+std::size_t merge_devices(std::vector<Receiver>& list, const boost::json::array& devices);
 
-/// The sentence that reports a discovery.
-std::string discovery_text(const Discovery& discovery);
+/// The sentence that reports how many devices the service found, and how many of them are new.
+std::string discovery_text(std::size_t found, std::size_t added);
 
 /// A receiver's name for a screen reader: its model, and its serial number too when others in
 /// `list` are of the same model.

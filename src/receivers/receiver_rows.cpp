@@ -85,7 +85,7 @@ GtkWidget* make_frequency_row(Receiver& receiver) {
 }
 
 void add_details(Receiver& receiver, std::size_t index, GtkWidget* title) {
-    if (!is_tunable(receiver.backend)) {
+    if (receiver_kind(receiver.backend).maximum_span_mhz == 0) {
         pack(receiver.details_box, make_label("Covers all of HF, 0 to 30 MHz.", "muted"));
         return;
     }

@@ -30,22 +30,24 @@ TEST(ReceiverKind, FollowsTheBackendExactly) {
     const struct {
         const char* backend;
         const char* label;
-        bool tunable;
-        double span_mhz; ///< of a tunable one
+        double span_mhz;
+        double lo;
+        double hi;
     } cases[] = {
-        {"rx888", "HF direct sampling", false, 0},
-        {"rtl-sdr", "RTL-SDR dongle (experimental)", true, 2},
-        {"sdrplay", "SDRplay receiver", true, 8},
-        {"", "SDRplay receiver", true, 8},
-        {"rtl-sdr ", "SDRplay receiver", true, 8},
+        {"rx888", "HF direct sampling", 0, 0, 30'000'000},
+        {"rtl-sdr", "RTL-SDR dongle (experimental)", 2, 144'000'000, 146'000'000},
+        {"sdrplay", "SDRplay receiver", 8, 7'000'000, 7'300'000},
+        {"", "SDRplay receiver", 8, 7'000'000, 7'300'000},
+        {"rtl-sdr ", "SDRplay receiver", 8, 7'000'000, 7'300'000},
+        {"RX888", "SDRplay receiver", 8, 7'000'000, 7'300'000},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.backend);
-        EXPECT_STREQ(kind_label(c.backend), c.label);
-        EXPECT_EQ(is_tunable(c.backend), c.tunable);
-        if (c.tunable) {
-            EXPECT_EQ(maximum_span_mhz(c.backend), c.span_mhz);
-        }
+        const ReceiverKind& kind = receiver_kind(c.backend);
+        EXPECT_STREQ(kind.label, c.label);
+        EXPECT_EQ(kind.maximum_span_mhz, c.span_mhz);
+        EXPECT_EQ(kind.default_lo, c.lo);
+        EXPECT_EQ(kind.default_hi, c.hi);
     }
 }
 
