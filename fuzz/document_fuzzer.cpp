@@ -60,22 +60,19 @@ const json::object& object_or_empty(const json::object& parent, const char* name
 
 void show_station() {
     const StationState state = derive_station_state(settings_object, status_object);
-    const StationIdentity identity{setting_string("station.name"),
-                                   setting_string("station.callsign"),
-                                   setting_string("station.grid")};
     show(header_line(state, true));
     show(header_line(state, false));
-    for (const ChecklistItem& item : checklist_items(state, identity))
+    for (const ChecklistItem& item : checklist_items(state))
         show_markup(checklist_item_markup(item));
-    checklist_is_done(state, identity);
+    checklist_is_done(state);
     show(listening_title(state));
     show(reach_line(state));
     show(certificate_line(object_or_empty(status_object, "https"), state));
     show(listing_line(state));
     show_markup(port_instructions_markup(state.port, "192.0.2.1"));
-    show(header_title(identity.name, identity.callsign));
+    show(header_title(setting_string("station.name"), setting_string("station.callsign")));
     show(registered_text(setting_string("directory.id"), setting_string("directory.email")));
-    show(grid_hint(identity.grid).text);
+    show(grid_hint(setting_string("station.grid")).text);
     show(upload_estimate(setting_number("listeners.max")));
 }
 
@@ -93,8 +90,7 @@ void show_records() {
     for (const json::value& element : required_array(status_object, "listeners")) {
         const json::object& listener = as_object(element, "an element of listeners");
         show(session_time_text(clamped_int32(member_number(listener, "seconds"))));
-        const std::string mode = member_string(listener, "mode");
-        show(tuned_to_text(Tuning{member_number(listener, "f"), mode, true}, true));
+        show(tuned_to_text(listener));
     }
     for (const json::value& element : required_array(settings_object, "receivers")) {
         const Receiver receiver = receiver_from_settings(element);
@@ -113,11 +109,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             show(discovery_text(devices->size(), merge_devices(list, *devices)));
             return 0;
         }
-        json::object& root = as_object(document, "the state document");
-        json::object& settings = required_object(root, "settings");
-        json::object& status = required_object(root, "status");
-        settings_object = std::move(settings);
-        status_object = std::move(status);
+        settings_object = take_object(document, "settings");
+        status_object = take_object(document, "status");
         show_station();
         show_records();
     } catch (const std::exception&) {

@@ -35,7 +35,7 @@ NOT_EXPLAINED = {
     # what the program could not read, on stderr
     "an element of receivers", "following the station's state", "loading the settings",
     "looking for receivers", "registering the station", "saving the settings",
-    "the list of devices", "the reply to a registration", "the reply to a save", "the state document",
+    "the list of devices", "the reply to a registration", "the reply to a save",
     # commands
     "loginctl show-user", "-p Linger --value", "loginctl enable-linger",
     "loginctl disable-linger"}

@@ -4,8 +4,10 @@
 #include <boost/json/parse.hpp>
 #include <boost/json/value.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 json::object settings_object;
 json::object status_object;
@@ -26,24 +28,6 @@ template <class Read> decltype(auto) read_strictly(const char* name, Read read) 
     return result;
 }
 
-template <class Object, class Value> Value* walk(Object& root, std::string_view key) {
-    Object* object = &root;
-    while (!key.empty()) {
-        const std::size_t end = key.find('.');
-        Value* found = object->if_contains(key.substr(0, end));
-        if (!found)
-            return nullptr;
-        // A full stop at the end of the key begins no further segment.
-        key = end == std::string_view::npos ? std::string_view{} : key.substr(end + 1);
-        if (key.empty())
-            return found;
-        object = found->if_object();
-        if (!object)
-            return nullptr;
-    }
-    return nullptr;
-}
-
 template <class Integer> Integer clamped(double number) {
     // The highest double below 2^63 is less than the type's maximum, so compare with >=.
     constexpr double lowest = static_cast<double>(std::numeric_limits<Integer>::min());
@@ -57,14 +41,29 @@ template <class Integer> Integer clamped(double number) {
     return static_cast<Integer>(number);
 }
 
+bool as_bool(const json::value& value, const char* what) {
+    return read_strictly(what, [&] { return value.as_bool(); });
+}
+
 } // namespace
 
 const json::value* find_path(const json::object& root, std::string_view dotted_key) {
-    return walk<const json::object, const json::value>(root, dotted_key);
+    const json::object* object = &root;
+    const json::value* found = nullptr;
+    // A full stop at the end of the key begins no further segment.
+    while (!dotted_key.empty()) {
+        const std::size_t end = std::min(dotted_key.find('.'), dotted_key.size());
+        found = object ? object->if_contains(dotted_key.substr(0, end)) : nullptr;
+        if (!found)
+            return nullptr;
+        object = found->if_object();
+        dotted_key.remove_prefix(std::min(end + 1, dotted_key.size()));
+    }
+    return found;
 }
 
 json::value* find_path(json::object& root, std::string_view dotted_key) {
-    return walk<json::object, json::value>(root, dotted_key);
+    return const_cast<json::value*>(find_path(std::as_const(root), dotted_key));
 }
 
 std::string string_or_empty(const json::value& value) {
@@ -82,24 +81,22 @@ double number_or_zero(const json::value& value) {
     return 0;
 }
 
-std::string setting_string(std::string_view dotted_key) {
-    const json::value* found = find_path(settings_object, dotted_key);
+std::string member_string(const json::object& object, std::string_view dotted_key) {
+    const json::value* found = find_path(object, dotted_key);
     return found ? string_or_empty(*found) : std::string{};
+}
+
+double member_number(const json::object& object, std::string_view dotted_key) {
+    const json::value* found = find_path(object, dotted_key);
+    return found ? number_or_zero(*found) : 0;
+}
+
+std::string setting_string(std::string_view dotted_key) {
+    return member_string(settings_object, dotted_key);
 }
 
 double setting_number(std::string_view dotted_key) {
-    const json::value* found = find_path(settings_object, dotted_key);
-    return found ? number_or_zero(*found) : 0;
-}
-
-std::string member_string(const json::object& object, std::string_view name) {
-    const json::value* found = object.if_contains(name);
-    return found ? string_or_empty(*found) : std::string{};
-}
-
-double member_number(const json::object& object, std::string_view name) {
-    const json::value* found = object.if_contains(name);
-    return found ? number_or_zero(*found) : 0;
+    return member_number(settings_object, dotted_key);
 }
 
 std::int32_t clamped_int32(double number) {
@@ -121,16 +118,7 @@ const json::value& required_member(const json::object& object, const char* name)
         name, [&]() -> auto& { return object.at(name); });
 }
 
-json::value& required_member(json::object& object, const char* name) {
-    return read_strictly(
-        name, [&]() -> auto& { return object.at(name); });
-}
-
 const json::object& required_object(const json::object& object, const char* name) {
-    return as_object(required_member(object, name), name);
-}
-
-json::object& required_object(json::object& object, const char* name) {
     return as_object(required_member(object, name), name);
 }
 
@@ -142,9 +130,14 @@ bool required_bool(const json::object& object, const char* name) {
     return as_bool(required_member(object, name), name);
 }
 
-bool optional_bool(const json::object& object, const char* name, bool otherwise) {
-    const json::value* found = object.if_contains(name);
-    return found ? as_bool(*found, name) : otherwise;
+bool optional_bool(const json::object& object, const char* dotted_key, bool otherwise) {
+    const json::value* found = find_path(object, dotted_key);
+    return found ? as_bool(*found, dotted_key) : otherwise;
+}
+
+json::object take_object(json::value& document, const char* name) {
+    required_object(as_object(document, "the state document"), name);
+    return std::move(document.get_object().at(name).get_object());
 }
 
 const json::object& as_object(const json::value& value, const char* what) {
@@ -152,18 +145,9 @@ const json::object& as_object(const json::value& value, const char* what) {
         what, [&]() -> auto& { return value.as_object(); });
 }
 
-json::object& as_object(json::value& value, const char* what) {
-    return read_strictly(
-        what, [&]() -> auto& { return value.as_object(); });
-}
-
 const json::array& as_array(const json::value& value, const char* what) {
     return read_strictly(
         what, [&]() -> auto& { return value.as_array(); });
-}
-
-bool as_bool(const json::value& value, const char* what) {
-    return read_strictly(what, [&] { return value.as_bool(); });
 }
 
 ReadingStep::ReadingStep(const char* step) : outer_{reading.step} {

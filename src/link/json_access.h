@@ -29,23 +29,19 @@ extern json::object status_object;
 const json::value* find_path(const json::object& root, std::string_view dotted_key);
 json::value* find_path(json::object& root, std::string_view dotted_key);
 
+/// `string_or_empty` and `number_or_zero` of what `find_path` finds.
+std::string member_string(const json::object& object, std::string_view dotted_key);
+double member_number(const json::object& object, std::string_view dotted_key);
+
+/// The same for the settings object.
+std::string setting_string(std::string_view dotted_key);
+double setting_number(std::string_view dotted_key);
+
 /// Returns the text of a string, "" for any other kind.
 std::string string_or_empty(const json::value& value);
 
 /// Returns the value of a signed or unsigned integer or a double, 0 for any other kind.
 double number_or_zero(const json::value& value);
-
-/// `string_or_empty` of what `find_path` finds in the settings object.
-std::string setting_string(std::string_view dotted_key);
-
-/// `number_or_zero` of what `find_path` finds in the settings object.
-double setting_number(std::string_view dotted_key);
-
-/// The member's text, "" when the member is missing or not a string.
-std::string member_string(const json::object& object, std::string_view name);
-
-/// The member's number, 0 when the member is missing or not a number.
-double member_number(const json::object& object, std::string_view name);
 
 /// Truncates toward zero and clamps to the type's range; infinities go to the ends.
 std::int32_t clamped_int32(double number);
@@ -58,22 +54,19 @@ json::value parse_reply(std::string_view body);
 /// Strict access. Each throws when the member is missing or has another kind. `name` must outlive
 /// the call: `contract_error_message` reads it after a failure.
 const json::value& required_member(const json::object& object, const char* name);
-json::value& required_member(json::object& object, const char* name);
 const json::object& required_object(const json::object& object, const char* name);
-json::object& required_object(json::object& object, const char* name);
 const json::array& required_array(const json::object& object, const char* name);
 bool required_bool(const json::object& object, const char* name);
 
-/// Returns the boolean, or `otherwise` when the member is missing. Throws when it is of another
-/// kind.
-bool optional_bool(const json::object& object, const char* name, bool otherwise);
+/// Returns `otherwise` when the member is missing.
+bool optional_bool(const json::object& object, const char* dotted_key, bool otherwise);
 
-/// For the root of a document or an element of an array. `what` names it in words for
-/// `contract_error_message`. Throws when the value is of another kind.
+/// Moves an object out of the root of a state document.
+json::object take_object(json::value& document, const char* name);
+
+/// For the root of a document or an element of an array. `what` names it in words.
 const json::object& as_object(const json::value& value, const char* what);
-json::object& as_object(json::value& value, const char* what);
 const json::array& as_array(const json::value& value, const char* what);
-bool as_bool(const json::value& value, const char* what);
 
 /// Keeps a step (what the program does with a document) for `contract_error_message` while the
 /// object exists. Of nested objects the innermost counts.

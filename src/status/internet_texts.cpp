@@ -15,16 +15,18 @@ static_assert(sizeof(std::time_t) == sizeof(std::int64_t) && std::is_signed_v<st
 
 namespace {
 
-std::string port_check_text(const StationState& state) {
+StatusLine port_check_line(const StationState& state) {
     const std::string host{directory_host};
     if (!state.registered)
-        return "Once the station is registered, Tarnwave checks the port for you.";
+        return {"Once the station is registered, Tarnwave checks the port for you."};
     if (!state.checked_in)
-        return "Checking…";
+        return {"Checking…"};
     if (state.reachable)
-        return "✓ " + host + " reached the station at " + state.directory_address + ".";
-    return "✗ " + host + " could not reach the station at " + state.directory_address +
-           ". Check the port forward.";
+        return {"✓ " + host + " reached the station at " + state.directory_address + ".",
+                StatusClass::good};
+    return {"✗ " + host + " could not reach the station at " + state.directory_address +
+                ". Check the port forward.",
+            StatusClass::error};
 }
 
 std::string relay_text(const StationState& state) {
@@ -44,18 +46,13 @@ std::string relay_text(const StationState& state) {
     return "Press Save to connect.";
 }
 
-StatusClass port_check_class(const StationState& state) {
-    if (!state.checked_in)
-        return StatusClass::none;
-    return state.reachable ? StatusClass::good : StatusClass::error;
-}
-
+/// Follows the connection alone: green while the relay is connected, even when the sentence asks
+/// for the registration.
 StatusClass relay_class(const StationState& state) {
     if (state.relay_connected)
         return StatusClass::good;
-    if (state.relay_state == "refused" || state.relay_state == "unreachable")
-        return StatusClass::error;
-    return StatusClass::none;
+    const bool failed = state.relay_state == "refused" || state.relay_state == "unreachable";
+    return failed ? StatusClass::error : StatusClass::none;
 }
 
 } // namespace
@@ -69,11 +66,9 @@ std::string port_instructions_markup(std::int32_t port, std::string_view lan_add
 }
 
 StatusLine reach_line(const StationState& state) {
-    // The colour of the relay's line depends on the connection alone: the line is green while the
-    // relay is connected, even when its sentence asks for the registration.
     if (state.relay_wanted)
         return {relay_text(state), relay_class(state)};
-    return {port_check_text(state), port_check_class(state)};
+    return port_check_line(state);
 }
 
 StatusLine certificate_line(const json::object& https, const StationState& state) {

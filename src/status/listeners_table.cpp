@@ -78,25 +78,12 @@ void store_row(GtkTreeIter* iter, const ListenerRow& row) {
                        row.time.c_str(), -1);
 }
 
-std::optional<Tuning> tuning_of(const json::object& listener) {
-    const json::value* frequency = listener.if_contains("f");
-    if (!frequency)
-        return std::nullopt;
-    const json::value& mode = required_member(listener, "mode");
-    const json::string* mode_text = mode.if_string();
-    return Tuning{number_or_zero(*frequency),
-                  mode_text ? std::string_view{mode_text->data(), mode_text->size()}
-                            : std::string_view{},
-                  required_bool(listener, "listening")};
-}
-
 void read_record(const json::value& record, std::vector<ListenerRow>& rows) {
     const json::object& listener = as_object(record, "an element of listeners");
     ListenerRow row;
     row.time =
         session_time_text(clamped_int32(number_or_zero(required_member(listener, "seconds"))));
-    const std::optional<Tuning> tuning = tuning_of(listener);
-    row.tuned_to = valid_utf8(tuned_to_text(tuning, optional_bool(listener, "relayed", false)));
+    row.tuned_to = valid_utf8(tuned_to_text(listener));
     row.number = clamped_int32(number_or_zero(required_member(listener, "number")));
     row.address = valid_utf8(member_string(listener, "address"));
     rows.push_back(std::move(row));

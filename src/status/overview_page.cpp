@@ -116,14 +116,11 @@ RowContent failed_receiver_row(const json::object& receiver) {
 } // namespace
 
 void draw_checklist(const StationState& state) {
-    const StationIdentity identity{setting_string("station.name"),
-                                   setting_string("station.callsign"),
-                                   setting_string("station.grid")};
     std::vector<RowContent> rows;
-    for (const ChecklistItem& item : checklist_items(state, identity))
+    for (const ChecklistItem& item : checklist_items(state))
         rows.push_back(checklist_row(item));
     show_rows(widgets.getting_started_box, rows);
-    gtk_widget_set_visible(widgets.getting_started_card, !checklist_is_done(state, identity));
+    gtk_widget_set_visible(widgets.getting_started_card, !checklist_is_done(state));
 }
 
 void draw_station_link(const StationState& state) {

@@ -2,8 +2,11 @@
 #include "status/overview_texts.h"
 
 #include "link/build_constants.h"
+#include "link/json_access.h"
 #include "link/text.h"
 #include "ui/colours.h"
+
+#include <boost/json/value.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -15,10 +18,6 @@ std::string on_air_sentence(const StationState& state) {
            (state.receiver_count == 1 ? " receiver" : " receivers") + " · " +
            std::to_string(state.listener_count) + " of " + std::to_string(state.listeners_allowed) +
            " listening";
-}
-
-bool is_identified(const StationIdentity& identity) {
-    return (!identity.name.empty() || !identity.callsign.empty()) && !identity.grid.empty();
 }
 
 ChecklistItem way_in_item(const StationState& state) {
@@ -61,10 +60,9 @@ StatusLine header_line(const StationState& state, bool broker_running) {
     return {on_air + " · not reachable from the internet", StatusClass::warning};
 }
 
-std::array<ChecklistItem, 4> checklist_items(const StationState& state,
-                                             const StationIdentity& identity) {
+std::array<ChecklistItem, 4> checklist_items(const StationState& state) {
     return {{
-        {"Name your station and enter its grid square", is_identified(identity), "station"},
+        {"Name your station and enter its grid square", state.identified, "station"},
         {"Share at least one receiver", state.receiver_count > 0, "receivers"},
         {"Register the station for the list on " + std::string{directory_host}, state.registered,
          "internet"},
@@ -72,9 +70,9 @@ std::array<ChecklistItem, 4> checklist_items(const StationState& state,
     }};
 }
 
-bool checklist_is_done(const StationState& state, const StationIdentity& identity) {
-    return is_identified(identity) && state.receiver_count > 0 && state.checked_in &&
-           state.reachable && state.registered;
+bool checklist_is_done(const StationState& state) {
+    return state.identified && state.receiver_count > 0 && state.checked_in && state.reachable &&
+           state.registered;
 }
 
 std::string checklist_item_markup(const ChecklistItem& item) {
@@ -128,13 +126,14 @@ std::string session_time_text(std::int32_t seconds) {
     return format_text("%d:%02d", minutes, seconds - 60 * minutes);
 }
 
-std::string tuned_to_text(const std::optional<Tuning>& tuning, bool relayed) {
+std::string tuned_to_text(const json::object& listener) {
     std::string text;
-    if (relayed)
+    if (optional_bool(listener, "relayed", false))
         text.append("via ").append(directory_host).append(" · ");
-    if (tuning) {
-        text.append(frequency_text(tuning->hz)).append(" MHz ").append(tuning->mode);
-        if (!tuning->listening)
+    if (const json::value* frequency = listener.if_contains("f")) {
+        text.append(frequency_text(number_or_zero(*frequency))).append(" MHz ");
+        text.append(string_or_empty(required_member(listener, "mode")));
+        if (!required_bool(listener, "listening"))
             text.append(" (waterfall only)");
     }
     return text;

@@ -8,9 +8,10 @@
 #include "status/station_state.h"
 #include "status/status_line.h"
 
+#include <boost/json/fwd.hpp>
+
 #include <array>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -24,20 +25,12 @@ struct ChecklistItem {
     const char* page = nullptr; ///< page of the window where it is done
 };
 
-/// The settings that the first item checks.
-struct StationIdentity {
-    std::string name{};
-    std::string callsign{};
-    std::string grid{};
-};
-
 /// The "Getting started" list, in the order shown.
-std::array<ChecklistItem, 4> checklist_items(const StationState& state,
-                                             const StationIdentity& identity);
+std::array<ChecklistItem, 4> checklist_items(const StationState& state);
 
 /// True when nothing is left to do and the card is hidden: all four items are done and, when the
 /// relay is wanted, the station list has confirmed the check-in.
-bool checklist_is_done(const StationState& state, const StationIdentity& identity);
+bool checklist_is_done(const StationState& state);
 
 /// Markup of an item's text: escaped, and dimmed when done.
 std::string checklist_item_markup(const ChecklistItem& item);
@@ -65,12 +58,6 @@ std::string listening_title(const StationState& state);
 /// Minutes and seconds; hours are never split off: 3725 is "62:05".
 std::string session_time_text(std::int32_t seconds);
 
-/// What a listener has tuned to.
-struct Tuning {
-    double hz = 0;
-    std::string_view mode{};
-    bool listening = true; ///< false: watches the waterfall only
-};
-
-/// The "Tuned to" column. Without a tuning it is empty but for the relay's prefix.
-std::string tuned_to_text(const std::optional<Tuning>& tuning, bool relayed);
+/// The "Tuned to" column of a listener's record. Throws the JSON library's error when the record
+/// has a frequency without `mode` or without the boolean `listening`, or `relayed` is no boolean.
+std::string tuned_to_text(const boost::json::object& listener);

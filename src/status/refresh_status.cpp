@@ -45,7 +45,7 @@ void refresh_status() {
         return;
     }
     json::value document = parse_reply(reply.body);
-    status_object = std::move(required_object(as_object(document, "the state document"), "status"));
+    status_object = take_object(document, "status");
     render_state();
 }
 

@@ -14,16 +14,6 @@ const json::object& object_or_empty(const json::object& parent, std::string_view
     return object ? *object : empty;
 }
 
-double number_at(const json::object& settings, std::string_view dotted_key) {
-    const json::value* found = find_path(settings, dotted_key);
-    return found ? number_or_zero(*found) : 0;
-}
-
-bool listed_wanted(const json::object& settings) {
-    const json::value* listed = find_path(settings, "directory.listed");
-    return listed ? as_bool(*listed, "directory.listed") : true;
-}
-
 /// Lenient, unlike `directory.listed`: any value but a boolean reads as false.
 bool relay_wanted(const json::object& settings) {
     const json::value* enabled = find_path(settings, "relay.enabled");
@@ -49,12 +39,15 @@ StationState derive_station_state(const json::object& settings, const json::obje
     const json::object& https = object_or_empty(status, "https");
 
     StationState state;
+    state.identified = (!member_string(settings, "station.name").empty() ||
+                        !member_string(settings, "station.callsign").empty()) &&
+                       !member_string(settings, "station.grid").empty();
     state.directory_state = string_or_empty(required_member(directory, "state"));
     state.directory_address = member_string(directory, "address");
     state.directory_error = member_string(directory, "error");
     state.registered = state.directory_state != "not registered";
     state.checked_in = state.directory_state == "checked in";
-    state.listed_wanted = listed_wanted(settings);
+    state.listed_wanted = optional_bool(settings, "directory.listed", true);
 
     state.relay_wanted = relay_wanted(settings);
     state.relay_state = relay.contains("state") ? member_string(relay, "state") : "off";
@@ -68,9 +61,9 @@ StationState derive_station_state(const json::object& settings, const json::obje
 
     state.receiver_count = required_array(status, "receivers").size();
     state.listener_count = required_array(status, "listeners").size();
-    state.listeners_allowed = clamped_int32(number_at(settings, "listeners.max"));
+    state.listeners_allowed = clamped_int32(member_number(settings, "listeners.max"));
 
-    state.port = clamped_int32(number_at(settings, "network.port"));
+    state.port = clamped_int32(member_number(settings, "network.port"));
     if (https.contains("name"))
         state.secure_address =
             "https://" + member_string(https, "name") + ":" + std::to_string(state.port) + "/";

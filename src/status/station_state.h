@@ -11,6 +11,7 @@
 #include <string>
 
 struct StationState {
+    bool identified = false;      ///< has a name or a callsign, and a grid square
     bool registered = false;      ///< the station list knows the station
     bool checked_in = false;      ///< its last check-in with the list succeeded
     bool listed_wanted = true;    ///< the owner wants the station on the list

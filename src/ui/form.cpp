@@ -21,11 +21,9 @@ namespace {
 
 void keep_document(const std::string& body) {
     json::value document = parse_reply(body);
-    json::object& root = as_object(document, "the state document");
-    json::object& settings = required_object(root, "settings");
-    json::object& status = required_object(root, "status");
+    json::object settings = take_object(document, "settings");
+    status_object = take_object(document, "status");
     settings_object = std::move(settings);
-    status_object = std::move(status);
 }
 
 void show_field(const FieldBinding& field) {

@@ -14,7 +14,8 @@ namespace {
 
 /// The member `inner` of the member `outer`, to be overwritten. Throws when one is missing.
 json::value& required_place(json::object& root, const char* outer, const char* inner) {
-    return required_member(required_object(root, outer), inner);
+    required_member(required_object(root, outer), inner);
+    return root.at(outer).get_object().at(inner);
 }
 
 std::string ascii_upper(std::string text) {

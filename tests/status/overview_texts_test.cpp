@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "status/overview_texts.h"
 
+#include "link/json_access.h"
 #include "link/text.h"
 #include "support/status_line_printer.h"
 
 #include "link/build_constants.h"
 #include "support/user_locale.h"
 
+#include <boost/json.hpp>
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -22,6 +24,7 @@ constexpr bool broker_running = true;
 /// On the air, listed, reached and checked in, with nobody listening.
 StationState listed_station() {
     StationState state;
+    state.identified = true;
     state.registered = true;
     state.checked_in = true;
     state.reachable = true;
@@ -30,6 +33,11 @@ StationState listed_station() {
     state.listener_count = 1;
     state.listeners_allowed = 20;
     state.port = 8073;
+    return state;
+}
+
+StationState unidentified(StationState state) {
+    state.identified = false;
     return state;
 }
 
@@ -174,8 +182,9 @@ TEST(HeaderLine, WritesPlainDecimalsInEveryLocale) {
 }
 
 TEST(Checklist, AsksForFourThingsInOrder) {
-    const StationState state = unreachable(unregistered(with_receivers(listed_station(), 0)));
-    const auto items = checklist_items(state, {});
+    const StationState state =
+        unidentified(unreachable(unregistered(with_receivers(listed_station(), 0))));
+    const auto items = checklist_items(state);
     EXPECT_EQ(items[0].text, "Name your station and enter its grid square");
     EXPECT_STREQ(items[0].page, "station");
     EXPECT_EQ(items[1].text, "Share at least one receiver");
@@ -189,69 +198,47 @@ TEST(Checklist, AsksForFourThingsInOrder) {
 }
 
 TEST(Checklist, AsksForTheRelayWhereTheRelayIsWanted) {
-    const auto items = checklist_items(with_relay_wanted(unreachable(listed_station())), {});
+    const auto items = checklist_items(with_relay_wanted(unreachable(listed_station())));
     EXPECT_EQ(items[3].text, "Connect to the " + host + " relay with your relay key");
     EXPECT_STREQ(items[3].page, "internet");
     EXPECT_FALSE(items[3].done);
 }
 
-TEST(Checklist, NeedsANameOrACallsignAndAGrid) {
-    const struct {
-        StationIdentity identity;
-        bool done;
-    } cases[] = {
-        {{"", "", ""}, false},
-        {{"Hilltop", "", ""}, false},
-        {{"", "K1ABC", ""}, false},
-        {{"Hilltop", "K1ABC", ""}, false},
-        {{"", "", "EM95"}, false},
-        {{"Hilltop", "", "EM95"}, true},
-        {{"", "K1ABC", "EM95"}, true},
-        {{"Hilltop", "K1ABC", "EM95"}, true},
-        {{"Hilltop", "", "no grid"}, true},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.identity.name + "/" + c.identity.callsign + "/" + c.identity.grid);
-        EXPECT_EQ(checklist_items(listed_station(), c.identity)[0].done, c.done);
-        EXPECT_EQ(checklist_is_done(listed_station(), c.identity), c.done);
-    }
-}
-
 TEST(Checklist, TicksWhatIsDone) {
-    EXPECT_FALSE(checklist_items(with_receivers(listed_station(), 0), {})[1].done);
-    EXPECT_TRUE(checklist_items(with_receivers(listed_station(), 1), {})[1].done);
+    EXPECT_FALSE(checklist_items(unidentified(listed_station()))[0].done);
+    EXPECT_TRUE(checklist_items(listed_station())[0].done);
 
-    EXPECT_FALSE(checklist_items(unregistered(listed_station()), {})[2].done);
-    EXPECT_TRUE(
-        checklist_items(in_directory_state(listed_station(), "check-in failed"), {})[2].done);
+    EXPECT_FALSE(checklist_items(with_receivers(listed_station(), 0))[1].done);
+    EXPECT_TRUE(checklist_items(with_receivers(listed_station(), 1))[1].done);
 
-    EXPECT_TRUE(checklist_items(listed_station(), {})[3].done);
-    EXPECT_FALSE(checklist_items(unreachable(listed_station()), {})[3].done);
-    EXPECT_FALSE(checklist_items(in_directory_state(listed_station(), "checking in"), {})[3].done);
+    EXPECT_FALSE(checklist_items(unregistered(listed_station()))[2].done);
+    EXPECT_TRUE(checklist_items(in_directory_state(listed_station(), "check-in failed"))[2].done);
+
+    EXPECT_TRUE(checklist_items(listed_station())[3].done);
+    EXPECT_FALSE(checklist_items(unreachable(listed_station()))[3].done);
+    EXPECT_FALSE(checklist_items(in_directory_state(listed_station(), "checking in"))[3].done);
 }
 
 TEST(Checklist, IsDoneWhenAllFiveConditionsAreMet) {
-    const StationIdentity identity{"Hilltop", "", "EM95"};
-    EXPECT_TRUE(checklist_is_done(listed_station(), identity));
-    EXPECT_TRUE(checklist_is_done(with_relay_wanted(listed_station()), identity));
-    EXPECT_TRUE(checklist_is_done(unlisted(listed_station()), identity));
-    EXPECT_FALSE(checklist_is_done(listed_station(), {"Hilltop", "", ""}));
-    EXPECT_FALSE(checklist_is_done(with_receivers(listed_station(), 0), identity));
-    EXPECT_TRUE(checklist_is_done(with_receivers(listed_station(), 1), identity));
-    EXPECT_FALSE(checklist_is_done(in_directory_state(listed_station(), "checking in"), identity));
-    EXPECT_FALSE(checklist_is_done(unreachable(listed_station()), identity));
+    EXPECT_TRUE(checklist_is_done(listed_station()));
+    EXPECT_TRUE(checklist_is_done(with_relay_wanted(listed_station())));
+    EXPECT_TRUE(checklist_is_done(unlisted(listed_station())));
+    EXPECT_FALSE(checklist_is_done(unidentified(listed_station())));
+    EXPECT_FALSE(checklist_is_done(with_receivers(listed_station(), 0)));
+    EXPECT_TRUE(checklist_is_done(with_receivers(listed_station(), 1)));
+    EXPECT_FALSE(checklist_is_done(in_directory_state(listed_station(), "checking in")));
+    EXPECT_FALSE(checklist_is_done(unreachable(listed_station())));
     StationState only_unregistered = listed_station();
     only_unregistered.registered = false;
-    EXPECT_FALSE(checklist_is_done(only_unregistered, identity));
+    EXPECT_FALSE(checklist_is_done(only_unregistered));
 }
 
 TEST(Checklist, StaysWithFourTicksUntilTheRelaysStationHasCheckedIn) {
-    const StationIdentity identity{"Hilltop", "", "EM95"};
     const StationState state =
         with_relay_wanted(in_directory_state(listed_station(), "checking in"));
-    for (const ChecklistItem& item : checklist_items(state, identity))
+    for (const ChecklistItem& item : checklist_items(state))
         EXPECT_TRUE(item.done) << item.text;
-    EXPECT_FALSE(checklist_is_done(state, identity));
+    EXPECT_FALSE(checklist_is_done(state));
 }
 
 TEST(ChecklistMarkup, EscapesTheText) {
@@ -344,25 +331,28 @@ TEST(SessionTime, IsMinutesAndSeconds) {
 TEST(TunedTo, FollowsTheListener) {
     const struct {
         const char* when;
-        std::optional<Tuning> tuning;
-        bool relayed;
+        const char* listener;
         std::string expected;
     } cases[] = {
-        {"listening", Tuning{7'074'000, "USB", true}, false, "7.074 MHz USB"},
-        {"watching the waterfall", Tuning{7'074'000, "USB", false}, false,
+        {"listening", R"({"f": 7074000, "mode": "USB", "listening": true, "relayed": false})",
+         "7.074 MHz USB"},
+        {"watching the waterfall", R"({"f": 7074000, "mode": "USB", "listening": false})",
          "7.074 MHz USB (waterfall only)"},
-        {"not tuned", std::nullopt, false, ""},
-        {"listening through the relay", Tuning{144'300'000, "FM", true}, true,
+        {"not tuned", "{}", ""},
+        {"listening through the relay",
+         R"({"f": 144.3e6, "mode": "FM", "listening": true, "relayed": true})",
          "via " + host + " · 144.3 MHz FM"},
-        {"watching through the relay", Tuning{144'300'000, "FM", false}, true,
+        {"watching through the relay",
+         R"({"f": 144.3e6, "mode": "FM", "listening": false, "relayed": true})",
          "via " + host + " · 144.3 MHz FM (waterfall only)"},
-        {"not tuned, through the relay", std::nullopt, true, "via " + host + " · "},
-        {"any word for the mode, as it stands", Tuning{0, "<b>&", true}, false, "0 MHz <b>&"},
-        {"no word for the mode", Tuning{7'000'000, "", true}, false, "7 MHz "},
+        {"not tuned, through the relay", R"({"relayed": true})", "via " + host + " · "},
+        {"any word for the mode, as it stands",
+         R"({"f": "high", "mode": "<b>&", "listening": true})", "0 MHz <b>&"},
+        {"no word for the mode", R"({"f": 7000000, "mode": 5, "listening": true})", "7 MHz "},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.when);
-        EXPECT_EQ(tuned_to_text(c.tuning, c.relayed), c.expected);
+        EXPECT_EQ(tuned_to_text(json::parse(c.listener).as_object()), c.expected);
     }
 }
 

@@ -43,6 +43,7 @@ StationState with_settings(std::string_view settings) {
 
 TEST(StationState, HasDefaultsForTheLeastDocument) {
     const StationState state = derive("{}", status_with("{}"));
+    EXPECT_FALSE(state.identified);
     EXPECT_TRUE(state.listed_wanted);
     EXPECT_FALSE(state.relay_wanted);
     EXPECT_FALSE(state.relay_connected);
@@ -58,6 +59,28 @@ TEST(StationState, HasDefaultsForTheLeastDocument) {
     EXPECT_EQ(state.relay_listeners, 0);
     EXPECT_EQ(state.secure_address, "");
     EXPECT_EQ(state.station_link, "");
+}
+
+TEST(StationState, IsIdentifiedByANameOrACallsignAndAGrid) {
+    const struct {
+        const char* station;
+        bool identified;
+    } cases[] = {
+        {R"({"name": "", "callsign": "", "grid": ""})", false},
+        {R"({"name": "Hilltop"})", false},
+        {R"({"callsign": "K1ABC"})", false},
+        {R"({"name": "Hilltop", "callsign": "K1ABC", "grid": ""})", false},
+        {R"({"grid": "EM95"})", false},
+        {R"({"name": "Hilltop", "grid": "EM95"})", true},
+        {R"({"callsign": "K1ABC", "grid": "EM95"})", true},
+        {R"({"name": "Hilltop", "callsign": "K1ABC", "grid": "EM95"})", true},
+        {R"({"name": "Hilltop", "grid": "no grid"})", true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.station);
+        const std::string settings = R"({"station": )" + std::string{c.station} + "}";
+        EXPECT_EQ(with_settings(settings).identified, c.identified);
+    }
 }
 
 TEST(StationState, TellsTheDirectorysStatesApart) {
