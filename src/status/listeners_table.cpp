@@ -25,10 +25,10 @@ constexpr std::array<const char*, column_count> column_titles = {"#", "Address",
 /// Height of the scrolled window around the table, in pixels.
 constexpr int table_height = 150;
 
-/// Greatest width of each column, in characters: an IPv6 address has 39. What is longer ends in an
-/// ellipsis. The column "Tuned to" expands, so that the time is visible in a small window and with
-/// large text too.
-constexpr std::array<glong, column_count> most_characters = {12, 40, 20, 12};
+/// Least width of the column "Address", in digits, before and after the first IPv6 address.
+constexpr gint ipv4_digits = 15;
+constexpr gint ipv6_digits = 40;
+gint address_digits = ipv4_digits;
 
 /// Padding on both sides of a cell's text, together, in pixels.
 constexpr int cell_padding = 20;
@@ -72,12 +72,6 @@ ListenerRow row_at(GtkTreeModel* rows, GtkTreeIter* iter) {
     return {number, text(address), text(tuned_to), text(time)};
 }
 
-void store_row(GtkTreeIter* iter, const ListenerRow& row) {
-    gtk_list_store_set(widgets.listeners_store, iter, number_column, row.number, address_column,
-                       row.address.c_str(), tuned_column, row.tuned_to.c_str(), time_column,
-                       row.time.c_str(), -1);
-}
-
 void read_record(const json::value& record, std::vector<ListenerRow>& rows) {
     const json::object& listener = as_object(record, "an element of listeners");
     ListenerRow row;
@@ -107,15 +101,15 @@ std::optional<GtkTreeIter> show_listeners(const std::vector<ListenerRow>& rows,
         while (old_is_left && !numbers.contains(number_at(&old)))
             old_is_left = gtk_list_store_remove(widgets.listeners_store, &old);
         GtkTreeIter shown = old;
-        if (old_is_left && number_at(&old) == row.number) {
-            if (row_at(model(), &shown) != row)
-                store_row(&shown, row);
+        if (old_is_left && number_at(&old) == row.number)
             old_is_left = gtk_tree_model_iter_next(model(), &old);
-        } else {
+        else
             gtk_list_store_insert_before(widgets.listeners_store, &shown,
                                          old_is_left ? &old : nullptr);
-            store_row(&shown, row);
-        }
+        if (row_at(model(), &shown) != row)
+            gtk_list_store_set(widgets.listeners_store, &shown, number_column, row.number,
+                               address_column, row.address.c_str(), tuned_column,
+                               row.tuned_to.c_str(), time_column, row.time.c_str(), -1);
         if (row.number == wanted)
             wanted_row = shown;
     }
@@ -124,36 +118,27 @@ std::optional<GtkTreeIter> show_listeners(const std::vector<ListenerRow>& rows,
     return wanted_row;
 }
 
-int width_of_a_digit() {
-    PangoLayout* layout = gtk_widget_create_pango_layout(widgets.listeners_view, "0");
-    int width = 0;
-    pango_layout_get_pixel_size(layout, &width, nullptr);
+/// The handler of "style-updated": the width of a digit follows the scale of texts. The column
+/// "Tuned to" expands, so that the time is visible in a small window and with large text too.
+void set_column_widths(GtkWidget* table, gpointer) {
+    PangoLayout* layout = gtk_widget_create_pango_layout(table, "0");
+    int digit_width = 0;
+    pango_layout_get_pixel_size(layout, &digit_width, nullptr);
     g_object_unref(layout);
-    return width;
+    gint column = 0;
+    for (const gint digits : {6, address_digits, 10, 7})
+        gtk_tree_view_column_set_min_width(gtk_tree_view_get_column(GTK_TREE_VIEW(table), column++),
+                                           digits * digit_width + cell_padding);
 }
 
-/// Makes each column wide enough for its longest text, which GTK does not measure in fixed height
-/// mode. Columns only grow, so that they stay in place while listeners come and go.
-void widen_columns(const std::vector<ListenerRow>& rows) {
-    std::array<glong, column_count> characters{};
-    const auto count = [&characters](Column column, const std::string& text) {
-        glong& most = characters[static_cast<std::size_t>(column)];
-        most = std::max(most, g_utf8_strlen(text.c_str(), -1));
-    };
-    for (const ListenerRow& row : rows) {
-        count(number_column, std::to_string(row.number));
-        count(address_column, row.address);
-        count(tuned_column, row.tuned_to);
-        count(time_column, row.time);
-    }
-    const int digit_width = width_of_a_digit();
-    for (gint column = 0; column < column_count; ++column) {
-        GtkTreeViewColumn* view_column = gtk_tree_view_get_column(view(), column);
-        const auto at = static_cast<std::size_t>(column);
-        const glong shown = std::min(characters[at], most_characters[at]);
-        const int width = static_cast<int>(shown) * digit_width + cell_padding;
-        if (width > gtk_tree_view_column_get_min_width(view_column))
-            gtk_tree_view_column_set_min_width(view_column, width);
+/// The column stays wide, so that it does not jump while listeners come and go.
+void widen_for_ipv6(const std::vector<ListenerRow>& rows) {
+    const bool any = std::any_of(rows.begin(), rows.end(), [](const ListenerRow& row) {
+        return row.address.size() > ipv4_digits;
+    });
+    if (any && address_digits == ipv4_digits) {
+        address_digits = ipv6_digits;
+        set_column_widths(widgets.listeners_view, nullptr);
     }
 }
 
@@ -194,8 +179,11 @@ GtkWidget* make_listeners_table() {
     g_object_unref(widgets.listeners_store); // the view owns it now
     for (gint column = 0; column < column_count; ++column)
         add_column(column);
+    address_digits = ipv4_digits;
     gtk_tree_view_set_fixed_height_mode(view(), TRUE);
     gtk_tree_view_set_search_column(view(), address_column);
+    g_signal_connect(widgets.listeners_view, "style-updated", G_CALLBACK(set_column_widths),
+                     nullptr);
     call_at_signal(selection(), "changed", update_listener_buttons);
     gtk_widget_set_has_tooltip(widgets.listeners_view, TRUE);
     g_signal_connect(widgets.listeners_view, "query-tooltip", G_CALLBACK(on_query_tooltip),
@@ -216,7 +204,7 @@ void draw_listeners(const StationState& state) {
         std::vector<ListenerRow> rows;
         const AtScopeEnd show{[&] {
             row = show_listeners(rows, selected ? selected->number : -1);
-            widen_columns(rows);
+            widen_for_ipv6(rows);
         }};
         for (const json::value& record : required_array(status_object, "listeners"))
             read_record(record, rows);

@@ -300,17 +300,30 @@ TEST_F(ListenersTable, KeepsItsSelectionAndItsPlaceWhenABrokenRecordStopsThePass
     EXPECT_TRUE(gtk_widget_get_visible(widgets.listeners_empty));
 }
 
-TEST_F(NewListenersTable, WidensAColumnForItsTextAndNeverNarrowsIt) {
-    const auto width_with = [this](std::size_t characters) {
-        poll(with(listeners({1}), "status.listeners.0.address", json::string(characters, '0')));
+TEST_F(NewListenersTable, WidensTheAddressForTheFirstIpv6AddressAndStaysWide) {
+    const auto width_with = [this](const char* address) {
+        poll(with(listeners({1, 2}), "status.listeners.1.address", address));
+        EXPECT_TRUE(wait_for_frame_on(widgets.window));
         return gtk_tree_view_column_get_min_width(gtk_tree_view_get_column(view(), 1));
     };
     load(state_document());
-    const int first = width_with(30);
-    EXPECT_GT(width_with(39), first);
-    const int widest = width_with(40);
-    EXPECT_EQ(width_with(1000), widest);
-    EXPECT_EQ(width_with(7), widest);
+    const int narrow = width_with("203.100.113.107");
+    const int wide = width_with("2001:0db8:85a3:0000:0000:8a2e:0370:7334");
+    EXPECT_GT(wide, 2 * narrow);
+    EXPECT_EQ(width_with("203.0.113.7"), wide);
+}
+
+TEST_F(NewListenersTable, WidensItsColumnsWithTheScaleOfTexts) {
+    const auto time_width = [] {
+        return gtk_tree_view_column_get_min_width(gtk_tree_view_get_column(view(), 3));
+    };
+    load(state_document());
+    const int width = time_width();
+    g_object_set(gtk_settings_get_default(), "gtk-xft-dpi", 2 * 96 * 1024, nullptr);
+    drain_events();
+    const int width_at_twice_the_scale = time_width();
+    g_object_set(gtk_settings_get_default(), "gtk-xft-dpi", 96 * 1024, nullptr);
+    EXPECT_GT(width_at_twice_the_scale, 1.5 * width);
 }
 
 TEST_F(NewListenersTable, KeepsTheTimeInSightWhateverIsTunedTo) {
