@@ -15,9 +15,10 @@
 //     answer NUMBER    gives the next dialog this response; its texts are the answer
 //     close            closes the window
 #include "app/start_up.h"
-#include "support/real_window.h"
+#include "support/toplevels.h"
 
 #include <boost/json.hpp>
+#include <gtk/gtk.h>
 #include <malloc.h>
 #include <unistd.h>
 
@@ -26,11 +27,14 @@
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
+#include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace json = boost::json;
-using namespace real_window;
 
 namespace {
 
@@ -41,15 +45,73 @@ GSourceFunc program_poll = nullptr;
 gpointer program_data = nullptr;
 std::deque<int> responses;
 
+[[noreturn]] void give_up(const std::string& what) {
+    std::fprintf(stderr, "%s\n", what.c_str());
+    std::abort();
+}
+
+void collect(GtkWidget* widget, gpointer all) {
+    static_cast<std::vector<GtkWidget*>*>(all)->push_back(widget);
+    if (GTK_IS_CONTAINER(widget))
+        gtk_container_forall(GTK_CONTAINER(widget), collect, all);
+}
+
+/// The program's window and everything in it; the toolkit's tooltips are windows of their own.
+std::vector<GtkWidget*> all_widgets() {
+    std::vector<GtkWidget*> all;
+    for (GtkWidget* window : toplevels())
+        if (g_strcmp0(gtk_window_get_title(GTK_WINDOW(window)), "Tarnwave settings") == 0)
+            collect(window, &all);
+    return all;
+}
+
+/// The first widget of a type that a condition accepts: widgets are found by their texts, as a user
+/// finds them.
+template <class Condition> GtkWidget* first_of(GType type, Condition accepts) {
+    for (GtkWidget* widget : all_widgets())
+        if (G_TYPE_CHECK_INSTANCE_TYPE(widget, type) && accepts(widget))
+            return widget;
+    give_up(std::string{"there is no "}.append(g_type_name(type)));
+}
+
+GtkWidget* entry_with_placeholder(const char* beginning) {
+    return first_of(gtk_entry_get_type(), [beginning](GtkWidget* entry) {
+        const char* placeholder = gtk_entry_get_placeholder_text(GTK_ENTRY(entry));
+        return placeholder && g_str_has_prefix(placeholder, beginning);
+    });
+}
+
+GtkWidget* name_entry() {
+    return entry_with_placeholder("Hilltop SDR");
+}
+
+GtkWidget* button_named(const char* name) {
+    return first_of(gtk_button_get_type(), [name](GtkWidget* button) {
+        return g_strcmp0(gtk_button_get_label(GTK_BUTTON(button)), name) == 0;
+    });
+}
+
+/// The newest dialog on the screen; null when there is none.
+GtkWidget* open_dialog() {
+    for (GtkWidget* window : toplevels())
+        if (GTK_IS_DIALOG(window) && gtk_widget_get_mapped(window))
+            return window;
+    return nullptr;
+}
+
 void say(const json::object& answer) {
     std::printf("%s\n", json::serialize(answer).c_str());
     std::fflush(stdout);
 }
 
+/// The texts of the labels below a widget, those of buttons too.
 json::array texts_of(GtkWidget* root) {
+    std::vector<GtkWidget*> all;
+    collect(root, &all);
     json::array texts;
-    for (const std::string& text : texts_in(root))
-        texts.emplace_back(text);
+    for (GtkWidget* widget : all)
+        if (GTK_IS_LABEL(widget))
+            texts.emplace_back(gtk_label_get_text(GTK_LABEL(widget)));
     return texts;
 }
 
@@ -92,9 +154,10 @@ void report_figures() {
     long pages = 0;
     long resident = 0;
     std::ifstream{"/proc/self/statm"} >> pages >> resident;
+    const std::filesystem::directory_iterator descriptors{"/proc/self/fd"};
     say({{"resident", resident * sysconf(_SC_PAGESIZE)},
          {"heap", mallinfo2().uordblks},
-         {"descriptors", open_descriptors()},
+         {"descriptors", std::distance(begin(descriptors), end(descriptors))},
          {"sources", live_sources()},
          {"widgets", all_widgets().size()}});
 }
@@ -118,6 +181,48 @@ gboolean answer_dialog(gpointer) {
     responses.pop_front();
     gtk_dialog_response(GTK_DIALOG(dialog), response);
     return G_SOURCE_REMOVE;
+}
+
+/// False when there is no listener.
+bool select_first_listener() {
+    GtkTreeView* view =
+        GTK_TREE_VIEW(first_of(gtk_tree_view_get_type(), [](auto*) { return true; }));
+    GtkTreeIter first;
+    if (!gtk_tree_model_get_iter_first(gtk_tree_view_get_model(view), &first))
+        return false;
+    gtk_tree_selection_select_iter(gtk_tree_view_get_selection(view), &first);
+    return true;
+}
+
+void fill_in_registration() {
+    gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(button_named("I understand")), TRUE);
+    gtk_entry_set_text(GTK_ENTRY(entry_with_placeholder("Your email")), "ann@hilltop.example");
+}
+
+/// Presses a button once it is sensitive; it is not while its last action comes to an end.
+void press(const std::string& name) {
+    while (!gtk_widget_get_sensitive(button_named(name.c_str())))
+        gtk_main_iteration();
+    gtk_button_clicked(GTK_BUTTON(button_named(name.c_str())));
+}
+
+gboolean agree(gpointer done) {
+    GtkWidget* dialog = open_dialog();
+    if (!dialog)
+        return G_SOURCE_CONTINUE;
+    *static_cast<bool*>(done) = true;
+    gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_OK);
+    return G_SOURCE_REMOVE;
+}
+
+/// The same for a button that asks a question, which is accepted. Returns when the action is over.
+void press_and_agree(const std::string& name) {
+    bool agreed = false;
+    g_idle_add_full(G_PRIORITY_LOW, agree, &agreed, nullptr);
+    press(name);
+    // The question is asked from the main loop, and what follows it is done in there.
+    while (!agreed)
+        gtk_main_iteration();
 }
 
 long number_in(std::string_view text) {
@@ -156,13 +261,11 @@ void obey(std::string_view line) {
         gtk_entry_set_text(GTK_ENTRY(name_entry()), rest.c_str());
     else if (verb == "fill")
         fill_in_registration();
-    else if (verb == "press") {
-        wait_for_button(rest.c_str());
-        click(rest.c_str());
-    } else if (verb == "agree") {
-        wait_for_button(rest.c_str());
-        click_and_agree(rest.c_str());
-    } else if (verb == "page")
+    else if (verb == "press")
+        press(rest);
+    else if (verb == "agree")
+        press_and_agree(rest);
+    else if (verb == "page")
         turn_to_page(number_in(rest));
     else if (verb == "close")
         gtk_window_close(GTK_WINDOW(all_widgets().front()));
