@@ -2,17 +2,10 @@
 #include "app/station_owner.h"
 
 #include "support/no_sleep.h"
-#include "support/screen.h"
 #include "support/window_fixture.h"
-
-#include <fcntl.h>
-#include <poll.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
-#include <thread>
 
 namespace {
 
@@ -153,52 +146,6 @@ TEST_F(StationOwner, FinishesAPauseThatASignalCutShort) {
     const NoSleep sleep{true};
     EXPECT_TRUE(check_owner());
     EXPECT_EQ(sleep.pauses_ms(), (std::vector<long>{200, 100}));
-}
-
-/// A named pipe that is open at both ends, so that nobody waits for the other to open it.
-class Pipe {
-public:
-    explicit Pipe(const std::filesystem::path& path) {
-        EXPECT_EQ(::mkfifo(path.c_str(), 0600), 0);
-        descriptor_ = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
-        EXPECT_GE(descriptor_, 0);
-    }
-    ~Pipe() { ::close(descriptor_); }
-    Pipe(const Pipe&) = delete;
-    Pipe& operator=(const Pipe&) = delete;
-
-    /// Whether a line comes within a minute.
-    bool wait_for_line() const {
-        pollfd waiting{.fd = descriptor_, .events = POLLIN, .revents = 0};
-        return ::poll(&waiting, 1, 60'000) == 1;
-    }
-
-    void write_line() const { EXPECT_EQ(::write(descriptor_, "\n", 1), 1); }
-
-private:
-    int descriptor_ = -1;
-};
-
-TEST_F(StationOwner, TakesTheQuestionOffTheScreenBeforeTheCommandRuns) {
-    service.will_answer_state("{}");
-    const Pipe begun{commands.folder() / "begun"};
-    const Pipe looked{commands.folder() / "looked"};
-    commands.will_run("pkexec", "echo > \"$folder/begun\"; read -r line < \"$folder/looked\"");
-    unsigned long question = 0;
-    handle_next_dialog([&question](GtkDialog* dialog) {
-        question = screen_id_of(GTK_WIDGET(dialog));
-        EXPECT_TRUE(wait_until([question] { return is_on_screen(question); }));
-        gtk_dialog_response(dialog, GTK_RESPONSE_ACCEPT);
-    });
-    bool still_there = true;
-    std::jthread onlooker{[&] {
-        EXPECT_TRUE(begun.wait_for_line());
-        still_there = is_on_screen(question);
-        looked.write_line();
-    }};
-    EXPECT_TRUE(check_owner());
-    onlooker.join();
-    EXPECT_FALSE(still_there);
 }
 
 } // namespace

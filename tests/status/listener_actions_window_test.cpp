@@ -3,11 +3,8 @@
 
 #include "link/json_access.h"
 #include "status/listeners_table.h"
-#include "support/screen.h"
 #include "support/window_fixture.h"
 #include "ui/widgets/setters.h"
-
-#include <atomic>
 
 namespace {
 
@@ -153,24 +150,6 @@ TEST_F(ListenerActions, ActOnTheRowThatTheQuestionWasAbout) {
     EXPECT_EQ(json::parse(service.requests()[0].body), (json::value{{"address", "2001:db8::17"}}));
     EXPECT_EQ(json::parse(service.requests()[1].body), (json::value{{"number", 18}}));
     EXPECT_EQ(footer(), "Blocked 2001:db8::17.|good");
-}
-
-TEST_F(ListenerActions, TakeTheQuestionOffTheScreenBeforeTheServiceIsAsked) {
-    unsigned long question = 0;
-    std::atomic<bool> asked = false;
-    std::atomic<bool> still_there = true;
-    service.before_answering("POST", "/api/ban", [&] {
-        still_there = is_on_screen(question);
-        asked = true;
-    });
-    handle_next_dialog([&question](GtkDialog* dialog) {
-        question = screen_id_of(GTK_WIDGET(dialog));
-        EXPECT_TRUE(wait_until([question] { return is_on_screen(question); }));
-        gtk_dialog_response(dialog, GTK_RESPONSE_OK);
-    });
-    listener_action(true);
-    EXPECT_TRUE(asked);
-    EXPECT_FALSE(still_there);
 }
 
 TEST_F(ListenerActions, ShowAnAddressAsItIs) {

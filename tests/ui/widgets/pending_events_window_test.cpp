@@ -4,6 +4,8 @@
 #include "support/window_fixture.h"
 #include "ui/widgets/setters.h"
 
+#include <gdk/gdkx.h>
+
 namespace {
 
 using PendingEvents = WindowTest;
@@ -84,6 +86,19 @@ TEST_F(PendingEvents, ADestroyedDialogIsPaintedOverEvenWhereTheDisplayAsksForItL
     wait_until_uncovered();
     EXPECT_TRUE(painted);
     g_signal_handlers_disconnect_by_data(widgets.window, &painted);
+}
+
+TEST_F(PendingEvents, ADialogIsOffTheScreenWhenItHasBeenAnswered) {
+    unsigned long id = 0;
+    handle_next_dialog([&id](GtkDialog* dialog) {
+        id = gdk_x11_window_get_xid(gtk_widget_get_window(GTK_WIDGET(dialog)));
+        gtk_dialog_response(dialog, GTK_RESPONSE_CLOSE);
+    });
+    run_dialog({.text = "Well?", .stock_buttons = GTK_BUTTONS_CLOSE});
+    // The server is asked through a connection of its own, which waits for nothing of the first.
+    GdkDisplay* display = gdk_display_open(nullptr);
+    EXPECT_EQ(gdk_x11_window_foreign_new_for_display(display, id), nullptr);
+    gdk_display_close(display);
 }
 
 TEST_F(PendingEvents, RunPendingEventsRunsThemAllAndWaitsForNone) {
