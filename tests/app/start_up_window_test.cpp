@@ -5,7 +5,7 @@
 #include "link/build_constants.h"
 #include "link/json_access.h"
 #include "link/service_link.h"
-#include "support/no_patience.h"
+#include "support/no_waiting.h"
 #include "support/toplevels.h"
 #include "support/window_fixture.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/station_owner.h"
 
-#include "support/no_sleep.h"
+#include "support/no_waiting.h"
 #include "support/window_fixture.h"
 
 #include <filesystem>

@@ -5,8 +5,7 @@
 #include "receivers/find_devices.h"
 #include "status/listener_actions.h"
 #include "status/registration.h"
-#include "support/no_patience.h"
-#include "support/no_sleep.h"
+#include "support/no_waiting.h"
 #include "support/window_fixture.h"
 #include "ui/form.h"
 
@@ -25,7 +24,7 @@ protected:
     /// The time limits, in seconds, of the requests that an action makes.
     template <class Action> std::vector<int> limits_of(Action action) {
         service.stay_silent();
-        NoPatience no_patience;
+        const NoPatience no_patience;
         action();
         return no_patience.time_limits_s();
     }

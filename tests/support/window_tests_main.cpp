@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Entry point of the tests that need a display. They run in a session of their own (see
 // scripts/under-xvfb); a warning of the toolkit fails them.
-#include "support/stub_browser.h"
-
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
@@ -14,7 +12,8 @@ int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     if (GTEST_FLAG_GET(list_tests))
         return RUN_ALL_TESTS();
-    set_up_stub_browser();
+    // Set before any function of GLib: http addresses are for a command of that folder.
+    setenv("XDG_DATA_HOME", DESKTOP_FOLDER, 1);
     // The names of months, GTK's own buttons and dates do not depend on the user's locale.
     setenv("LC_ALL", "C.UTF-8", 1);
     unsetenv("LANGUAGE");

@@ -2,30 +2,41 @@
 #include "ui/station_link.h"
 
 #include "link/json_access.h"
-#include "support/stub_browser.h"
 #include "support/window_fixture.h"
+
+#ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/lsan_interface.h>
+#endif
 
 namespace {
 
 class StationPage : public WindowTest {
 protected:
-    std::string opened_address() {
-        EXPECT_TRUE(wait_until([this] { return !browser.opened().empty(); }));
-        return browser.opened();
+    StationPage() { commands.will_run("stub-browser", ""); }
+
+    /// The first call of the browser.
+    std::string opened() {
+        EXPECT_TRUE(wait_until([this] { return !commands.calls("stub-browser").empty(); }));
+        return commands.calls("stub-browser").front();
     }
-    StubBrowser browser{};
+
+#ifdef __SANITIZE_ADDRESS__
+    // GTK 3 never gives back the window's name that `gtk_show_uri_on_window` makes, and leaves no
+    // frame of its own that a suppression could name.
+    __lsan::ScopedDisabler gtk_leaks{};
+#endif
 };
 
 TEST_F(StationPage, IsOpenedAtPortZeroBeforeTheFirstLoad) {
     click(widgets.open_page_button);
-    EXPECT_EQ(opened_address(), "http://127.0.0.1:0/");
+    EXPECT_EQ(opened(), "stub-browser http://127.0.0.1:0/");
 }
 
 TEST_F(StationPage, IsOpenedAtTheSavedPort) {
     load(state_document());
     type_into("network.port", "9000"); // not saved
     click(widgets.open_page_button);
-    EXPECT_EQ(opened_address(), "http://127.0.0.1:8073/");
+    EXPECT_EQ(opened(), "stub-browser http://127.0.0.1:8073/");
 }
 
 TEST_F(StationPage, TakesOddPortsAsFarAsTheyAreNumbers) {
@@ -33,16 +44,18 @@ TEST_F(StationPage, TakesOddPortsAsFarAsTheyAreNumbers) {
         json::value port;
         const char* address;
     } cases[] = {
-        {8073.9, "http://127.0.0.1:8073/"},      {-1.5, "http://127.0.0.1:-1/"},
-        {"8073", "http://127.0.0.1:0/"},         {nullptr, "http://127.0.0.1:0/"},
-        {1e300, "http://127.0.0.1:2147483647/"},
+        {8073.9, "stub-browser http://127.0.0.1:8073/"},
+        {-1.5, "stub-browser http://127.0.0.1:-1/"},
+        {"8073", "stub-browser http://127.0.0.1:0/"},
+        {nullptr, "stub-browser http://127.0.0.1:0/"},
+        {1e300, "stub-browser http://127.0.0.1:2147483647/"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(json::serialize(c.port));
         load(with(state_document(), "settings.network.port", c.port));
-        browser.forget();
+        commands.forget_calls();
         open_station_page();
-        EXPECT_EQ(opened_address(), c.address);
+        EXPECT_EQ(opened(), c.address);
     }
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/widgets/pending_events.h"
 
+#include "support/no_waiting.h"
 #include "support/window_fixture.h"
 #include "ui/widgets/setters.h"
 
@@ -46,15 +47,8 @@ TEST_F(PendingEvents, DrawNowDrawsWhatWasJustWritten) {
 }
 
 TEST_F(PendingEvents, DrawNowDrawsAlsoWhereTheProgramWaitedForItsTurnForLong) {
-    const auto lose_the_turn = +[](gpointer) -> gboolean {
-        // The one busy wait among the tests: longer than draw_now waits for a frame.
-        const gint64 end = g_get_monotonic_time() + 3 * G_USEC_PER_SEC / 10;
-        while (g_get_monotonic_time() < end) {
-        }
-        return G_SOURCE_REMOVE;
-    };
     FrameCount frames{widgets.window};
-    g_idle_add_full(G_PRIORITY_HIGH, lose_the_turn, nullptr, nullptr);
+    run_when_loop_turns([] { skip_time(1); });
     draw_now();
     EXPECT_GT(frames.count(), 0);
 }
