@@ -87,29 +87,30 @@ protected:
 
 TEST_F(ReceiverRows, AreOneCardOfWordsWhenThereIsNoReceiver) {
     load(with(state_document(), "settings.receivers", json::array{}));
-    EXPECT_EQ(outline_of(widgets.receiver_rows_box), R"(box vertical 12 (receiver_rows_box)
-  box vertical .card
-    label "No receivers yet. Plug in your SDR and press <b>Find devices</b>." markup .muted [0 0 14 14]
+    EXPECT_EQ(outline_of(widgets.receiver_rows_box),
+              R"(GtkBox .vertical spacing=12 (receiver_rows_box)
+  GtkBox .card .vertical
+    GtkLabel "No receivers yet. Plug in your SDR and press Find devices." markup=No receivers yet. Plug in your SDR and press <b>Find devices</b>. .muted margin-top=14 margin-bottom=14
 )");
 }
 
 TEST_F(ReceiverRows, AreBuiltLikeThis) {
     load(without(state_document(), "settings.receivers.1"));
-    EXPECT_EQ(outline_of(card()), R"(box vertical .card
-  box horizontal 12 .row
-    box vertical 2 expands
-      label "<b>RSPdx</b>" markup
-      label "SDRplay receiver · serial 2305012345" .small
-    switch centred at end (share_switch)
-  box vertical 4 .details [0 0 0 12] (details_box)
-    box horizontal 8
-      label "Frequencies" one line ellipsised
-      spin 0 to 6000 by 0.001 digits 3 (low_spin)
-      label "to" one line
-      spin 0 to 6000 by 0.001 digits 3 (high_spin)
-      label "MHz" one line
-      menu at end
-    label "Covers 0.3 MHz of the 8 MHz this receiver can take at once." .small (coverage_label)
+    EXPECT_EQ(outline_of(card()), R"(GtkBox .card .vertical
+  GtkBox .horizontal .row spacing=12
+    GtkBox .vertical spacing=2 expand=TRUE
+      GtkLabel "RSPdx" markup=<b>RSPdx</b>
+      GtkLabel "SDRplay receiver · serial 2305012345" .small
+    GtkSwitch active=TRUE valign=center fill=FALSE pack-type=end (share_switch)
+  GtkBox .details .vertical spacing=4 margin-bottom=12 (details_box)
+    GtkBox .horizontal spacing=8
+      GtkLabel "Frequencies" wrap=FALSE ellipsize=end
+      GtkSpinButton 0 to 6000 by 0.001 .horizontal text="7.000" digits=3 (low_spin)
+      GtkLabel "to" wrap=FALSE
+      GtkSpinButton 0 to 6000 by 0.001 .horizontal text="7.300" digits=3 (high_spin)
+      GtkLabel "MHz" wrap=FALSE
+      GtkComboBoxText active=0 fill=FALSE pack-type=end
+    GtkLabel "Covers 0.3 MHz of the 8 MHz this receiver can take at once." .small (coverage_label)
 )");
     EXPECT_EQ(tooltip_of(receiver().share_switch), "Share this receiver with listeners");
     EXPECT_EQ(range(), "7.000-7.300");
@@ -136,8 +137,8 @@ TEST_F(ReceiverRows, ShowMarkupInNamesAsItIsAndWhoHoldsTheDevice) {
 TEST_F(ReceiverRows, OfferNoFrequenciesForAReceiverThatTakesAllOfHf) {
     load(only(receiver_setting("rx888", 1e6, 2e6)));
     EXPECT_EQ(outline_of(receiver().details_box),
-              R"(box vertical 4 .details [0 0 0 12] (details_box)
-  label "Covers all of HF, 0 to 30 MHz." .muted
+              R"(GtkBox .details .vertical spacing=4 margin-bottom=12 (details_box)
+  GtkLabel "Covers all of HF, 0 to 30 MHz." .muted
 )");
     EXPECT_NE(receiver().share_switch, nullptr);
     EXPECT_EQ(receiver().low_spin, nullptr);

@@ -22,27 +22,31 @@ std::vector<GtkWidget*> receiver_rows() {
 
 /// A row in the outline, its parts one per line.
 std::string row(const std::vector<std::string>& parts) {
-    std::string outline = "box horizontal 10 .row\n";
+    std::string outline = "GtkBox .horizontal .row spacing=10\n";
     for (const std::string& part : parts)
         outline.append("  ").append(part).append("\n");
     return outline;
 }
 
-const std::string open_mark = "label \"○\" one line .muted";
-const std::string done_mark = "label \"✓\" one line .good";
-const std::string go_there = "button \"Go there →\" .link";
+const std::string open_mark = "GtkLabel \"○\" .muted wrap=FALSE";
+const std::string done_mark = "GtkLabel \"✓\" .good wrap=FALSE";
+const std::string go_there = "GtkButton .link .text-button label=\"Go there →\"";
 
-std::string words(const std::string& text) {
-    const bool marked_up = text.find('<') != text.npos;
-    return "label \"" + text + (marked_up ? "\" markup expands" : "\" expands");
+std::string words(const std::string& markup) {
+    char* text = nullptr;
+    EXPECT_TRUE(pango_parse_markup(markup.c_str(), -1, 0, nullptr, &text, nullptr, nullptr));
+    const bool plain = markup == text;
+    const std::string line = "GtkLabel \"" + std::string{text} + "\"";
+    g_free(text);
+    return line + (plain ? "" : " markup=" + markup) + " expand=TRUE";
 }
 
 std::string dot(const std::string& status_class) {
-    return "label \"●\" one line ." + status_class;
+    return "GtkLabel \"●\" ." + status_class + " wrap=FALSE";
 }
 
 std::string origin(const std::string& text) {
-    return "label \"" + text + "\" one line .small";
+    return "GtkLabel \"" + text + "\" .small wrap=FALSE";
 }
 
 /// A station that has done nothing yet.
@@ -173,7 +177,7 @@ TEST_F(OverviewPage, OffersToChooseReceiversWhereNoneRunsOrWasStarted) {
     ASSERT_EQ(receiver_rows().size(), 1U);
     EXPECT_EQ(outline_of(receiver_rows()[0]),
               row({words("<span foreground=\"#B0C6DA\">No receiver is on the air yet.</span>"),
-                   "button \"Choose receivers →\" .link"}));
+                   "GtkButton .link .text-button label=\"Choose receivers →\""}));
     click(find_button(widgets.on_air_box, "Choose receivers →"));
     EXPECT_EQ(page_shown(), "receivers");
     poll(with(bare_station(), "status.started", json::array{{{"running", true}}}));

@@ -2,148 +2,147 @@
 #include "support/widget_outline.h"
 
 #include "support/window_fixture.h"
-
-#include <algorithm>
-#include <iterator>
+#include "ui/field_rules.h"
+#include "ui/widgets/setters.h"
 
 namespace {
 
-/// The style classes of the program; GTK adds some of its own.
-constexpr const char* our_classes[] = {"brand", "card",   "card-title", "details",    "dot",
-                                       "error", "footer", "good",       "header",     "invalid",
-                                       "link",  "mode",   "muted",      "page-title", "primary",
-                                       "row",   "small",  "textbox",    "title",      "warning"};
+/// A property of a class and the value of it that the outline leaves out.
+struct Property {
+    GType type;
+    const char* name;
+    const char* usual;
+};
 
-std::string number_text(double number) {
-    char text[64];
-    g_snprintf(text, sizeof text, "%.15g", number);
+const std::vector<Property>& properties() {
+    static const std::vector<Property> all = {
+        {GTK_TYPE_LABEL, "wrap", "TRUE"},
+        {GTK_TYPE_LABEL, "ellipsize", "none"},
+        {GTK_TYPE_LABEL, "lines", "-1"},
+        {GTK_TYPE_LABEL, "xalign", "0.000000"},
+        {GTK_TYPE_BUTTON, "label", "\"\""},
+        {GTK_TYPE_LINK_BUTTON, "uri", "\"\""},
+        {GTK_TYPE_TOGGLE_BUTTON, "active", "FALSE"},
+        {GTK_TYPE_SWITCH, "active", "FALSE"},
+        {GTK_TYPE_COMBO_BOX, "active", ""},
+        {GTK_TYPE_ENTRY, "text", "\"\""},
+        {GTK_TYPE_ENTRY, "placeholder-text", "\"\""},
+        {GTK_TYPE_ENTRY, "max-length", "0"},
+        {GTK_TYPE_SPIN_BUTTON, "digits", "0"},
+        {GTK_TYPE_TEXT_VIEW, "wrap-mode", "word-char"},
+        {GTK_TYPE_TEXT_VIEW, "accepts-tab", "FALSE"},
+        {GTK_TYPE_SCROLLED_WINDOW, "hscrollbar-policy", "never"},
+        {GTK_TYPE_SCROLLED_WINDOW, "vscrollbar-policy", "automatic"},
+        {GTK_TYPE_EXPANDER, "expanded", "FALSE"},
+        {GTK_TYPE_BOX, "spacing", "0"},
+        {GTK_TYPE_WIDGET, "margin-start", "0"},
+        {GTK_TYPE_WIDGET, "margin-end", "0"},
+        {GTK_TYPE_WIDGET, "margin-top", "0"},
+        {GTK_TYPE_WIDGET, "margin-bottom", "0"},
+        {GTK_TYPE_WIDGET, "width-request", "-1"},
+        {GTK_TYPE_WIDGET, "height-request", "-1"},
+        {GTK_TYPE_WIDGET, "valign", "fill"},
+        {GTK_TYPE_WIDGET, "visible", "TRUE"},
+        {GTK_TYPE_WIDGET, "sensitive", "TRUE"},
+    };
+    return all;
+}
+
+/// The same for the properties that a box has for each of its children.
+const std::vector<Property>& child_properties() {
+    static const std::vector<Property> all = {{GTK_TYPE_BOX, "expand", "FALSE"},
+                                              {GTK_TYPE_BOX, "fill", "TRUE"},
+                                              {GTK_TYPE_BOX, "padding", "0"},
+                                              {GTK_TYPE_BOX, "pack-type", "start"}};
+    return all;
+}
+
+/// The text of a value, which ends with this call.
+std::string text_and_end_of(GValue& value) {
+    std::string text;
+    if (G_VALUE_HOLDS_ENUM(&value)) {
+        auto* values = static_cast<GEnumClass*>(g_type_class_peek(G_VALUE_TYPE(&value)));
+        text = g_enum_get_value(values, g_value_get_enum(&value))->value_nick;
+    } else {
+        GValue transformed = G_VALUE_INIT;
+        g_value_init(&transformed, G_TYPE_STRING);
+        g_value_transform(&value, &transformed);
+        const char* letters = g_value_get_string(&transformed);
+        const char* quote = G_VALUE_HOLDS_STRING(&value) ? "\"" : "";
+        text = std::string{quote} + (letters ? letters : "") + quote;
+        g_value_unset(&transformed);
+    }
+    g_value_unset(&value);
     return text;
 }
 
-std::string quoted(const char* text) {
-    return std::string{"\""} + (text ? text : "") + "\"";
-}
-
-std::string label_line(GtkLabel* label) {
-    const std::string written = gtk_label_get_label(label);
-    const bool marked_up = gtk_label_get_use_markup(label) && written.find('<') != written.npos;
-    std::string line = "label " + quoted(marked_up ? written.c_str() : gtk_label_get_text(label));
-    if (marked_up)
-        line += " markup";
-    if (!gtk_label_get_line_wrap(label))
-        line += " one line";
-    if (gtk_label_get_ellipsize(label) != PANGO_ELLIPSIZE_NONE)
-        line += " ellipsised";
-    if (gtk_label_get_lines(label) > 0)
-        line += " at most " + std::to_string(gtk_label_get_lines(label)) + " lines";
-    if (gtk_label_get_xalign(label) > 0)
-        line += " not left";
+std::string properties_line(GtkWidget* widget) {
+    std::string line;
+    const auto add = [&line](const Property& property, GValue& value) {
+        if (const std::string text = text_and_end_of(value); text != property.usual)
+            line += std::string{" "} + property.name + "=" + text;
+    };
+    for (const Property& property : properties()) {
+        if (!G_TYPE_CHECK_INSTANCE_TYPE(widget, property.type))
+            continue;
+        GValue value = G_VALUE_INIT;
+        g_object_get_property(G_OBJECT(widget), property.name, &value);
+        add(property, value);
+    }
+    GtkWidget* parent = gtk_widget_get_parent(widget);
+    for (const Property& property : child_properties()) {
+        if (!parent || !G_TYPE_CHECK_INSTANCE_TYPE(parent, property.type))
+            continue;
+        GParamSpec* kind =
+            gtk_container_class_find_child_property(G_OBJECT_GET_CLASS(parent), property.name);
+        GValue value = G_VALUE_INIT;
+        g_value_init(&value, kind->value_type);
+        gtk_container_child_get_property(GTK_CONTAINER(parent), widget, property.name, &value);
+        add(property, value);
+    }
     return line;
 }
 
-std::string entry_line(GtkEntry* entry) {
-    const char* placeholder = gtk_entry_get_placeholder_text(entry);
-    std::string line = "entry " + quoted(placeholder);
-    if (gtk_entry_get_max_length(entry) > 0)
-        line += " at most " + std::to_string(gtk_entry_get_max_length(entry));
-    return line;
-}
-
-std::string spin_line(GtkSpinButton* spin) {
-    double low = 0;
-    double high = 0;
-    double step = 0;
-    gtk_spin_button_get_range(spin, &low, &high);
-    gtk_spin_button_get_increments(spin, &step, nullptr);
-    std::string line =
-        "spin " + number_text(low) + " to " + number_text(high) + " by " + number_text(step);
-    if (gtk_spin_button_get_digits(spin) > 0)
-        line += " digits " + std::to_string(gtk_spin_button_get_digits(spin));
-    return line;
-}
-
-std::string box_line(GtkWidget* box) {
-    std::string line = "box ";
-    line += gtk_orientable_get_orientation(GTK_ORIENTABLE(box)) == GTK_ORIENTATION_VERTICAL
-                ? "vertical"
-                : "horizontal";
-    if (const int spacing = gtk_box_get_spacing(GTK_BOX(box)))
-        line += " " + std::to_string(spacing);
-    return line;
-}
-
-std::string columns_line(GtkTreeView* table) {
-    std::string line = "table";
+/// A column as its title, a row as its cells.
+std::string table_line(GtkTreeView* table) {
+    std::string line;
     GList* columns = gtk_tree_view_get_columns(table);
     for (GList* item = columns; item; item = item->next) {
         GtkTreeViewColumn* column = GTK_TREE_VIEW_COLUMN(item->data);
-        line += " " + quoted(gtk_tree_view_column_get_title(column));
-        if (gtk_tree_view_column_get_expand(column))
-            line += " expands";
+        line += std::string{" | "} + gtk_tree_view_column_get_title(column) +
+                (gtk_tree_view_column_get_expand(column) ? " (expands)" : "");
     }
     g_list_free(columns);
+    GtkTreeModel* model = gtk_tree_view_get_model(table);
+    GtkTreeIter iter;
+    for (gboolean more = gtk_tree_model_get_iter_first(model, &iter); more;
+         more = gtk_tree_model_iter_next(model, &iter)) {
+        for (int column = 0; column < gtk_tree_model_get_n_columns(model); ++column) {
+            GValue value = G_VALUE_INIT;
+            gtk_tree_model_get_value(model, &iter, column, &value);
+            line += (column ? ", " : " | ") + text_and_end_of(value);
+        }
+    }
     return line;
 }
 
-std::string text_view_line(GtkTextView* view) {
-    std::string line = "text view";
-    if (gtk_text_view_get_wrap_mode(view) != GTK_WRAP_WORD_CHAR)
-        line += " that breaks no long words";
-    if (gtk_text_view_get_accepts_tab(view))
-        line += " that takes Tab";
-    return line;
-}
-
-std::string scrolled_line(GtkScrolledWindow* scrolled) {
-    GtkPolicyType horizontal = GTK_POLICY_ALWAYS;
-    GtkPolicyType vertical = GTK_POLICY_ALWAYS;
-    gtk_scrolled_window_get_policy(scrolled, &horizontal, &vertical);
-    const bool up_and_down = horizontal == GTK_POLICY_NEVER && vertical == GTK_POLICY_AUTOMATIC;
-    return up_and_down ? "scrolled" : "scrolled every way";
-}
-
-/// The widget itself, without its place; `is_whole` when what is below it does not count.
-std::string kind_line(GtkWidget* widget, bool& is_whole) {
-    is_whole = true;
-    if (GTK_IS_LABEL(widget))
-        return label_line(GTK_LABEL(widget));
-    if (GTK_IS_SWITCH(widget))
-        return "switch";
-    if (GTK_IS_SPIN_BUTTON(widget))
-        return spin_line(GTK_SPIN_BUTTON(widget));
-    if (GTK_IS_ENTRY(widget))
-        return entry_line(GTK_ENTRY(widget));
-    if (GTK_IS_LINK_BUTTON(widget))
-        return "link " + quoted(gtk_link_button_get_uri(GTK_LINK_BUTTON(widget)));
-    if (GTK_IS_CHECK_BUTTON(widget))
-        return "check " + quoted(gtk_button_get_label(GTK_BUTTON(widget)));
-    if (GTK_IS_TOGGLE_BUTTON(widget))
-        return "toggle " + quoted(gtk_button_get_label(GTK_BUTTON(widget)));
-    if (GTK_IS_BUTTON(widget))
-        return "button " + quoted(gtk_button_get_label(GTK_BUTTON(widget)));
-    if (GTK_IS_COMBO_BOX(widget))
-        return "menu";
-    if (GTK_IS_SEPARATOR(widget))
-        return "separator";
+/// What no property says.
+std::string content_line(GtkWidget* widget) {
+    if (GTK_IS_LABEL(widget)) {
+        const std::string text = text_of(widget);
+        const std::string written = markup_of(widget);
+        return " \"" + text + "\"" +
+               (written.find('<') == written.npos ? "" : " markup=" + written);
+    }
+    if (GTK_IS_SPIN_BUTTON(widget)) {
+        GtkAdjustment* range = gtk_spin_button_get_adjustment(GTK_SPIN_BUTTON(widget));
+        return " " + decimal_text(gtk_adjustment_get_lower(range), 0) + " to " +
+               decimal_text(gtk_adjustment_get_upper(range), 0) + " by " +
+               decimal_text(gtk_adjustment_get_step_increment(range), 3);
+    }
     if (GTK_IS_TREE_VIEW(widget))
-        return columns_line(GTK_TREE_VIEW(widget));
-    if (GTK_IS_TEXT_VIEW(widget))
-        return text_view_line(GTK_TEXT_VIEW(widget));
-    if (GTK_IS_STACK_SIDEBAR(widget))
-        return "sidebar";
-    is_whole = false;
-    if (GTK_IS_BOX(widget))
-        return box_line(widget);
-    if (GTK_IS_SCROLLED_WINDOW(widget))
-        return scrolled_line(GTK_SCROLLED_WINDOW(widget));
-    if (GTK_IS_VIEWPORT(widget))
-        return "viewport";
-    if (GTK_IS_STACK(widget))
-        return "stack";
-    if (GTK_IS_EXPANDER(widget))
-        return (gtk_expander_get_expanded(GTK_EXPANDER(widget)) ? "open expander " : "expander ") +
-               quoted(gtk_expander_get_label(GTK_EXPANDER(widget)));
-    return G_OBJECT_TYPE_NAME(widget);
+        return table_line(GTK_TREE_VIEW(widget));
+    return GTK_IS_TEXT_VIEW(widget) ? " \"" + text_of_view(widget) + "\"" : "";
 }
 
 /// The settings key of a field, and in brackets the handle that is kept of a widget.
@@ -189,74 +188,26 @@ std::string name_line(GtkWidget* widget) {
     return line;
 }
 
-std::string style_line(GtkWidget* widget) {
-    std::string line;
+std::string line_of(GtkWidget* widget) {
+    std::string line = G_OBJECT_TYPE_NAME(widget) + content_line(widget);
     for (const std::string& name : classes_of(widget))
-        if (std::find(std::begin(our_classes), std::end(our_classes), name) !=
-            std::end(our_classes))
-            line += " ." + name;
-    return line;
-}
-
-std::string place_line(GtkWidget* widget) {
-    std::string line;
-    const int margins[] = {gtk_widget_get_margin_start(widget), gtk_widget_get_margin_end(widget),
-                           gtk_widget_get_margin_top(widget), gtk_widget_get_margin_bottom(widget)};
-    if (std::any_of(std::begin(margins), std::end(margins), [](int margin) { return margin; })) {
-        for (const int margin : margins)
-            line += (line.empty() ? " [" : " ") + std::to_string(margin);
-        line += "]";
-    }
-    int width = -1;
-    int height = -1;
-    gtk_widget_get_size_request(widget, &width, &height);
-    if (width >= 0)
-        line += " width " + std::to_string(width);
-    if (height >= 0)
-        line += " height " + std::to_string(height);
-    if (gtk_widget_get_valign(widget) == GTK_ALIGN_CENTER)
-        line += " centred";
-    GtkWidget* parent = gtk_widget_get_parent(widget);
-    if (parent && GTK_IS_BOX(parent)) {
-        gboolean expand = FALSE;
-        gboolean fill = FALSE;
-        guint padding = 0;
-        GtkPackType end = GTK_PACK_START;
-        gtk_box_query_child_packing(GTK_BOX(parent), widget, &expand, &fill, &padding, &end);
-        if (expand)
-            line += fill ? " expands" : " expands unfilled";
-        if (padding > 0)
-            line += " padding " + std::to_string(padding);
-        if (end == GTK_PACK_END)
-            line += " at end";
-    }
-    if (!gtk_widget_get_visible(widget))
-        line += " hidden";
-    if (!gtk_widget_get_sensitive(widget))
-        line += " insensitive";
-    return line;
-}
-
-std::string line_of(GtkWidget* widget, bool& is_whole) {
-    return kind_line(widget, is_whole) + style_line(widget) + place_line(widget) +
-           name_line(widget);
+        line += " ." + name;
+    return line + properties_line(widget) + name_line(widget);
 }
 
 void add_outline(GtkWidget* widget, std::size_t depth, std::string& outline) {
-    bool is_whole = false;
-    std::string line = line_of(widget, is_whole);
+    std::string line = line_of(widget);
     std::vector<GtkWidget*> below;
-    if (!is_whole && GTK_IS_CONTAINER(widget))
+    if (GTK_IS_CONTAINER(widget) && !GTK_IS_BUTTON(widget) && !GTK_IS_COMBO_BOX(widget) &&
+        !GTK_IS_TREE_VIEW(widget) && !GTK_IS_STACK_SIDEBAR(widget))
         below = children_of(widget);
-    if (GTK_IS_EXPANDER(widget))
-        std::erase(below, gtk_expander_get_label_widget(GTK_EXPANDER(widget)));
     // A row of a card with its label and hint, as add_row makes them, is one line.
-    constexpr std::string_view row = "box horizontal 18 .row";
+    constexpr std::string_view row = "GtkBox .horizontal .row spacing=18";
     if (line.starts_with(row) &&
-        line_of(below.front(), is_whole) == "box vertical 2 centred expands") {
+        line_of(below.front()) == "GtkBox .vertical spacing=2 valign=center expand=TRUE") {
         line.replace(0, row.size(), "row");
         for (GtkWidget* label : children_of(below.front()))
-            line += " | " + line_of(label, is_whole);
+            line += " | " + line_of(label);
         below.erase(below.begin());
     }
     outline.append(depth * 2, ' ').append(line).append("\n");

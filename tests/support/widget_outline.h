@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-// A tree of widgets as text, to be compared with what it should be.
+// A tree of widgets as text, to be compared with what it should be or with what it was.
 //
-// One line for each widget, deeper ones further in, with only what differs from GTK's defaults:
-//     box vertical 14 [26 26 20 26]           spacing, and margins: start, end, top, bottom
-//       label "Overview" .page-title          text as written, wrapped unless it says "one line"
-//       box vertical .card
-//         separator
-//         button "Copy link" at end
-// What a button, an entry or another control is made of is left out.
+// One line for each widget, deeper ones further in: its class, its text, its style classes, the
+// properties whose value is not the usual one, and what the program calls it:
+//     GtkBox .card .vertical
+//       GtkLabel "Listening now" .card-title margin-top=12 margin-bottom=8 (listeners_title)
+//       GtkButton .text-button label="End session" sensitive=FALSE (end_session_button)
+//       GtkEntry placeholder-text="K1ABC" width-request=320 = station.callsign
+// What a button or another control is made of is left out.
 #pragma once
 
 #include <gtk/gtk.h>

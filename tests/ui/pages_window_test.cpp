@@ -25,177 +25,178 @@ std::string outline_of_page(const char* name) {
 }
 
 TEST_F(Pages, OverviewHoldsItsCardsInOrder) {
-    EXPECT_EQ(outline_of_page("overview"), with_host(R"(scrolled
-  viewport
-    box vertical 14 [26 26 20 26]
-      label "Overview" .page-title
-      box vertical .card (getting_started_card)
-        label "Getting started" .card-title [0 0 12 2]
-        box vertical [0 0 0 6] (getting_started_box)
-      box vertical .card
-        label "On the air" .card-title [0 0 12 2]
-        box horizontal 8 .row (station_link_row)
-          label "Station page"
-          link "about:blank" .link (station_link)
-          button "Copy link" at end (copy_link_button)
-        box vertical [0 0 0 6] (on_air_box)
-      box vertical .card
-        label "Listening now" .card-title [0 0 12 8] (listeners_title)
-        scrolled every way height 150 (listeners_scroll)
-          table "#" "Address" "Tuned to" expands "Time" (listeners_view)
-        label "Nobody is listening right now." .muted [0 0 6 6] (listeners_empty)
-        box horizontal 8 [0 0 10 12]
-          button "End session" insensitive (end_session_button)
-          button "Block address…" insensitive (block_button)
-          label "Select a listener to end their session or block them." one line ellipsised .small at end
+    EXPECT_EQ(outline_of_page("overview"), with_host(R"(GtkScrolledWindow
+  GtkViewport .frame
+    GtkBox .vertical spacing=14 margin-start=26 margin-end=26 margin-top=20 margin-bottom=26
+      GtkLabel "Overview" .page-title
+      GtkBox .card .vertical (getting_started_card)
+        GtkLabel "Getting started" .card-title margin-top=12 margin-bottom=2
+        GtkBox .vertical margin-bottom=6 (getting_started_box)
+      GtkBox .card .vertical
+        GtkLabel "On the air" .card-title margin-top=12 margin-bottom=2
+        GtkBox .horizontal .row spacing=8 (station_link_row)
+          GtkLabel "Station page"
+          GtkLinkButton .flat .link .text-button label="about:blank" uri="about:blank" (station_link)
+          GtkButton .text-button label="Copy link" fill=FALSE pack-type=end (copy_link_button)
+        GtkBox .vertical margin-bottom=6 (on_air_box)
+      GtkBox .card .vertical
+        GtkLabel "Listening now" .card-title margin-top=12 margin-bottom=8 (listeners_title)
+        GtkScrolledWindow hscrollbar-policy=automatic height-request=150 (listeners_scroll)
+          GtkTreeView | # | Address | Tuned to (expands) | Time .view (listeners_view)
+        GtkLabel "Nobody is listening right now." .muted margin-top=6 margin-bottom=6 (listeners_empty)
+        GtkBox .horizontal spacing=8 margin-top=10 margin-bottom=12
+          GtkButton .text-button label="End session" sensitive=FALSE (end_session_button)
+          GtkButton .text-button label="Block address…" sensitive=FALSE (block_button)
+          GtkLabel "Select a listener to end their session or block them." .small wrap=FALSE ellipsize=end fill=FALSE pack-type=end
 )"));
 }
 
 TEST_F(Pages, StationHoldsItsCardsInOrder) {
-    EXPECT_EQ(outline_of_page("station"), with_host(R"(scrolled
-  viewport
-    box vertical 14 [26 26 20 26]
-      label "Station" .page-title
-      label "How your station appears on its page and on the station list." .muted
-      box vertical .card
-        label "About the station" .card-title [0 0 12 2]
-        row | label "Station name"
-          entry "Hilltop SDR" width 320 centred at end = station.name
-        separator
-        row | label "Callsign" | label "Leave empty if you do not have one." .small
-          entry "K1ABC" width 320 centred at end = station.callsign
-        separator
-        row | label "Operator"
-          entry "Your name" width 320 centred at end = station.operator
-        separator
-        row | label "Location" | label "Town, region and country. Shown on the list." .small
-          entry "Asheville, North Carolina, USA" width 320 centred at end = station.location
-        separator
-        row | label "Grid square" | label "" .small (grid_hint)
-          entry "EM95" at most 6 width 320 centred at end = station.grid (grid_entry)
-        separator
-        row | label "Antenna"
-          entry "80 m end-fed, 12 m up" width 320 centred at end = station.antenna
-        separator
-        row | label "Contact" | label "A web page or email address for listeners." .small
-          entry "https://…" width 320 centred at end = station.contact
-      box vertical .card
-        label "For listeners" .card-title [0 0 12 2]
-        label "Description, shown on the station page and the list" .small [0 0 8 6]
-        box vertical .textbox [0 0 0 12]
-          text view height 80 expands (description_view)
-        row | label "Message on the station page" | label "A short notice, for example planned downtime." .small
-          entry "" width 320 centred at end = station.banner
+    EXPECT_EQ(outline_of_page("station"), with_host(R"(GtkScrolledWindow
+  GtkViewport .frame
+    GtkBox .vertical spacing=14 margin-start=26 margin-end=26 margin-top=20 margin-bottom=26
+      GtkLabel "Station" .page-title
+      GtkLabel "How your station appears on its page and on the station list." .muted
+      GtkBox .card .vertical
+        GtkLabel "About the station" .card-title margin-top=12 margin-bottom=2
+        row | GtkLabel "Station name"
+          GtkEntry placeholder-text="Hilltop SDR" width-request=320 valign=center fill=FALSE pack-type=end = station.name
+        GtkSeparator .horizontal
+        row | GtkLabel "Callsign" | GtkLabel "Leave empty if you do not have one." .small
+          GtkEntry placeholder-text="K1ABC" width-request=320 valign=center fill=FALSE pack-type=end = station.callsign
+        GtkSeparator .horizontal
+        row | GtkLabel "Operator"
+          GtkEntry placeholder-text="Your name" width-request=320 valign=center fill=FALSE pack-type=end = station.operator
+        GtkSeparator .horizontal
+        row | GtkLabel "Location" | GtkLabel "Town, region and country. Shown on the list." .small
+          GtkEntry placeholder-text="Asheville, North Carolina, USA" width-request=320 valign=center fill=FALSE pack-type=end = station.location
+        GtkSeparator .horizontal
+        row | GtkLabel "Grid square" | GtkLabel "" .small (grid_hint)
+          GtkEntry placeholder-text="EM95" max-length=6 width-request=320 valign=center fill=FALSE pack-type=end = station.grid (grid_entry)
+        GtkSeparator .horizontal
+        row | GtkLabel "Antenna"
+          GtkEntry placeholder-text="80 m end-fed, 12 m up" width-request=320 valign=center fill=FALSE pack-type=end = station.antenna
+        GtkSeparator .horizontal
+        row | GtkLabel "Contact" | GtkLabel "A web page or email address for listeners." .small
+          GtkEntry placeholder-text="https://…" width-request=320 valign=center fill=FALSE pack-type=end = station.contact
+      GtkBox .card .vertical
+        GtkLabel "For listeners" .card-title margin-top=12 margin-bottom=2
+        GtkLabel "Description, shown on the station page and the list" .small margin-top=8 margin-bottom=6
+        GtkBox .textbox .vertical margin-bottom=12
+          GtkTextView "" .view height-request=80 expand=TRUE (description_view)
+        row | GtkLabel "Message on the station page" | GtkLabel "A short notice, for example planned downtime." .small
+          GtkEntry width-request=320 valign=center fill=FALSE pack-type=end = station.banner
 )"));
 }
 
 TEST_F(Pages, ReceiversHoldsItsCardsInOrder) {
-    EXPECT_EQ(outline_of_page("receivers"), with_host(R"(scrolled
-  viewport
-    box vertical 14 [26 26 20 26]
-      label "Receivers" .page-title
-      label "Choose which receivers listeners can use and the frequencies each one covers." .muted
-      box vertical 12 (receiver_rows_box)
-      box horizontal 12
-        button "Find devices" (find_devices_button)
-        label "" .small expands (receivers_status)
-      box vertical .card
-        row | label "Share Dialhouse's receivers too" | label "Receivers Dialhouse runs on this computer stay as they are; listeners tune inside what they cover." .small
-          switch centred at end = attach
+    EXPECT_EQ(outline_of_page("receivers"), with_host(R"(GtkScrolledWindow
+  GtkViewport .frame
+    GtkBox .vertical spacing=14 margin-start=26 margin-end=26 margin-top=20 margin-bottom=26
+      GtkLabel "Receivers" .page-title
+      GtkLabel "Choose which receivers listeners can use and the frequencies each one covers." .muted
+      GtkBox .vertical spacing=12 (receiver_rows_box)
+      GtkBox .horizontal spacing=12
+        GtkButton .text-button label="Find devices" (find_devices_button)
+        GtkLabel "" .small expand=TRUE (receivers_status)
+      GtkBox .card .vertical
+        row | GtkLabel "Share Dialhouse's receivers too" | GtkLabel "Receivers Dialhouse runs on this computer stay as they are; listeners tune inside what they cover." .small
+          GtkSwitch valign=center fill=FALSE pack-type=end = attach
 )"));
 }
 
 TEST_F(Pages, ListenersHoldsItsCardsInOrder) {
-    EXPECT_EQ(outline_of_page("listeners"), with_host(R"(scrolled
-  viewport
-    box vertical 14 [26 26 20 26]
-      label "Listeners" .page-title
-      label "How many people can listen, for how long, and what they may use." .muted
-      box vertical .card
-        label "Places and time" .card-title [0 0 12 2]
-        row | label "Listeners at once" | label "" .small (upload_estimate)
-          spin 1 to 200 by 1 centred at end = listeners.max (max_listeners_spin)
-        separator
-        row | label "Listeners from one address" | label "Stops one visitor from taking every place." .small
-          spin 1 to 20 by 1 centred at end = listeners.per_address
-        separator
-        row | label "Session length" | label "Minutes before a session ends. 0 means no limit." .small
-          spin 0 to 1440 by 1 centred at end = listeners.session_minutes
-        separator
-        row | label "Wait before listening again" | label "Minutes after a session ends before the same address can return." .small
-          spin 0 to 1440 by 1 centred at end = listeners.cooldown_minutes
-        separator
-        row | label "Ask “Still listening?” after" | label "Minutes without touching a control. Nobody answering frees the place." .small
-          spin 1 to 1440 by 1 centred at end = listeners.idle_minutes
-      box vertical .card
-        label "Modes" .card-title [0 0 12 2]
-        row | label "Modes listeners may choose"
-          box horizontal centred at end
-            toggle "USB" .mode (mode_buttons[0])
-            toggle "LSB" .mode (mode_buttons[1])
-            toggle "CW" .mode (mode_buttons[2])
-            toggle "AM" .mode (mode_buttons[3])
-            toggle "FM" .mode (mode_buttons[4])
-      box vertical .card
-        label "Broadcast bands" .card-title [0 0 12 2]
-        row | label "No FM broadcast audio" | label "87.5 to 108 MHz. The waterfall still shows the band." .small
-          switch centred at end = content.block_fm_broadcast
-        separator
-        row | label "No AM broadcast audio" | label "530 to 1700 kHz." .small
-          switch centred at end = content.block_am_broadcast
-        label "Rebroadcasting commercial stations online can raise copyright questions in some countries. It is your choice." .small [0 0 0 12]
-      box vertical .card
-        label "Blocked addresses" .card-title [0 0 12 2]
-        label "One per line: an address such as 203.0.113.7, or a range such as 203.0.113.0/24." .small [0 0 0 6]
-        box vertical .textbox [0 0 0 12]
-          text view height 70 expands (banned_view)
+    EXPECT_EQ(outline_of_page("listeners"), with_host(R"(GtkScrolledWindow
+  GtkViewport .frame
+    GtkBox .vertical spacing=14 margin-start=26 margin-end=26 margin-top=20 margin-bottom=26
+      GtkLabel "Listeners" .page-title
+      GtkLabel "How many people can listen, for how long, and what they may use." .muted
+      GtkBox .card .vertical
+        GtkLabel "Places and time" .card-title margin-top=12 margin-bottom=2
+        row | GtkLabel "Listeners at once" | GtkLabel "" .small (upload_estimate)
+          GtkSpinButton 1 to 200 by 1.000 .horizontal text="1" valign=center fill=FALSE pack-type=end = listeners.max (max_listeners_spin)
+        GtkSeparator .horizontal
+        row | GtkLabel "Listeners from one address" | GtkLabel "Stops one visitor from taking every place." .small
+          GtkSpinButton 1 to 20 by 1.000 .horizontal text="1" valign=center fill=FALSE pack-type=end = listeners.per_address
+        GtkSeparator .horizontal
+        row | GtkLabel "Session length" | GtkLabel "Minutes before a session ends. 0 means no limit." .small
+          GtkSpinButton 0 to 1440 by 1.000 .horizontal text="0" valign=center fill=FALSE pack-type=end = listeners.session_minutes
+        GtkSeparator .horizontal
+        row | GtkLabel "Wait before listening again" | GtkLabel "Minutes after a session ends before the same address can return." .small
+          GtkSpinButton 0 to 1440 by 1.000 .horizontal text="0" valign=center fill=FALSE pack-type=end = listeners.cooldown_minutes
+        GtkSeparator .horizontal
+        row | GtkLabel "Ask “Still listening?” after" | GtkLabel "Minutes without touching a control. Nobody answering frees the place." .small
+          GtkSpinButton 1 to 1440 by 1.000 .horizontal text="1" valign=center fill=FALSE pack-type=end = listeners.idle_minutes
+      GtkBox .card .vertical
+        GtkLabel "Modes" .card-title margin-top=12 margin-bottom=2
+        row | GtkLabel "Modes listeners may choose"
+          GtkBox .horizontal valign=center fill=FALSE pack-type=end
+            GtkToggleButton .mode .text-button .toggle label="USB" (mode_buttons[0])
+            GtkToggleButton .mode .text-button .toggle label="LSB" (mode_buttons[1])
+            GtkToggleButton .mode .text-button .toggle label="CW" (mode_buttons[2])
+            GtkToggleButton .mode .text-button .toggle label="AM" (mode_buttons[3])
+            GtkToggleButton .mode .text-button .toggle label="FM" (mode_buttons[4])
+      GtkBox .card .vertical
+        GtkLabel "Broadcast bands" .card-title margin-top=12 margin-bottom=2
+        row | GtkLabel "No FM broadcast audio" | GtkLabel "87.5 to 108 MHz. The waterfall still shows the band." .small
+          GtkSwitch valign=center fill=FALSE pack-type=end = content.block_fm_broadcast
+        GtkSeparator .horizontal
+        row | GtkLabel "No AM broadcast audio" | GtkLabel "530 to 1700 kHz." .small
+          GtkSwitch valign=center fill=FALSE pack-type=end = content.block_am_broadcast
+        GtkLabel "Rebroadcasting commercial stations online can raise copyright questions in some countries. It is your choice." .small margin-bottom=12
+      GtkBox .card .vertical
+        GtkLabel "Blocked addresses" .card-title margin-top=12 margin-bottom=2
+        GtkLabel "One per line: an address such as 203.0.113.7, or a range such as 203.0.113.0/24." .small margin-bottom=6
+        GtkBox .textbox .vertical margin-bottom=12
+          GtkTextView "" .view height-request=70 expand=TRUE (banned_view)
 )"));
 }
 
 TEST_F(Pages, InternetHoldsItsCardsInOrder) {
-    EXPECT_EQ(outline_of_page("internet"), with_host(R"outline(scrolled
-  viewport
-    box vertical 14 [26 26 20 26]
-      label "Internet" .page-title
-      label "Let people reach your station, and list it on HOST so they can find it." .muted
-      box vertical .card
-        label "1 · Open the way in" .card-title [0 0 12 2]
-        row | label "I can't accept incoming connections" | label "Starlink, a mobile or apartment connection, or a router you can't change: HOST can host your page and carry listeners to you instead. It needs a relay key from Corvane." .small
-          switch centred at end = relay.enabled (relay_switch)
-        separator
-        row hidden (relay_key_row) | label "Relay key" | label "From Corvane, through HOST/contact.html." .small
-          entry "XXXX-XXXX-XXXX-XXXX-XXXX-XXXX" width 320 centred at end = relay.key
-        label "Corvane may withdraw a relay key at any time. Through the relay, listeners get no FM or AM broadcast audio." .small [0 0 6 0] hidden (relay_note)
-        label "" [0 0 8 0] (reachability_label)
-        label "" .small [0 0 6 6] (port_status_label)
-        box vertical (port_box)
-          label "" .small [0 0 0 6] (port_hint_label)
-          separator
-          row | label "Public port" | label "The port listeners connect to. A change takes effect when Tarnwave restarts." .small
-            spin 1024 to 65535 by 1 centred at end = network.port
-      box vertical .card
-        label "2 · Appear on the station list" .card-title [0 0 12 2]
-        row | label "List this station on HOST" | label "Listeners find stations at HOST/websdr.html." .small
-          switch centred at end = directory.listed
-        label "" .small [0 0 0 8] (listing_status_label)
-        box vertical 8 [0 0 0 14] (register_box)
-          separator padding 4
-          label "<b>Register once</b>" markup
-          label "You run this station independently and are solely responsible for it, for what it receives and streams, and for following the law where you are. Corvane does not monitor, review or filter stations; the list shows them as they are." .small
-          check "I understand" (understand_check)
-          box horizontal 10
-            entry "Your email (not shown on the list)" expands (register_email)
-            button "Register this station" .primary (register_button)
-        label "" .small [0 0 0 12] (registered_label)
-      box vertical .card
-        label "3 · Stay on the air" .card-title [0 0 12 2]
-        row | label "Keep sharing when I'm logged out" | label "Your receivers keep running after you log out and come back after a restart. An RX-888 still needs you logged in." .small
-          switch centred at end (linger_switch)
-      expander "Advanced"
-        box vertical [0 0 8 0] hidden
-          box vertical .card
-            row | label "Station list address"
-              entry "" width 320 centred at end = directory.url
+    EXPECT_EQ(outline_of_page("internet"), with_host(R"outline(GtkScrolledWindow
+  GtkViewport .frame
+    GtkBox .vertical spacing=14 margin-start=26 margin-end=26 margin-top=20 margin-bottom=26
+      GtkLabel "Internet" .page-title
+      GtkLabel "Let people reach your station, and list it on HOST so they can find it." .muted
+      GtkBox .card .vertical
+        GtkLabel "1 · Open the way in" .card-title margin-top=12 margin-bottom=2
+        row | GtkLabel "I can't accept incoming connections" | GtkLabel "Starlink, a mobile or apartment connection, or a router you can't change: HOST can host your page and carry listeners to you instead. It needs a relay key from Corvane." .small
+          GtkSwitch valign=center fill=FALSE pack-type=end = relay.enabled (relay_switch)
+        GtkSeparator .horizontal
+        row visible=FALSE (relay_key_row) | GtkLabel "Relay key" | GtkLabel "From Corvane, through HOST/contact.html." .small
+          GtkEntry placeholder-text="XXXX-XXXX-XXXX-XXXX-XXXX-XXXX" width-request=320 valign=center fill=FALSE pack-type=end = relay.key
+        GtkLabel "Corvane may withdraw a relay key at any time. Through the relay, listeners get no FM or AM broadcast audio." .small margin-top=6 visible=FALSE (relay_note)
+        GtkLabel "" margin-top=8 (reachability_label)
+        GtkLabel "" .small margin-top=6 margin-bottom=6 (port_status_label)
+        GtkBox .vertical (port_box)
+          GtkLabel "" .small margin-bottom=6 (port_hint_label)
+          GtkSeparator .horizontal
+          row | GtkLabel "Public port" | GtkLabel "The port listeners connect to. A change takes effect when Tarnwave restarts." .small
+            GtkSpinButton 1024 to 65535 by 1.000 .horizontal text="1024" valign=center fill=FALSE pack-type=end = network.port
+      GtkBox .card .vertical
+        GtkLabel "2 · Appear on the station list" .card-title margin-top=12 margin-bottom=2
+        row | GtkLabel "List this station on HOST" | GtkLabel "Listeners find stations at HOST/websdr.html." .small
+          GtkSwitch valign=center fill=FALSE pack-type=end = directory.listed
+        GtkLabel "" .small margin-bottom=8 (listing_status_label)
+        GtkBox .vertical spacing=8 margin-bottom=14 (register_box)
+          GtkSeparator .horizontal padding=4
+          GtkLabel "Register once" markup=<b>Register once</b>
+          GtkLabel "You run this station independently and are solely responsible for it, for what it receives and streams, and for following the law where you are. Corvane does not monitor, review or filter stations; the list shows them as they are." .small
+          GtkCheckButton .text-button label="I understand" (understand_check)
+          GtkBox .horizontal spacing=10
+            GtkEntry placeholder-text="Your email (not shown on the list)" expand=TRUE (register_email)
+            GtkButton .primary .text-button label="Register this station" (register_button)
+        GtkLabel "" .small margin-bottom=12 (registered_label)
+      GtkBox .card .vertical
+        GtkLabel "3 · Stay on the air" .card-title margin-top=12 margin-bottom=2
+        row | GtkLabel "Keep sharing when I'm logged out" | GtkLabel "Your receivers keep running after you log out and come back after a restart. An RX-888 still needs you logged in." .small
+          GtkSwitch valign=center fill=FALSE pack-type=end (linger_switch)
+      GtkExpander
+        GtkBox .vertical margin-top=8 visible=FALSE
+          GtkBox .card .vertical
+            row | GtkLabel "Station list address"
+              GtkEntry width-request=320 valign=center fill=FALSE pack-type=end = directory.url
+        GtkLabel "Advanced" wrap=FALSE xalign=0.500000
 )outline"));
 }
 

@@ -27,37 +27,37 @@ TEST_F(BuildWindow, NamesAndSizesTheWindow) {
 
 TEST_F(BuildWindow, PutsTheHeaderOnTop) {
     ASSERT_EQ(parts().size(), 3U);
-    EXPECT_EQ(outline_of(parts()[0]), R"(box horizontal 12 .header
-  box vertical 3 expands
-    label "TARNWAVE" .brand
-    label "Your station" ellipsised at most 2 lines .title (header_title)
-    box horizontal 7
-      label "●" one line .dot (header_dot)
-      label "Connecting to the Tarnwave service…" .muted (header_status)
-  box horizontal 8 centred at end
-    label "Unsaved changes" one line .warning padding 6 hidden (unsaved_label)
-    button "Open station page" (open_page_button)
-    button "Save changes" .primary insensitive (save_button)
+    EXPECT_EQ(outline_of(parts()[0]), R"(GtkBox .header .horizontal spacing=12
+  GtkBox .vertical spacing=3 expand=TRUE
+    GtkLabel "TARNWAVE" .brand
+    GtkLabel "Your station" .title ellipsize=end lines=2 (header_title)
+    GtkBox .horizontal spacing=7
+      GtkLabel "●" .dot wrap=FALSE (header_dot)
+      GtkLabel "Connecting to the Tarnwave service…" .muted (header_status)
+  GtkBox .horizontal spacing=8 valign=center fill=FALSE pack-type=end
+    GtkLabel "Unsaved changes" .warning wrap=FALSE visible=FALSE padding=6 (unsaved_label)
+    GtkButton .text-button label="Open station page" (open_page_button)
+    GtkButton .primary .text-button label="Save changes" sensitive=FALSE (save_button)
 )");
 }
 
 TEST_F(BuildWindow, PutsTheSidebarBesideThePages) {
     const std::vector<GtkWidget*> body = children_of(parts().at(1));
     ASSERT_EQ(body.size(), 2U);
-    EXPECT_EQ(outline_of(body[0]), "sidebar width 190\n");
+    EXPECT_EQ(outline_of(body[0]), "GtkStackSidebar .sidebar width-request=190\n");
     EXPECT_EQ(gtk_stack_sidebar_get_stack(GTK_STACK_SIDEBAR(body[0])), GTK_STACK(widgets.stack));
     EXPECT_EQ(body[1], widgets.stack);
     EXPECT_EQ(gtk_stack_get_transition_type(GTK_STACK(widgets.stack)),
               GTK_STACK_TRANSITION_TYPE_CROSSFADE);
     const std::string outline = outline_of(parts()[1]);
-    EXPECT_EQ(outline.substr(0, outline.find('\n')), "box horizontal expands");
+    EXPECT_EQ(outline.substr(0, outline.find('\n')), "GtkBox .horizontal expand=TRUE");
 }
 
 TEST_F(BuildWindow, PutsTheFooterBelow) {
-    EXPECT_EQ(outline_of(parts().at(2)), R"(box horizontal 10 .footer
-  label "" one line ellipsised .muted expands (footer_status)
-  label "Tarnwave )" + std::string{program_version} +
-                                             R"(" one line .small at end
+    EXPECT_EQ(outline_of(parts().at(2)), R"(GtkBox .footer .horizontal spacing=10
+  GtkLabel "" .muted wrap=FALSE ellipsize=end expand=TRUE (footer_status)
+  GtkLabel "Tarnwave )" + std::string{program_version} +
+                                             R"(" .small wrap=FALSE fill=FALSE pack-type=end
 )");
 }
 
