@@ -46,10 +46,7 @@ KINDS = {
 SUCCESSES = ("good answer", "broken document")
 
 
-# The first fault of each outcome that takes no time and needs no change of the socket.
-FAULT_OF_EACH_OUTCOME = {
-    fault["outcome"]: fault for fault in reversed(FAULTS)
-    if not fault.keys() & {"connection", "silent", "pause_s"}}.values()
+FAULT_OF_EACH_OUTCOME = {fault["outcome"]: fault for fault in FAULTS}.values()
 
 
 def shows(report, words):

@@ -5,10 +5,11 @@
 soak.py PROGRAM LIBRARY POLLS [--faults]: the library is the preloaded remote_control.cpp. Each state
 document differs in its listeners, receivers, relay and certificate, and between the polls pages are
 turned and every request is made. At the end of each hundred polls all is quiet, and the figures are
-taken. With --faults each kind of request meets, one after the other, the faults of faults.json that
-must not end the program. Needs a display (scripts/soak brings one).
+taken. With --faults each kind of request meets, one after the other, the faults that must not end
+the program. Needs a display (scripts/soak brings one).
 """
 import copy
+import itertools
 import json
 import os
 import pathlib
@@ -37,18 +38,19 @@ MOST_MORE_SOURCES = 2         # GTK adds and removes some of its own
 
 
 class Station:
-    def __init__(self, socket_path, faulty):
-        self.socket_path = socket_path
+    def __init__(self, faulty):
         self.quiet = False
         self.faulty = faulty
-        self.answers = 0
-        self.faults = {}  # of each kind of request, in the order in which it meets them
-        self.faults_met = {}
+        # For each kind of request, one after the other, those that must not end the program.
+        self.faults = {key: itertools.cycle([fault for fault in FAULTS
+                                             if not request.ends_program(fault)])
+                       for key, request in REQUESTS.items()}
+        self.faults_met = {key: [] for key in REQUESTS}
         self.document = copy.deepcopy(REQUESTS["GET /api/state"].reply)
         self.quiet_settings = copy.deepcopy(self.document["settings"])
         self.chance = random.Random(1)
         self.newest = 100
-        self.requests = {}
+        self.requests = dict.fromkeys(REQUESTS, 0)
 
     def state(self):
         if self.quiet:
@@ -81,44 +83,21 @@ class Station:
                                                       "not registered", "registered"])
         return document
 
-    def next_fault(self, key):
-        """The fault to send in place of an answer, or None. Each kind of request meets in turn the
-        faults that must not end the program; the silence, which lasts a time limit, only twice."""
-        self.answers += 1
-        if not self.faulty or self.answers <= 2 or self.quiet:
-            return None
-        if self.chance.random() > (0.3 if key == "GET /api/state" else 0.6):
-            return None
-        faults = self.faults.setdefault(key, faults_outlived_by(key))
-        fault = faults.pop(0)
-        if not fault.get("silent"):
-            faults.append(fault)
-        self.faults_met.setdefault(key, []).append(fault["fault"])
-        return fault
-
     def reply(self, request):
         """The bytes of the answer, good or not."""
-        good = self.answer(request.key, request.body)
-        fault = self.next_fault(request.key)
-        if fault is None:
+        key = request.key
+        good = self.answer(key, request.body)
+        # The first two answers are for the start, which a fault ends.
+        often = 0.3 if key == "GET /api/state" else 0.6
+        if not self.faulty or self.quiet or sum(self.requests.values()) <= 2 or \
+                self.chance.random() > often:
             return reply_bytes(200, good)
-        if "connection" in fault:
-            # The socket file is gone at the next requests.
-            os.rename(self.socket_path, self.socket_path + ".away")
-            return b""
-        if fault.get("silent"):
-            request.rfile.read(1)  # until the program hangs up
+        fault = next(self.faults[key])
+        self.faults_met[key].append(fault["fault"])
         return fault_bytes(fault, good)
 
-    def is_away(self):
-        return os.path.exists(self.socket_path + ".away")
-
-    def come_back(self):
-        if self.is_away():
-            os.rename(self.socket_path + ".away", self.socket_path)
-
     def answer(self, key, body):
-        self.requests[key] = self.requests.get(key, 0) + 1
+        self.requests[key] += 1
         if key == "GET /api/state":
             return self.state()
         if key == "PUT /api/settings":
@@ -131,28 +110,15 @@ class Station:
         return REQUESTS[key].reply
 
 
-def faults_outlived_by(key):
-    """The faults of one kind of request that must not end the program. Faults that take time are left
-    out, but for one silence, which a poll meets twice."""
-    chosen = [fault for fault in FAULTS
-              if not REQUESTS[key].ends_program(fault) and not fault.get("silent") and
-              "pause_s" not in fault and fault.get("connection", "absent") == "absent"]
-    if key == "GET /api/state":
-        chosen += 2 * [fault for fault in FAULTS if fault.get("silent")][:1]
-    return chosen
-
-
 def live(program, station, polls):
     """Makes so many polls, with a user's actions between them; returns the figures of each round."""
     actions = [request.commands for key, request in REQUESTS.items() if key != "GET /api/state"]
     figures = []
     for poll in range(1, polls + 1):
         turn = poll % ROUND
-        away = station.is_away()
         if turn == ROUND - QUIET_POLLS:
             # The first page, and what the service has: cards of what was only found are gone.
             station.quiet = True
-            station.come_back()
             program.do(f"edit Hilltop {poll}", *REQUESTS["PUT /api/settings"].commands, "page 0")
         elif not station.quiet and turn % 7 == 0:
             program.do(f"page {turn // 7}")
@@ -160,8 +126,6 @@ def live(program, station, polls):
             program.do(f"edit Hilltop {poll}", *actions[turn // 4 % len(actions)])
         if program.do("poll") is None:
             break
-        if away:
-            station.come_back()
         if turn == 0:
             figures.append({"polls": poll, **program.do("figures")})
             print(*(f"{name} {value}" for name, value in figures[-1].items()), flush=True)
@@ -174,7 +138,7 @@ def main():
     faulty = sys.argv[4:] == ["--faults"]
     with tempfile.TemporaryDirectory() as folder:
         socket_path = os.path.join(folder, "socket")
-        station = Station(socket_path, faulty)
+        station = Station(faulty)
         server = StandInService(socket_path, station.reply)
         program = Program(program_path, library, pathlib.Path(folder), socket_path)
         signal.signal(signal.SIGTERM, lambda *_: (program.kill(), sys.exit(1)))
@@ -208,11 +172,12 @@ def main():
                        ("widgets", MOST_MORE_WIDGETS)):
         if rise(name) > most:
             faults.append(f"the {name} grow")
-    for key in REQUESTS:
-        if key not in station.requests:
+    for key, count in station.requests.items():
+        if count == 0:
             faults.append(f"nobody ever asked {key}")
-    for key, met in station.faults_met.items():
-        print(f"faults met by {key}: {len(met)}, of {len(set(met))} kinds")
+        if faulty:
+            met = station.faults_met[key]
+            print(f"faults met by {key}: {len(met)}, of {len(set(met))} kinds")
     sys.exit("; ".join(faults) or None)
 
 
