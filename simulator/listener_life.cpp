@@ -13,10 +13,6 @@
 
 namespace {
 
-// The bands, in Hz and inclusive, whose audio the two switches on the Listeners page block.
-constexpr double fm_broadcast_low = 87'500'000, fm_broadcast_high = 108'000'000;
-constexpr double am_broadcast_low = 530'000, am_broadcast_high = 1'700'000;
-
 // One visitor in six listens from the owner's own network.
 constexpr std::size_t one_at_home_of = 6;
 
@@ -38,14 +34,6 @@ std::string visitor_address(Random& random, bool at_home) {
     return "2001:db8:77::" + std::to_string(visitor);
 }
 
-bool audio_is_allowed(const Station& station, double frequency) {
-    if (frequency >= fm_broadcast_low && frequency <= fm_broadcast_high)
-        return !setting_is_on(station.settings, "content", "block_fm_broadcast");
-    if (frequency >= am_broadcast_low && frequency <= am_broadcast_high)
-        return !setting_is_on(station.settings, "content", "block_am_broadcast");
-    return true;
-}
-
 void tune(Station& station, Listener& listener, const std::vector<ReceiverOnAir>& on_air) {
     Random& random = station.random;
     listener.next_touch_s = station.clock_s + random_between(random, 8, 60);
@@ -56,17 +44,13 @@ void tune(Station& station, Listener& listener, const std::vector<ReceiverOnAir>
     // On a grid of 100 Hz, as people tune.
     listener.frequency = std::round(random_between(random, receiver.lo, receiver.hi) / 100) * 100;
     listener.mode = text_at(modes, random_index(random, modes.size()));
-    listener.listening =
-        random_index(random, 4) != 0 && audio_is_allowed(station, listener.frequency);
+    listener.listening = random_index(random, 4) != 0;
     listener.tuned = true;
 }
 
 bool may_enter(const Station& station, const std::string& address) {
     if (is_banned(station, address))
         return false;
-    for (const Departed& departed : station.departed)
-        if (departed.address == address && station.clock_s < departed.may_return_s)
-            return false;
     const auto here = std::count_if(station.listeners.begin(), station.listeners.end(),
                                     [&](const Listener& l) { return l.address == address; });
     return static_cast<double>(here) < setting_value(station.settings, "listeners", "per_address");
@@ -103,12 +87,6 @@ bool session_is_over(const Station& station, const Listener& listener) {
            (listener.relayed && station.relay.state != "connected");
 }
 
-void remember_departure(Station& station, const std::string& address) {
-    const double wait_s = setting_value(station.settings, "listeners", "cooldown_minutes") * 60;
-    if (wait_s > 0)
-        station.departed.push_back({address, station.clock_s + wait_s});
-}
-
 bool has_place(const Station& station) {
     return static_cast<double>(station.listeners.size()) <
            setting_value(station.settings, "listeners", "max");
@@ -139,13 +117,7 @@ void seat_first_listeners(Station& station) {
 void advance_listeners(Station& station) {
     const std::vector<ReceiverOnAir> on_air = receivers_on_air(station);
     std::erase_if(station.listeners, [&](const Listener& listener) {
-        const bool over = on_air.empty() || session_is_over(station, listener);
-        if (over)
-            remember_departure(station, listener.address);
-        return over;
-    });
-    std::erase_if(station.departed, [&](const Departed& departed) {
-        return station.clock_s >= departed.may_return_s;
+        return on_air.empty() || session_is_over(station, listener);
     });
     if (on_air.empty())
         return;
@@ -164,11 +136,6 @@ void advance_listeners(Station& station) {
 }
 
 bool end_session(Station& station, int number) {
-    const auto found = std::find_if(station.listeners.begin(), station.listeners.end(),
-                                    [&](const Listener& l) { return l.number == number; });
-    if (found == station.listeners.end())
-        return false;
-    remember_departure(station, found->address);
-    station.listeners.erase(found);
-    return true;
+    return std::erase_if(station.listeners,
+                         [&](const Listener& listener) { return listener.number == number; }) > 0;
 }

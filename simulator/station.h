@@ -52,12 +52,6 @@ struct Listener {
     bool relayed = false;
 };
 
-/// An address that may not return for a while.
-struct Departed {
-    std::string address{};
-    double may_return_s = 0;
-};
-
 /// The standing with the station list. States are those of the state document.
 struct DirectoryLife {
     std::string_view state = "not registered";
@@ -101,7 +95,6 @@ struct Station {
     std::vector<Device> devices{};
     std::vector<StartedReceiver> started{};
     std::vector<Listener> listeners{};
-    std::vector<Departed> departed{};
     int next_number = 1;
     double next_arrival_s = 0;
     DirectoryLife directory{};

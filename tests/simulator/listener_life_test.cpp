@@ -82,39 +82,6 @@ TEST(ListenerLife, ABlockedAddressLeavesAndCannotReturn) {
     EXPECT_FALSE(station.listeners.empty());
 }
 
-TEST(ListenerLife, AnAddressWaitsBeforeItReturns) {
-    Station station = station_in("busy");
-    set(station, "listeners", "cooldown_minutes", 1440);
-    const std::string address = station.listeners.front().address;
-    const int newest = station.next_number - 1;
-    ASSERT_TRUE(end_session(station, station.listeners.front().number));
-    for (int second = 0; second < 3000; ++second) {
-        advance(station, 1);
-        for (const Listener& listener : station.listeners)
-            ASSERT_FALSE(listener.address == address && listener.number > newest);
-    }
-    EXPECT_GT(station.next_number, newest + 1);
-}
-
-TEST(ListenerLife, NobodyHearsABlockedBroadcastBand) {
-    Station station = station_in("busy");
-    json::object settings = station.settings;
-    settings["attach"] = false;
-    settings.at("receivers").as_array().erase(settings.at("receivers").as_array().begin() + 1);
-    json::object& receiver = settings.at("receivers").at(0).as_object();
-    receiver["lo"] = 88'000'000;
-    receiver["hi"] = 95'000'000;
-    for (const bool blocked : {true, false}) {
-        settings.at("content").as_object()["block_fm_broadcast"] = blocked;
-        replace_settings(station, settings);
-        advance(station, 120);
-        const bool somebody_hears = std::any_of(station.listeners.begin(), station.listeners.end(),
-                                                [](const Listener& l) { return l.listening; });
-        EXPECT_EQ(somebody_hears, !blocked);
-        EXPECT_FALSE(station.listeners.empty());
-    }
-}
-
 TEST(ListenerLife, UsesOnlyTheModesThatAreAllowed) {
     Station station = station_in("busy");
     set(station, "content", "modes", json::array{"CW"});
