@@ -4,9 +4,7 @@
 #include "receiver_life.h"
 #include "settings_check.h"
 
-#include <fcntl.h>
 #include <pwd.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cctype>
@@ -26,18 +24,6 @@ namespace {
 
 std::string system_fault(const std::string& path) {
     return path + ": " + std::strerror(errno);
-}
-
-bool write_whole(int file, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(file, text.data(), text.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written < 0)
-            return false;
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return fsync(file) == 0;
 }
 
 /// `settings` with the registration of `pattern`, which may differ from run to run.
@@ -100,19 +86,9 @@ std::string read_settings_file(const std::string& path, const json::object& patt
 }
 
 std::string write_settings_file(const std::string& path, const json::object& settings) {
-    const std::string unfinished = path + ".new";
-    const int file = open(unfinished.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    if (file < 0)
-        return system_fault(unfinished);
-    const bool written = write_whole(file, json::serialize(settings) + "\n");
-    if (!written || close(file) != 0) {
-        std::string fault = system_fault(unfinished);
-        if (!written)
-            close(file);
-        unlink(unfinished.c_str());
-        return fault;
-    }
-    return std::rename(unfinished.c_str(), path.c_str()) == 0 ? "" : system_fault(path);
+    std::ofstream file{path, std::ios::binary};
+    file << json::serialize(settings) << '\n' << std::flush;
+    return file ? "" : system_fault(path);
 }
 
 std::string record_body(RequestRecord& record, const ApiRequest& request) {

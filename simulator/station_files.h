@@ -15,7 +15,6 @@
 std::string read_settings_file(const std::string& path, const boost::json::object& pattern,
                                boost::json::object& settings);
 
-/// Writes settings so that the file holds the former ones or these, whatever happens meanwhile.
 /// Returns a sentence that says what went wrong, "" when nothing did.
 std::string write_settings_file(const std::string& path, const boost::json::object& settings);
 

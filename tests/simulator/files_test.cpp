@@ -54,13 +54,6 @@ TEST_F(SettingsFile, BringsTheSettingsBack) {
     json::object settings;
     EXPECT_EQ(read_settings_file(path("state"), station_in("first-run").settings, settings), "");
     EXPECT_EQ(settings, station.settings);
-    EXPECT_FALSE(fs::exists(path("state.new")));
-}
-
-TEST_F(SettingsFile, IsForThisUserOnly) {
-    ASSERT_EQ(write_settings_file(path("state"), {}), "");
-    EXPECT_EQ(fs::status(path("state")).permissions(),
-              fs::perms::owner_read | fs::perms::owner_write);
 }
 
 TEST_F(SettingsFile, IsRefusedWhenItHoldsSomethingElse) {
@@ -79,7 +72,7 @@ TEST_F(SettingsFile, IsRefusedWhenItHoldsSomethingElse) {
 
 TEST_F(SettingsFile, SaysWhenItCannotBeWritten) {
     EXPECT_EQ(write_settings_file(path("missing/state"), {}),
-              path("missing/state.new") + ": No such file or directory");
+              path("missing/state") + ": No such file or directory");
 }
 
 TEST_F(RequestRecordFiles, HoldEachBodyAsItCame) {
