@@ -4,14 +4,14 @@
 import unittest
 
 from accessible import (Announcements, Atspi, Relation, Role, State, description_of, extents,
-                        label_of, related, wait_for, walk_shown)
+                        label_of, related, wait_for, walk)
 from harness import HOST, Case
 from program import PAGES
 
 
 def nameless(window):
     """The controls of a window that the keyboard reaches and nobody has named."""
-    return [f"{a.get_role_name()} in {a.get_parent().get_role_name()}" for a in walk_shown(window)
+    return [f"{a.get_role_name()} in {a.get_parent().get_role_name()}" for a in walk(window)
             if a.get_state_set().contains(State.FOCUSABLE) and not label_of(a).strip()]
 
 
@@ -50,7 +50,7 @@ class Names(Case):
         program = self.open()
         for page in PAGES:
             program.page(page)
-            names = [(a.get_role_name(), label_of(a)) for a in walk_shown(program.body())
+            names = [(a.get_role_name(), label_of(a)) for a in walk(program.body())
                      if a.get_role() in (Role.TEXT, Role.SPIN_BUTTON, Role.TOGGLE_BUTTON,
                                          Role.CHECK_BOX, Role.COMBO_BOX)]
             self.assertEqual(len(names), len(set(names)), names)
@@ -89,7 +89,7 @@ class Relations(Case):
     def test_labels_know_their_fields(self):
         self.station("quiet")
         program = self.open("station")
-        label = next(a for a in walk_shown(program.body()) if a.get_name() == "Operator")
+        label = next(a for a in walk(program.body()) if a.get_name() == "Operator")
         wait_for(lambda: [a.get_role() for a in related(label, Relation.LABEL_FOR)] == [Role.TEXT],
                  "the label's field")
 
@@ -134,7 +134,7 @@ class ReadingOrder(Case):
         """The controls of the page that Tab should reach, in reading order."""
         # The button inside a combo box gets the focus. A scrolled window is left out: the focus
         # goes to its content.
-        left = [a for a in walk_shown(program.body())
+        left = [a for a in walk(program.body())
                 if a.get_state_set().contains(State.SENSITIVE) and a.get_role() != Role.SCROLL_PANE
                 and (a.get_state_set().contains(State.FOCUSABLE) or
                      a.get_role() == Role.COMBO_BOX)]

@@ -59,20 +59,13 @@ def children(accessible):
 
 
 def walk(accessible):
+    """The widgets that are not hidden, those that must be scrolled to included."""
     yield accessible
     # A table's cells are read by row and column.
     if accessible.get_role() != Role.TABLE:
         for child in children(accessible):
-            yield from walk(child)
-
-
-def walk_shown(accessible):
-    """The widgets that are not hidden, those that must be scrolled to included."""
-    yield accessible
-    if accessible.get_role() != Role.TABLE:
-        for child in children(accessible):
             if child.get_state_set().contains(State.VISIBLE):
-                yield from walk_shown(child)
+                yield from walk(child)
 
 
 def has_state(accessible, state):

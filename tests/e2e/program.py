@@ -5,7 +5,7 @@ import subprocess
 import time
 
 from accessible import (Atspi, Role, State, children, extents, has_state, is_sensitive, is_showing,
-                        label_of, text_in, wait_for, walk, walk_shown)
+                        label_of, text_in, wait_for, walk)
 from display import key, type_keys, window_size, xdotool
 from services import BUILD
 
@@ -131,7 +131,7 @@ class Program:
 
     def labels(self):
         """All the texts of the page, in order; those below the edge too."""
-        return [a.get_name() for a in walk_shown(self.body()) if a.get_role() == Role.LABEL]
+        return [a.get_name() for a in walk(self.body()) if a.get_role() == Role.LABEL]
 
     def is_unsaved(self):
         return is_sensitive(self.find(Role.PUSH_BUTTON, "Save changes"))
@@ -154,7 +154,7 @@ class Program:
 
     def find_button(self, name):
         """The button of that name, wherever the page is scrolled to, if it can be pressed now."""
-        button = next(a for a in walk_shown(self.frame())
+        button = next(a for a in walk(self.frame())
                       if a.get_role() == Role.PUSH_BUTTON and a.get_name() == name)
         return button if is_sensitive(button) else None
 
@@ -168,7 +168,7 @@ class Program:
 
     def field(self, role, label):
         """A field of the page by its label, wherever the page is scrolled to."""
-        return wait_for(lambda: next(a for a in walk_shown(self.body())
+        return wait_for(lambda: next(a for a in walk(self.body())
                                      if a.get_role() == role and label_of(a) == label),
                         f"a {Atspi.role_get_name(role)} called “{label}”")
 
