@@ -187,14 +187,6 @@ TEST(CoverageLine, IsNeverLongerThan159Bytes) {
     EXPECT_EQ(line.status_class, StatusClass::error);
 }
 
-TEST(CoverageLine, HasADotInEveryLocale) {
-    const UserLocale german{"de_DE.UTF-8"};
-    EXPECT_EQ(coverage_line("sdrplay", 7, 7.3).text,
-              "Covers 0.3 MHz of the 8 MHz this receiver can take at once.");
-    EXPECT_EQ(coverage_line("rtl-sdr", 7, 10.5).text,
-              "3.50 MHz is too wide: this receiver covers up to 2 MHz at once.");
-}
-
 TEST(ReceiverSubtitle, NamesKindAndSerial) {
     EXPECT_EQ(receiver_subtitle_markup("rx888", "0042", true), "HF direct sampling · serial 0042");
     EXPECT_EQ(receiver_subtitle_markup("rtl-sdr", "00000001", true),

@@ -5,8 +5,6 @@
 #include "receivers/receiver_rows.h"
 #include "support/window_fixture.h"
 
-#include <atomic>
-
 namespace {
 
 json::object device(const char* backend, const char* serial, const char* model, bool available) {
@@ -39,13 +37,6 @@ protected:
         return gtk_spin_button_get_value(GTK_SPIN_BUTTON(spin));
     }
 };
-
-TEST_F(FindDevices, AsksOnceWithAnEmptyBody) {
-    find({});
-    ASSERT_EQ(service.requests().size(), 1U);
-    EXPECT_EQ(service.requests()[0].line(), "GET /api/devices HTTP/1.1");
-    EXPECT_EQ(service.requests()[0].body, "");
-}
 
 TEST_F(FindDevices, SaysWhatItFoundAndAddsWhatIsNew) {
     find({rspdx, dongle});
@@ -105,13 +96,11 @@ TEST_F(FindDevices, KeepsEditsThatAreNotSaved) {
 }
 
 TEST_F(FindDevices, KeepsEditsMadeWhileItLooks) {
-    const auto edit = +[](gpointer) -> gboolean {
+    run_when_loop_turns([] {
         gtk_spin_button_set_value(GTK_SPIN_BUTTON(receiver(0).low_spin), 6.5);
         gtk_switch_set_active(GTK_SWITCH(receiver(0).share_switch), FALSE);
         type_into(receiver(1).high_spin, "145.5");
-        return G_SOURCE_REMOVE;
-    };
-    g_idle_add_full(G_PRIORITY_HIGH, edit, nullptr, nullptr);
+    });
     find({rspdx, dongle});
     EXPECT_EQ(receiver(0).lo, 6.5e6);
     EXPECT_FALSE(receiver(0).enabled);
@@ -120,33 +109,17 @@ TEST_F(FindDevices, KeepsEditsMadeWhileItLooks) {
     EXPECT_EQ(shown(receiver(1).high_spin), 145.5);
 }
 
-TEST_F(FindDevices, ShowsThatItLooksBeforeTheRequestIsSent) {
-    static std::atomic<bool> drawn;
-    drawn = false;
-    const auto on_drawn = +[](GtkWidget* label, cairo_t*, gpointer) -> gboolean {
-        if (text_of(label) == "Looking for receivers…")
-            drawn = true;
-        return GDK_EVENT_PROPAGATE;
-    };
-    const gulong handler =
-        g_signal_connect_after(widgets.receivers_status, "draw", G_CALLBACK(on_drawn), nullptr);
-    std::atomic<bool> drawn_before_request = false;
-    service.before_answering("GET", "/api/devices", [&] { drawn_before_request = drawn.load(); });
-    find({});
-    g_signal_handler_disconnect(widgets.receivers_status, handler);
-    EXPECT_TRUE(drawn_before_request);
-}
-
-TEST_F(FindDevices, GreysItsButtonMeanwhile) {
-    static bool sensitive;
-    sensitive = true;
-    const auto look = +[](gpointer) -> gboolean {
+TEST_F(FindDevices, SaysThatItLooksAndGreysItsButtonMeanwhile) {
+    std::string said;
+    bool sensitive = true;
+    run_when_loop_turns([&] {
+        said = status();
         sensitive = gtk_widget_get_sensitive(widgets.find_devices_button);
-        return G_SOURCE_REMOVE;
-    };
-    g_idle_add_full(G_PRIORITY_HIGH, look, nullptr, nullptr);
+    });
     service.will_answer("GET", "/api/devices", 200, "[]");
     click(widgets.find_devices_button);
+    EXPECT_EQ(requests_sent(), std::vector<std::string>{"GET /api/devices"});
+    EXPECT_EQ(said, "Looking for receivers…");
     EXPECT_FALSE(sensitive);
     drain_events();
     EXPECT_TRUE(gtk_widget_get_sensitive(widgets.find_devices_button));

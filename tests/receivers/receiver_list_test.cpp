@@ -61,16 +61,6 @@ TEST(LoadedReceiver, HasWhatTheSettingsSay) {
     EXPECT_EQ(receiver.details_box, nullptr);
 }
 
-TEST(LoadedReceiver, ReadsOtherKindsAsEmptyOrZero) {
-    const Receiver receiver =
-        from_settings(R"({"backend": 1, "serial": null, "lo": "7000000", "hi": true})");
-    EXPECT_EQ(receiver.backend, "");
-    EXPECT_EQ(receiver.serial, "");
-    EXPECT_EQ(receiver.model, "");
-    EXPECT_EQ(receiver.lo, 0);
-    EXPECT_EQ(receiver.hi, 0);
-}
-
 TEST(LoadedReceiver, IsSharedAndCalledAfterItsBackendUnlessTheSettingsSayOtherwise) {
     const Receiver bare = from_settings(
         R"({"backend": "rx888", "serial": "1", "lo": 0, "hi": 1, "available": false})");
@@ -80,21 +70,6 @@ TEST(LoadedReceiver, IsSharedAndCalledAfterItsBackendUnlessTheSettingsSayOtherwi
     EXPECT_EQ(
         from_settings(R"({"backend": "a", "serial": "", "lo": 0, "hi": 1, "model": ""})").model,
         "");
-}
-
-TEST(LoadedReceiver, ThrowsOnABrokenElement) {
-    const std::vector<std::string> broken = {
-        "null",
-        R"({"serial": "1", "lo": 0, "hi": 1})",
-        R"({"backend": "a", "lo": 0, "hi": 1})",
-        R"({"backend": "a", "serial": "1", "hi": 1})",
-        R"({"backend": "a", "serial": "1", "lo": 0})",
-        R"({"backend": "a", "serial": "1", "lo": 0, "hi": 1, "enabled": "yes"})",
-    };
-    for (const std::string& element : broken) {
-        SCOPED_TRACE(element);
-        EXPECT_THROW(from_settings(element), std::exception);
-    }
 }
 
 TEST(MergeDevices, AppendsNewReceiversSwitchedOff) {
@@ -182,22 +157,10 @@ TEST(MergeDevices, RefreshesTheFirstOfTwoEqualEntries) {
     EXPECT_EQ(list[1].model, "old model");
 }
 
-TEST(MergeDevices, ThrowsAtABrokenElementAndKeepsThoseBeforeIt) {
-    const std::vector<std::string> broken = {
-        "null",
-        R"({"serial": "1", "model": "m", "available": true})",
-        R"({"backend": "a", "model": "m", "available": true})",
-        R"({"backend": "a", "serial": "1", "available": true})",
-        R"({"backend": "a", "serial": "1", "model": "m"})",
-        R"({"backend": "a", "serial": "1", "model": "m", "available": "yes"})",
-    };
-    for (const std::string& element : broken) {
-        SCOPED_TRACE(element);
-        std::vector<Receiver> list;
-        EXPECT_THROW(merge(list, "[" + device("sdrplay", "1") + "," + element + "]"),
-                     std::exception);
-        EXPECT_EQ(list.size(), 1u);
-    }
+TEST(MergeDevices, KeepsTheDevicesBeforeABrokenOne) {
+    std::vector<Receiver> list;
+    EXPECT_THROW(merge(list, "[" + device("sdrplay", "1") + ", null]"), std::exception);
+    EXPECT_EQ(list.size(), 1u);
 }
 
 TEST(DiscoveryText, CountsWhatWasFoundAndWhatIsNew) {
@@ -235,11 +198,11 @@ TEST(SavedReceivers, AreTheSharedOnesInOrder) {
                                shared_receiver("rtl-sdr", "3")};
     list[1].enabled = false;
     list[2].available = false;
-    EXPECT_EQ(json::value(receivers_to_save(list)), json::parse(R"([
-        {"backend": "sdrplay", "serial": "1", "model": "old model",
-         "lo": 3500000.0, "hi": 4000000.0, "enabled": true},
-        {"backend": "rtl-sdr", "serial": "3", "model": "old model",
-         "lo": 3500000.0, "hi": 4000000.0, "enabled": true}])"));
+    EXPECT_EQ(json::serialize(receivers_to_save(list)),
+              R"([{"backend":"sdrplay","serial":"1","model":"old model",)"
+              R"("lo":3.5E6,"hi":4E6,"enabled":true},)"
+              R"({"backend":"rtl-sdr","serial":"3","model":"old model",)"
+              R"("lo":3.5E6,"hi":4E6,"enabled":true}])");
 }
 
 TEST(SavedReceivers, AreAnEmptyArrayWhenAllAreOff) {
@@ -249,20 +212,8 @@ TEST(SavedReceivers, AreAnEmptyArrayWhenAllAreOff) {
     EXPECT_TRUE(receivers_to_save({}).empty());
 }
 
-TEST(SavedReceivers, HaveTheirMembersInTheServicesOrder) {
-    const json::array saved = receivers_to_save({shared_receiver("sdrplay", "1")});
-    std::vector<std::string> names;
-    for (const auto& member : saved.at(0).as_object())
-        names.emplace_back(member.key());
-    EXPECT_EQ(names,
-              (std::vector<std::string>{"backend", "serial", "model", "lo", "hi", "enabled"}));
-}
-
-TEST(SavedReceivers, HaveWholeHertzAsFloatingPointNumbers) {
-    const struct {
-        double hz;
-        double expected;
-    } cases[] = {
+TEST(SavedReceivers, HaveWholeHertz) {
+    const std::pair<double, double> cases[] = {
         {7.3 * 1'000'000, 7'300'000},
         {16.001 * 1'000'000, 16'001'000},
         {0.5, 1},
@@ -270,17 +221,13 @@ TEST(SavedReceivers, HaveWholeHertzAsFloatingPointNumbers) {
         {-2.5, -3},
         {6'000'000'000, 6'000'000'000},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.hz);
+    for (const auto& [hz, expected] : cases) {
+        SCOPED_TRACE(hz);
         Receiver receiver = shared_receiver("sdrplay", "1");
-        receiver.lo = c.hz;
-        receiver.hi = c.hz;
+        receiver.lo = receiver.hi = hz;
         const json::array saved = receivers_to_save({receiver});
-        const json::object& object = saved.at(0).as_object();
-        ASSERT_TRUE(object.at("lo").is_double());
-        ASSERT_TRUE(object.at("hi").is_double());
-        EXPECT_EQ(object.at("lo").as_double(), c.expected);
-        EXPECT_EQ(object.at("hi").as_double(), c.expected);
+        EXPECT_EQ(saved.at(0).at("lo"), json::value(expected));
+        EXPECT_EQ(saved.at(0).at("hi"), json::value(expected));
     }
 }
 

@@ -217,14 +217,6 @@ TEST_F(OverviewPage, MakesOnlyTheRowsAnewWhoseContentChanged) {
     EXPECT_NE(find_label(receiver_rows()[1], "RTL-SDR Blog V4   144 – 145 MHz"), nullptr);
 }
 
-TEST_F(OverviewPage, KeepsTheFocusOnALinkButtonOverAPoll) {
-    load(bare_station());
-    GtkWidget* go = find_button(checklist()[1], "Go there →");
-    gtk_widget_grab_focus(go);
-    poll(registering());
-    EXPECT_TRUE(gtk_widget_is_focus(go));
-}
-
 TEST_F(OverviewPage, FindsTheFocusAgainByWhereItsButtonLed) {
     load(bare_station());
     gtk_widget_grab_focus(find_button(checklist()[2], "Go there →"));

@@ -13,7 +13,6 @@
 
 #include <cstdint>
 #include <limits>
-#include <sstream>
 #include <string>
 
 namespace {
@@ -271,11 +270,6 @@ TEST(Frequency, IsWrittenInMegahertz) {
     }
 }
 
-TEST(Frequency, HasADotInEveryLocale) {
-    const UserLocale german{"de_DE.UTF-8"};
-    EXPECT_EQ(frequency_text(7'074'000), "7.074");
-}
-
 TEST(ReceiverOnTheAir, ShowsItsNameInBoldAndItsRange) {
     EXPECT_EQ(receiver_markup("RSPdx", 7'000'000, 7'300'000), "<b>RSPdx</b>   7 – 7.3 MHz");
     EXPECT_EQ(receiver_markup("", 0, 30'000'000), "<b>Receiver</b>   0 – 30 MHz");
@@ -354,10 +348,4 @@ TEST(TunedTo, FollowsTheListener) {
         SCOPED_TRACE(c.when);
         EXPECT_EQ(tuned_to_text(json::parse(c.listener).as_object()), c.expected);
     }
-}
-
-TEST(StatusLineText, IsPrintedWithItsColour) {
-    std::ostringstream out;
-    out << StatusLine{"Off the air", StatusClass::warning};
-    EXPECT_EQ(out.str(), "\"Off the air\" (warning)");
 }

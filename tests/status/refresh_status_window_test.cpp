@@ -19,14 +19,6 @@ protected:
 
 const std::string not_answering = "The Tarnwave service is not answering|error";
 
-TEST_F(RefreshStatus, AsksForTheStateOnceWithAnEmptyBody) {
-    refresh_status();
-    const std::vector<RecordedRequest> requests = service.requests();
-    ASSERT_EQ(requests.size(), 1U);
-    EXPECT_EQ(requests[0].line(), "GET /api/state HTTP/1.1");
-    EXPECT_EQ(requests[0].body, "");
-}
-
 TEST_F(RefreshStatus, SaysThatTheServiceIsNotAnsweringUntilItDoes) {
     const std::string line = header();
     const std::string listeners = text_of(widgets.listeners_title);
@@ -60,7 +52,11 @@ TEST_F(RefreshStatus, DrawsTheNewStatusAndTouchesNeitherSettingsNorForm) {
     document = with(document, "status.broker", false);
     poll(document);
     EXPECT_EQ(status_object, document.at("status").as_object());
+    EXPECT_TRUE(header().starts_with("Off the air: your receiver broker is not running"));
     EXPECT_EQ(status_class_of(widgets.header_dot), "error");
+    EXPECT_EQ(status_class_of(widgets.header_status), "");
+    EXPECT_FALSE(gtk_label_get_use_markup(GTK_LABEL(widgets.header_status)));
+    EXPECT_EQ(children_of(widgets.on_air_box).size(), 2U);
     EXPECT_EQ(settings_object, settings);
     EXPECT_EQ(text_of(widgets.header_title), "K1ABC · Hilltop SDR");
     EXPECT_STREQ(gtk_entry_get_text(GTK_ENTRY(field("station.name"))), "Half typed");

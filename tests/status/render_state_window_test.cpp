@@ -4,7 +4,6 @@
 #include "link/build_constants.h"
 #include "link/json_access.h"
 #include "support/window_fixture.h"
-#include "ui/form.h"
 
 namespace {
 
@@ -94,35 +93,6 @@ TEST_F(RenderState, StopsWhereTheDocumentIsBroken) {
         EXPECT_EQ(sections_that_are_new(), "header checklist link title table internet");
         EXPECT_EQ(receivers_shown(), "One Two Six S T");
     }
-}
-
-TEST_F(RenderState, TakesMissingPartsOfTheStatusForNothing) {
-    load(with(state_document(), "settings.relay.enabled", true));
-    for (const json::value& other : {json::value(nullptr), json::value(json::array{})}) {
-        SCOPED_TRACE(json::serialize(other));
-        poll(with(with(state_document(), "status.relay", other), "status.https", other));
-        EXPECT_EQ(text_of(widgets.port_status_label), "Press Save to connect.");
-        EXPECT_EQ(text_of(widgets.port_hint_label),
-                  "A secure https address comes automatically once " + host +
-                      " can reach the station.");
-        EXPECT_FALSE(gtk_widget_get_visible(widgets.station_link_row));
-    }
-}
-
-TEST_F(RenderState, ReadsTheSettingsAsOfTheLastLoad) {
-    load(state_document());
-    poll(with(with(state_document(), "settings.listeners.max", 99), "status.broker", true));
-    EXPECT_EQ(text_of(widgets.listeners_title), "Listening now · 2 of 8");
-    load(with(state_document(), "settings.listeners.max", 99));
-    EXPECT_EQ(text_of(widgets.listeners_title), "Listening now · 2 of 99");
-}
-
-TEST_F(RenderState, ThrowsWhenThereIsNoStateYet) {
-    load(state_document());
-    const std::string line = text_of(widgets.header_status);
-    status_object = {};
-    EXPECT_THROW(render_state(), std::exception);
-    EXPECT_EQ(text_of(widgets.header_status), line);
 }
 
 } // namespace

@@ -119,21 +119,10 @@ TEST(StationState, IsListedUnlessTheOwnerSaysNo) {
     EXPECT_FALSE(with_settings(R"({"directory": {"listed": false}})").listed_wanted);
 }
 
-TEST(StationState, ThrowsWhenTheWishToBeListedIsNoBoolean) {
-    for (const char* kind : {"\"yes\"", "1", "null", "[]", "{}"}) {
-        SCOPED_TRACE(kind);
-        EXPECT_THROW(with_settings(R"({"directory": {"listed": )" + std::string{kind} + "}}"),
-                     std::exception);
-    }
-}
-
 TEST(StationState, WantsTheRelayForABooleanTrueAlone) {
     EXPECT_TRUE(with_settings(R"({"relay": {"enabled": true}})").relay_wanted);
-    for (const char* kind : {"false", "\"true\"", "1", "null", "[]", "{}"}) {
-        SCOPED_TRACE(kind);
-        EXPECT_FALSE(
-            with_settings(R"({"relay": {"enabled": )" + std::string{kind} + "}}").relay_wanted);
-    }
+    EXPECT_FALSE(with_settings(R"({"relay": {"enabled": false}})").relay_wanted);
+    EXPECT_FALSE(with_settings(R"({"relay": {"enabled": "true"}})").relay_wanted);
     EXPECT_FALSE(with_settings(R"({"relay": true})").relay_wanted);
 }
 
@@ -193,16 +182,6 @@ TEST(StationState, IsReachableByTheWayThatIsWanted) {
     }
 }
 
-TEST(StationState, ThrowsWhenReachableIsNoBoolean) {
-    for (const char* kind : {"\"yes\"", "1", "null", "[]", "{}"}) {
-        SCOPED_TRACE(kind);
-        const std::string status = status_with(
-            R"({"directory": {"state": "checked in", "reachable": )" + std::string{kind} + "}}");
-        EXPECT_THROW(derive("{}", status), std::exception);
-        EXPECT_THROW(derive(R"({"relay": {"enabled": true}})", status), std::exception);
-    }
-}
-
 TEST(StationState, CountsReceiversAndListenersWithoutReadingThem) {
     const StationState state =
         derive(R"({"listeners": {"max": 20}})",
@@ -210,22 +189,6 @@ TEST(StationState, CountsReceiversAndListenersWithoutReadingThem) {
     EXPECT_EQ(state.receiver_count, 2u);
     EXPECT_EQ(state.listener_count, 3u);
     EXPECT_EQ(state.listeners_allowed, 20);
-}
-
-TEST(StationState, ThrowsWhenARequiredMemberIsMissingOrOfAnotherKind) {
-    const std::vector<std::string> broken = {
-        R"({"receivers": [], "listeners": []})",
-        R"({"directory": {"state": "checked in"}, "listeners": []})",
-        R"({"directory": {"state": "checked in"}, "receivers": []})",
-        R"({"directory": {}, "receivers": [], "listeners": []})",
-        status_with(R"({"directory": "checked in"})"),
-        status_with(R"({"receivers": {}})"),
-        status_with(R"({"listeners": {}})"),
-    };
-    for (const std::string& status : broken) {
-        SCOPED_TRACE(status);
-        EXPECT_THROW(derive("{}", status), std::exception);
-    }
 }
 
 TEST(StationState, TruncatesAndClampsNumbers) {

@@ -441,7 +441,8 @@ void WindowTest::poll(const json::value& document) {
 std::vector<std::string> WindowTest::requests_sent() const {
     std::vector<std::string> all;
     for (const RecordedRequest& request : service.requests())
-        all.push_back(request.method + " " + request.target);
+        all.push_back(request.method + " " + request.target +
+                      (request.method == "GET" && !request.body.empty() ? " with a body" : ""));
     return all;
 }
 

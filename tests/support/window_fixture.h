@@ -114,7 +114,7 @@ protected:
     /// The service answers with this document, and one poll draws it.
     void poll(const boost::json::value& document);
 
-    /// The requests that came, as "GET /api/state".
+    /// The requests that came, as "GET /api/state". A GET that had a body says so.
     std::vector<std::string> requests_sent() const;
 
     /// Answers the next dialog that no other answer is meant for with a response. `while_open`
