@@ -83,7 +83,7 @@ int ScriptedService::connect(std::string_view path_of_socket) {
     socklen_t size = sizeof limit;
     getsockopt(near_end_, SOL_SOCKET, SO_SNDTIMEO, &limit, &size);
     connect_blocked = (fcntl(near_end_, F_GETFL) & O_NONBLOCK) == 0 && limit.tv_sec == 0;
-    closed_for_commands = (fcntl(near_end_, F_GETFD) & FD_CLOEXEC) != 0;
+    closed_on_exec = (fcntl(near_end_, F_GETFD) & FD_CLOEXEC) != 0;
     return 0;
 }
 

@@ -28,6 +28,7 @@ public:
     ScriptedService(const ScriptedService&) = delete;
     ScriptedService& operator=(const ScriptedService&) = delete;
 
+    // What the stand-ins call.
     int open();
     int connect(std::string_view path);
     int wait(std::chrono::milliseconds time_out);
@@ -36,8 +37,8 @@ public:
     int socket_error = 0;         ///< with which socket(2) fails; 0: it does not
 
     std::string path{};                                 ///< that was connected to
-    bool connect_blocked = false;                       ///< connect(2) had no time limit
-    bool closed_for_commands = false;                   ///< the descriptor was, at connect(2)
+    bool connect_blocked = false;                       ///< connect(2) waits, without a time limit
+    bool closed_on_exec = false;                        ///< the descriptor has FD_CLOEXEC
     std::vector<std::chrono::milliseconds> time_outs{}; ///< of the calls of poll(2)
 
 private:

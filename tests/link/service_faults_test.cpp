@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What a service may do in the place of a good answer, and what the link makes of it: the table in
 // tests/faults/faults.json. Other tests meet one fault of each outcome.
+#include "link/json_access.h"
 #include "link/scripted_service.h"
 #include "link/service_link_fixture.h"
 #include "link/text.h"
@@ -12,7 +13,6 @@
 #include <iterator>
 
 using namespace std::chrono_literals;
-namespace json = boost::json;
 
 namespace {
 
@@ -29,14 +29,8 @@ json::array table_of_faults() {
     return json::parse(text).as_array();
 }
 
-std::string text_in(const json::object& fault, const char* key) {
-    const json::value* found = fault.if_contains(key);
-    return found ? std::string{found->as_string()} : "";
-}
-
-std::size_t number_in(const json::object& fault, const char* key) {
-    const json::value* found = fault.if_contains(key);
-    return found ? found->to_number<std::size_t>() : 0;
+std::size_t size_in(const json::object& fault, const char* name) {
+    return static_cast<std::size_t>(member_number(fault, name));
 }
 
 void replace_all(std::string& text, std::string_view place, std::string_view by) {
@@ -47,11 +41,11 @@ void replace_all(std::string& text, std::string_view place, std::string_view by)
 
 /// The reply of a fault, where the good one would have this body.
 std::string reply_of(const json::object& fault, const std::string& body) {
-    std::string reply = text_in(fault, "send");
+    std::string reply = member_string(fault, "send");
     replace_all(reply, "{size}", std::to_string(body.size()));
     replace_all(reply, "{hex}", format_text("%zx", body.size()));
     const std::size_t without_filler = reply.find("{body}") - std::string{"{filler}"}.size();
-    if (const std::size_t size = number_in(fault, "header_size"))
+    if (const std::size_t size = size_in(fault, "header_size"))
         replace_all(reply, "{filler}", std::string(size - without_filler, 'x'));
     replace_all(reply, "{half}", body.substr(0, body.size() / 2));
     replace_all(reply, "{body}", body);
@@ -60,7 +54,7 @@ std::string reply_of(const json::object& fault, const std::string& body) {
 
 std::vector<Moment> script_of(const json::object& fault, const std::string& body) {
     const std::string reply = reply_of(fault, body);
-    const std::chrono::seconds pause{number_in(fault, "pause_s")};
+    const std::chrono::seconds pause{clamped_int32(member_number(fault, "pause_s"))};
     if (pause == 0s)
         return {{.bytes = reply}};
     std::vector<Moment> script;
@@ -72,7 +66,7 @@ std::vector<Moment> script_of(const json::object& fault, const std::string& body
 class ServiceFaults : public ServiceLink {
 protected:
     ServiceReply meet(const json::object& fault, const std::string& body) {
-        const std::string connection = text_in(fault, "connection");
+        const std::string connection = member_string(fault, "connection");
         if (connection == "absent")
             service.stop();
         if (connection == "refused")
@@ -89,10 +83,10 @@ protected:
 TEST_F(ServiceFaults, HaveTheOutcomesOfTheTable) {
     for (const json::value& row : table_of_faults()) {
         const json::object& fault = row.as_object();
-        SCOPED_TRACE(text_in(fault, "fault"));
-        const std::string outcome = text_in(fault, "outcome");
+        SCOPED_TRACE(member_string(fault, "fault"));
+        const std::string outcome = member_string(fault, "outcome");
         std::string body = good_body;
-        body.resize(std::max(body.size(), number_in(fault, "body_size")), ' ');
+        body.resize(std::max(body.size(), size_in(fault, "body_size")), ' ');
 
         const ServiceReply reply = meet(fault, body);
         EXPECT_EQ(reply.status, fault.at("status").to_number<int>());

@@ -92,7 +92,7 @@ TEST_F(ServiceLink, LeavesNoDescriptorBehind) {
 TEST_F(ServiceLink, HidesItsDescriptorFromCommandsItRuns) {
     const ScriptedService scripted{{{.bytes = reply_text(200, "{}")}}};
     EXPECT_EQ(get_state().status, 200);
-    EXPECT_TRUE(scripted.closed_for_commands);
+    EXPECT_TRUE(scripted.closed_on_exec);
 }
 
 TEST_F(ServiceLink, WritesOneLineForEachExchangeIntoATraceAndNeverABody) {

@@ -10,7 +10,6 @@
 #include <exception>
 #include <limits>
 #include <string>
-#include <vector>
 
 namespace {
 
