@@ -29,6 +29,28 @@ PROGRAM = None
 LIFE = ("--speed", "0", "--step", "1", "--delay-ms", "0")
 WATCHED_S = 60
 
+# Settings with values that can be saved and values that cannot.
+SETTINGS = {
+    "network.port": ([1024, 65535], [1023, 65536, 8073.5, "8073"]),
+    "listeners.max": ([1, 200], [0, 201]),
+    "listeners.per_address": ([20], [0, 21]),
+    "listeners.session_minutes": ([0, 1440], [-1, 1441]),
+    "listeners.cooldown_minutes": ([], [-1, 1441]),
+    "listeners.idle_minutes": ([], [0, 1441]),
+    "content.modes": ([[], ["FM"]], [["fm"], ["FM", "FM"], "FM"]),
+    "access.banned": ([[], ["203.0.113.4", "2001:db8::/32"]],
+                      [["hilltop"], ["203.0.113.0/33"], ["::/129"], [4]]),
+    "receivers.0.backend": ([], [""]),
+    "receivers.0.serial": ([], [""]),
+    "receivers.0.model": ([], [5]),
+    "receivers.0.lo": ([], [-1, 7000000.5]),
+    "receivers.0.hi": ([], [6000000001, "7"]),
+    "receivers.0.colour": ([], ["blue"]),
+    "directory.url": (["", "http://a.example/"], ["a.example"]),
+}
+MISSING = object()
+MAY_BE_MISSING = ("format", "station.timezone", "network.bind", "listeners.greeting")
+
 
 def faults(schema, instance):
     """What is wrong with a JSON value, one sentence each."""
@@ -155,51 +177,23 @@ class Replies(unittest.TestCase):
                 self.assertEqual((reply.status, reply.header.get("allow")), (405, method), target)
 
     def test_service_and_description_refuse_the_same_settings(self):
-        def bend(path, value=None):
-            settings = copy.deepcopy(stored)
-            *way, name = path
-            target = functools.reduce(lambda inner, step: inner[step], way, settings)
-            if value is None:
-                del target[name]
-            else:
-                target[name] = value
-            return settings
-
-        schema = SCHEMAS["SettingsToSave"]
         with Simulator(PROGRAM, "--speed", "0") as simulator:
             stored = simulator.state()["settings"]
-            cases = [(bend(["network", "port"], port), good) for port, good in (
-                (1023, False), (1024, True), (65535, True), (65536, False), (8073.5, False),
-                ("8073", False))]
-            cases += [(bend(["listeners", name], value), good) for name, value, good in (
-                ("max", 0, False), ("max", 1, True), ("max", 200, True), ("max", 201, False),
-                ("per_address", 0, False), ("per_address", 20, True), ("per_address", 21, False),
-                ("session_minutes", -1, False), ("session_minutes", 0, True),
-                ("session_minutes", 1440, True), ("session_minutes", 1441, False),
-                ("cooldown_minutes", -1, False), ("cooldown_minutes", 1441, False),
-                ("idle_minutes", 0, False), ("idle_minutes", 1441, False))]
-            cases += [(bend(["content", "modes"], modes), good) for modes, good in (
-                ([], True), (["FM"], True), (["fm"], False), (["FM", "FM"], False),
-                ("FM", False))]
-            cases += [(bend(["access", "banned"], banned), good) for banned, good in (
-                ([], True), (["203.0.113.4", "2001:db8::/32"], True), (["hilltop"], False),
-                (["203.0.113.0/33"], False), (["::/129"], False), ([4], False))]
-            cases += [(bend(["receivers", 0, name], value), good) for name, value, good in (
-                ("backend", "", False), ("serial", "", False), ("model", 5, False),
-                ("lo", -1, False), ("lo", 7000000.5, False), ("hi", 6000000001, False),
-                ("hi", "7", False), ("colour", "blue", False))]
-            cases += [(bend(["directory", "url"], url), good) for url, good in (
-                ("", True), ("http://a.example/", True), ("a.example", False))]
-            cases += [(bend([group, name]), False) for group in stored
-                      if isinstance(stored[group], dict) for name in stored[group]
-                      if (group, name) not in (("station", "timezone"), ("network", "bind"),
-                                               ("listeners", "greeting"))]
-            cases += [(bend([name]), False) for name in stored if name != "format"]
-            cases += [(bend(["receivers", 0, name]), False) for name in stored["receivers"][0]]
+            cases = [(path, value, good) for path, (accepted, refused) in SETTINGS.items()
+                     for values, good in ((accepted, True), (refused, False)) for value in values]
+            cases += [(path, MISSING, False) for path in dict(places(stored))
+                      if path.rpartition(".")[2] not in ("", "0") and path not in MAY_BE_MISSING]
             self.assertGreater(len(cases), 80)
-            for number, (settings, good) in enumerate(cases):
-                with self.subTest(case=number, settings=settings):
-                    self.assertEqual(not faults(schema, settings), good)
+            for path, value, good in cases:
+                with self.subTest(path, value=value):
+                    settings = copy.deepcopy(stored)
+                    *way, name = (int(step) if step == "0" else step for step in path.split("."))
+                    group = functools.reduce(lambda inner, step: inner[step], way, settings)
+                    if value is MISSING:
+                        del group[name]
+                    else:
+                        group[name] = value
+                    self.assertEqual(not faults(SCHEMAS["SettingsToSave"], settings), good)
                     status = simulator.request("PUT", "/api/settings", settings).status
                     self.assertEqual(status, 200 if good else 422)
 

@@ -52,7 +52,8 @@ class Arguments(Case):
                           xdotool("search", part, r"^org\.tarnwave\.Settings$").split())
 
     def test_help_and_version_need_no_display(self):
-        environment = self.environment(DISPLAY=None)
+        environment = self.environment()
+        del environment["DISPLAY"]
         for argument, beginning in (("--help", r"Usage: tarnwave-settings \[PAGE\]\n"),
                                     ("--version", r"tarnwave-settings [0-9.]+\n$")):
             with self.subTest(argument=argument):
