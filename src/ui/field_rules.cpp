@@ -15,9 +15,6 @@ namespace {
 /// Estimate of the upload that one listener needs, in kbit/s.
 constexpr double listener_kbit = 60;
 
-/// Longest text of the estimate, in bytes. The texts for real stations are far shorter.
-constexpr std::size_t longest_estimate = 120;
-
 /// Whether a pattern matches the whole text, byte by byte. Not std::regex, which recurses once for
 /// each character and overflows the stack at some 30,000 of them.
 bool matches(std::string_view text, const char* pattern) {
@@ -40,32 +37,29 @@ std::string map_position(double latitude, double longitude) {
 
 } // namespace
 
-GridHint grid_hint(std::string_view grid) {
+StatusLine grid_hint(std::string_view grid) {
     if (grid.empty())
-        return {"Places the station on the list's map, e.g. EM95 or EM95ab.", true};
+        return {"Places the station on the list's map, e.g. EM95 or EM95ab."};
     if (!matches(grid, R"([A-Ra-r]{2}[0-9]{2}([A-Xa-x]{2})?\z)"))
         return {"Not a grid square: two letters A–R, two digits, and optionally two letters a–x.",
-                false};
+                StatusClass::error};
 
     // The Maidenhead locator: fields of 20° by 10°, squares of 2° by 1°, subsquares of 5' by 2.5',
     // counted from the south-west corner of the map.
     const double west = steps(grid[0], 'A') * 20 + steps(grid[2], '0') * 2 - 180;
     const double south = steps(grid[1], 'A') * 10 + steps(grid[3], '0') - 90;
     if (grid.size() == 4)
-        return {map_position(south + 0.5, west + 1), true};
+        return {map_position(south + 0.5, west + 1)};
     return {map_position(south + steps(grid[5], 'A') / 24.0 + 1 / 48.0,
-                         west + steps(grid[4], 'A') / 12.0 + 1 / 24.0),
-            true};
+                         west + steps(grid[4], 'A') / 12.0 + 1 / 24.0)};
 }
 
 std::string upload_estimate(double listeners) {
     const double kbit = listeners * listener_kbit;
-    const std::string text =
-        kbit >= 1000
-            ? format_text("Uses about %.1f Mbit/s of your upload when every place is taken.",
-                          kbit / 1000)
-            : format_text("Uses about %.0f kbit/s of your upload when every place is taken.", kbit);
-    return text.substr(0, longest_estimate);
+    if (kbit >= 1000)
+        return format_text("Uses about %.1f Mbit/s of your upload when every place is taken.",
+                           kbit / 1000);
+    return format_text("Uses about %.0f kbit/s of your upload when every place is taken.", kbit);
 }
 
 std::string header_title(std::string_view name, std::string_view callsign) {

@@ -2,19 +2,16 @@
 // The form's hints and checks, and the lines that name the station.
 #pragma once
 
+#include "status/status_line.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-struct GridHint {
-    std::string text{};
-    bool valid = true; ///< also true for an empty text: the field may stay empty
-};
-
 /// The hint below "Grid square": the middle of a Maidenhead square of four or six characters in
 /// either case, or an explanation of what a square looks like.
-GridHint grid_hint(std::string_view grid);
+StatusLine grid_hint(std::string_view grid);
 
 /// The upload that `listeners` at once need, in words.
 std::string upload_estimate(double listeners);

@@ -19,13 +19,6 @@
 
 namespace {
 
-void keep_document(const std::string& body) {
-    json::value document = parse_reply(body);
-    json::object settings = take_object(document, "settings");
-    status_object = take_object(document, "status");
-    settings_object = std::move(settings);
-}
-
 void show_field(const FieldBinding& field) {
     const json::value* value = find_path(settings_object, field.key);
     if (!value)
@@ -42,11 +35,8 @@ void show_field(const FieldBinding& field) {
 void show_modes() {
     const json::array& modes = required_array(required_object(settings_object, "content"), "modes");
     for (std::size_t i = 0; i < mode_names.size(); ++i) {
-        const std::string_view name = mode_names[i];
         const bool chosen =
-            std::any_of(modes.begin(), modes.end(), [name](const json::value& mode) {
-                return mode.is_string() && mode.get_string() == name;
-            });
+            std::find(modes.begin(), modes.end(), json::value(mode_names[i])) != modes.end();
         gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(widgets.mode_buttons[i]), chosen);
     }
 }
@@ -103,7 +93,10 @@ void load_form() {
     const ServiceReply reply = service_request(HttpMethod::get, "/api/state", "");
     if (reply.status != 200)
         return;
-    keep_document(reply.body);
+    json::value document = parse_reply(reply.body);
+    json::object settings = take_object(document, "settings");
+    status_object = take_object(document, "status");
+    settings_object = std::move(settings);
 
     widgets.loading = true;
     for (const FieldBinding& field : widgets.field_registry)
@@ -156,10 +149,9 @@ bool save_settings() {
 }
 
 void check_grid_square() {
-    const GridHint hint = grid_hint(gtk_entry_get_text(GTK_ENTRY(widgets.grid_entry)));
-    show_status_line(widgets.grid_hint,
-                     {hint.text, hint.valid ? StatusClass::none : StatusClass::error});
-    set_style_class(widgets.grid_entry, "invalid", !hint.valid);
+    const StatusLine hint = grid_hint(gtk_entry_get_text(GTK_ENTRY(widgets.grid_entry)));
+    show_status_line(widgets.grid_hint, hint);
+    set_style_class(widgets.grid_entry, "invalid", hint.status_class == StatusClass::error);
 }
 
 void update_upload_estimate() {
