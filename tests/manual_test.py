@@ -21,7 +21,7 @@ EXPLAINED_FILES = [
     "receivers/linger.cpp", "receivers/receiver_list.cpp", "status/internet_texts.cpp",
     "status/listener_actions.cpp", "status/overview_texts.cpp", "status/refresh_status.cpp",
     "status/registration.cpp",
-    "ui/field_rules.cpp", "ui/form.cpp", "ui/station_link.cpp"]
+    "ui/field_rules.cpp", "ui/form.cpp"]
 
 # Texts of those files that need no explanation.
 NOT_EXPLAINED = {

@@ -61,7 +61,7 @@ gboolean on_shortcut(GtkAccelGroup*, GObject*, guint, GdkModifierType, gpointer 
 }
 
 gboolean on_page_number(GtkAccelGroup*, GObject*, guint, GdkModifierType, gpointer index) {
-    show_page_at(GPOINTER_TO_INT(index));
+    show_page_at(GPOINTER_TO_SIZE(index));
     return TRUE;
 }
 
@@ -79,7 +79,7 @@ void connect_keys(GtkAccelGroup* keys, const std::string& accelerators, GCallbac
 GtkWidget* make_overlay_row(const Shortcut& shortcut) {
     const std::string accelerators = shortcut.accelerators
                                          ? shortcut.accelerators
-                                         : "<Primary>1..." + std::to_string(page_count());
+                                         : "<Primary>1..." + std::to_string(widgets.pages.size());
     return GTK_WIDGET(g_object_new(GTK_TYPE_SHORTCUTS_SHORTCUT, "visible", TRUE, "title",
                                    shortcut.title, "accelerator", accelerators.c_str(), nullptr));
 }
@@ -106,9 +106,9 @@ void add_shortcuts() {
             connect_keys(keys, shortcut.accelerators, G_CALLBACK(on_shortcut), &shortcut);
         connect_keys(keys, shortcut.not_in_overlay, G_CALLBACK(on_shortcut), &shortcut);
     }
-    for (int page = 0; page < page_count(); ++page)
+    for (std::size_t page = 0; page < widgets.pages.size(); ++page)
         connect_keys(keys, "<Primary>" + std::to_string(page + 1), G_CALLBACK(on_page_number),
-                     GINT_TO_POINTER(page));
+                     GSIZE_TO_POINTER(page));
     gtk_window_add_accel_group(GTK_WINDOW(widgets.window), keys);
     g_object_unref(keys);
 }

@@ -72,19 +72,6 @@ bool answer_without_display(std::string_view argument) {
 }
 // GCOVR_EXCL_STOP
 
-void take_over_socket_path() {
-    const char* path = std::getenv("TARNWAVE_SETTINGS_SOCKET");
-    if (path && *path)
-        settings_socket_path = path;
-}
-
-void tell_service_is_not_running() {
-    run_dialog({.type = GTK_MESSAGE_ERROR,
-                .text = "The Tarnwave service is not running.",
-                .secondary_text = "Start it with: sudo systemctl start tarnwave",
-                .stock_buttons = GTK_BUTTONS_CLOSE});
-}
-
 /// Asks the service for its state until it answers. Returns nothing when the program has to end.
 std::optional<std::string> probe_service() {
     for (;;) {
@@ -92,7 +79,10 @@ std::optional<std::string> probe_service() {
         if (reply.status == 200)
             return std::move(reply.body);
         if (access(settings_socket_path.c_str(), F_OK) != 0) {
-            tell_service_is_not_running();
+            run_dialog({.type = GTK_MESSAGE_ERROR,
+                        .text = "The Tarnwave service is not running.",
+                        .secondary_text = "Start it with: sudo systemctl start tarnwave",
+                        .stock_buttons = GTK_BUTTONS_CLOSE});
             return std::nullopt;
         }
         if (!check_owner())
@@ -139,7 +129,8 @@ int start_up(int argc, char** argv) {
     // gtk_init sets the user's locale. Frequencies are written and read with a dot in every locale;
     // dates keep the user's language.
     std::setlocale(LC_NUMERIC, "C");
-    take_over_socket_path();
+    if (const char* path = std::getenv("TARNWAVE_SETTINGS_SOCKET"); path && *path)
+        settings_socket_path = path;
 
     build_window();
     add_shortcuts();

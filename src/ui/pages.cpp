@@ -9,7 +9,6 @@
 #include "status/listeners_table.h"
 #include "status/registration.h"
 #include "ui/form.h"
-#include "ui/station_link.h"
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/change_tracking.h"
 #include "ui/widgets/form_widgets.h"
@@ -27,14 +26,19 @@ void block_when_idle() {
     call_when_idle(G_PRIORITY_HIGH, block_listener_address);
 }
 
+void copy_station_link() {
+    gtk_clipboard_set_text(gtk_clipboard_get(GDK_SELECTION_CLIPBOARD),
+                           gtk_link_button_get_uri(GTK_LINK_BUTTON(widgets.station_link)), -1);
+    show_footer({"Station link copied.", StatusClass::good});
+}
+
 void build_link_row(GtkWidget* card) {
     widgets.station_link_row = make_box(GTK_ORIENTATION_HORIZONTAL, 8, "row");
     pack(widgets.station_link_row, make_label("Station page", nullptr));
     widgets.station_link = gtk_link_button_new("about:blank");
     add_style_class(widgets.station_link, "link");
     pack(widgets.station_link_row, widgets.station_link);
-    widgets.copy_link_button = make_button("Copy link", copy_station_link);
-    pack_end(widgets.station_link_row, widgets.copy_link_button);
+    pack_end(widgets.station_link_row, make_button("Copy link", copy_station_link));
     pack(card, widgets.station_link_row);
 }
 
@@ -84,28 +88,28 @@ void build_station_page() {
     GtkWidget* page = add_page("station", "Station",
                                "How your station appears on its page and on the station list.");
     GtkWidget* about = add_card(page, "About the station");
-    add_entry_row(about, "station.name", "Station name", nullptr, "Hilltop SDR");
-    add_entry_row(about, "station.callsign", "Callsign", "Leave empty if you do not have one.",
-                  "K1ABC");
-    add_entry_row(about, "station.operator", "Operator", nullptr, "Your name");
-    add_entry_row(about, "station.location", "Location",
-                  "Town, region and country. Shown on the list.", "Asheville, North Carolina, USA");
+    add_row(about, "Station name", nullptr, bind_entry("station.name", "Hilltop SDR"));
+    add_row(about, "Callsign", "Leave empty if you do not have one.",
+            bind_entry("station.callsign", "K1ABC"));
+    add_row(about, "Operator", nullptr, bind_entry("station.operator", "Your name"));
+    add_row(about, "Location", "Town, region and country. Shown on the list.",
+            bind_entry("station.location", "Asheville, North Carolina, USA"));
     widgets.grid_entry = bind_entry("station.grid", "EM95");
     gtk_entry_set_max_length(GTK_ENTRY(widgets.grid_entry), 6);
     widgets.grid_hint = add_note(add_row(about, "Grid square", nullptr, widgets.grid_entry), "");
     describe_by_label(widgets.grid_entry, widgets.grid_hint);
     call_at_signal(widgets.grid_entry, "changed", check_grid_square);
-    add_entry_row(about, "station.antenna", "Antenna", nullptr, "80 m end-fed, 12 m up");
-    add_entry_row(about, "station.contact", "Contact", "A web page or email address for listeners.",
-                  "https://…");
+    add_row(about, "Antenna", nullptr, bind_entry("station.antenna", "80 m end-fed, 12 m up"));
+    add_row(about, "Contact", "A web page or email address for listeners.",
+            bind_entry("station.contact", "https://…"));
 
     GtkWidget* for_listeners = add_card(page, "For listeners");
     GtkWidget* label =
         add_note(for_listeners, "Description, shown on the station page and the list", 8, 6);
     widgets.description_view = add_textbox(for_listeners, 80);
     name_by_label(widgets.description_view, label);
-    add_entry_row(for_listeners, "station.banner", "Message on the station page",
-                  "A short notice, for example planned downtime.", "");
+    add_row(for_listeners, "Message on the station page",
+            "A short notice, for example planned downtime.", bind_entry("station.banner", ""));
 }
 
 void build_receivers_page() {
@@ -123,9 +127,10 @@ void build_receivers_page() {
     pack(discovery, widgets.receivers_status, true);
     pack(page, discovery);
 
-    add_switch_row(add_card(page, nullptr), "attach", "Share Dialhouse's receivers too",
-                   "Receivers Dialhouse runs on this computer stay as they are; listeners tune "
-                   "inside what they cover.");
+    add_row(add_card(page, nullptr), "Share Dialhouse's receivers too",
+            "Receivers Dialhouse runs on this computer stay as they are; listeners tune "
+            "inside what they cover.",
+            bind_field("attach", gtk_switch_new()));
 }
 
 GtkWidget* make_mode_buttons() {
@@ -149,23 +154,24 @@ void build_listeners_page() {
         add_note(add_row(places, "Listeners at once", nullptr, widgets.max_listeners_spin), "");
     describe_by_label(widgets.max_listeners_spin, widgets.upload_estimate);
     call_at_signal(widgets.max_listeners_spin, "value-changed", update_upload_estimate);
-    add_number_row(places, "listeners.per_address", "Listeners from one address",
-                   "Stops one visitor from taking every place.", 1, 20);
-    add_number_row(places, "listeners.session_minutes", "Session length",
-                   "Minutes before a session ends. 0 means no limit.", 0, 1440);
-    add_number_row(places, "listeners.cooldown_minutes", "Wait before listening again",
-                   "Minutes after a session ends before the same address can return.", 0, 1440);
-    add_number_row(places, "listeners.idle_minutes", "Ask “Still listening?” after",
-                   "Minutes without touching a control. Nobody answering frees the place.", 1,
-                   1440);
+    add_row(places, "Listeners from one address", "Stops one visitor from taking every place.",
+            bind_field("listeners.per_address", make_number_spin(1, 20)));
+    add_row(places, "Session length", "Minutes before a session ends. 0 means no limit.",
+            bind_field("listeners.session_minutes", make_number_spin(0, 1440)));
+    add_row(places, "Wait before listening again",
+            "Minutes after a session ends before the same address can return.",
+            bind_field("listeners.cooldown_minutes", make_number_spin(0, 1440)));
+    add_row(places, "Ask “Still listening?” after",
+            "Minutes without touching a control. Nobody answering frees the place.",
+            bind_field("listeners.idle_minutes", make_number_spin(1, 1440)));
 
     add_row(add_card(page, "Modes"), "Modes listeners may choose", nullptr, make_mode_buttons());
 
     GtkWidget* bands = add_card(page, "Broadcast bands");
-    add_switch_row(bands, "content.block_fm_broadcast", "No FM broadcast audio",
-                   "87.5 to 108 MHz. The waterfall still shows the band.");
-    add_switch_row(bands, "content.block_am_broadcast", "No AM broadcast audio",
-                   "530 to 1700 kHz.");
+    add_row(bands, "No FM broadcast audio", "87.5 to 108 MHz. The waterfall still shows the band.",
+            bind_field("content.block_fm_broadcast", gtk_switch_new()));
+    add_row(bands, "No AM broadcast audio", "530 to 1700 kHz.",
+            bind_field("content.block_am_broadcast", gtk_switch_new()));
     add_note(bands,
              "Rebroadcasting commercial stations online can raise copyright questions in some "
              "countries. It is your choice.",
@@ -213,9 +219,9 @@ void build_way_in_card(GtkWidget* page) {
     widgets.port_box = make_box(GTK_ORIENTATION_VERTICAL, 0);
     widgets.port_hint_label = add_note(widgets.port_box, "", 0, 6);
     pack(widgets.port_box, gtk_separator_new(GTK_ORIENTATION_HORIZONTAL));
-    add_number_row(widgets.port_box, "network.port", "Public port",
-                   "The port listeners connect to. A change takes effect when Tarnwave restarts.",
-                   1024, 65535);
+    add_row(widgets.port_box, "Public port",
+            "The port listeners connect to. A change takes effect when Tarnwave restarts.",
+            bind_field("network.port", make_number_spin(1024, 65535)));
     pack(card, widgets.port_box);
 }
 
@@ -250,8 +256,9 @@ void build_register_box(GtkWidget* card) {
 void build_list_card(GtkWidget* page) {
     const std::string host{directory_host};
     GtkWidget* card = add_card(page, "2 · Appear on the station list");
-    add_switch_row(card, "directory.listed", ("List this station on " + host).c_str(),
-                   ("Listeners find stations at " + host + "/websdr.html.").c_str());
+    add_row(card, ("List this station on " + host).c_str(),
+            ("Listeners find stations at " + host + "/websdr.html.").c_str(),
+            bind_field("directory.listed", gtk_switch_new()));
     widgets.listing_status_label = add_note(card, "", 0, 8);
     build_register_box(card);
     widgets.registered_label = add_note(card, "", 0, 12);
@@ -272,7 +279,8 @@ void build_advanced_expander(GtkWidget* page) {
     GtkWidget* expander = gtk_expander_new("Advanced");
     GtkWidget* box = make_box(GTK_ORIENTATION_VERTICAL, 0);
     gtk_widget_set_margin_top(box, 8);
-    add_entry_row(add_card(box, nullptr), "directory.url", "Station list address", nullptr, "");
+    add_row(add_card(box, nullptr), "Station list address", nullptr,
+            bind_entry("directory.url", ""));
     gtk_container_add(GTK_CONTAINER(expander), box);
     // Tab reaches the children of a closed expander unless they are hidden.
     gtk_widget_show_all(box);

@@ -2,9 +2,9 @@
 #include "ui/window.h"
 
 #include "link/build_constants.h"
+#include "link/json_access.h"
 #include "ui/form.h"
 #include "ui/pages.h"
-#include "ui/station_link.h"
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/change_tracking.h"
 #include "ui/widgets/form_widgets.h"
@@ -32,11 +32,19 @@ gboolean on_window_delete(GtkWidget*, GdkEvent*, gpointer) {
     return confirm_close();
 }
 
+/// Opens the station's own page in the desktop's browser. A failure is not reported.
+void open_station_page() {
+    const std::int32_t port = clamped_int32(setting_number("network.port"));
+    const std::string address = "http://127.0.0.1:" + std::to_string(port) + "/";
+    gtk_show_uri_on_window(GTK_WINDOW(widgets.window), address.c_str(), GDK_CURRENT_TIME, nullptr);
+}
+
 GtkWidget* make_header_texts() {
     GtkWidget* texts = make_box(GTK_ORIENTATION_VERTICAL, 3);
     pack(texts, make_label("TARNWAVE", "brand"));
     widgets.header_title = make_label("Your station", "title");
-    limit_lines(widgets.header_title, 2);
+    ellipsise(widgets.header_title);
+    gtk_label_set_lines(GTK_LABEL(widgets.header_title), 2);
     add_whole_text_tooltip(widgets.header_title);
     pack(texts, widgets.header_title);
 
@@ -58,8 +66,7 @@ GtkWidget* make_header() {
     gtk_widget_set_valign(actions, GTK_ALIGN_CENTER);
     widgets.unsaved_label = make_label("Unsaved changes", "warning", false);
     gtk_box_pack_start(GTK_BOX(actions), widgets.unsaved_label, FALSE, TRUE, 6);
-    widgets.open_page_button = make_button("Open station page", open_station_page);
-    pack(actions, widgets.open_page_button);
+    pack(actions, make_button("Open station page", open_station_page));
     widgets.save_button = make_button("Save changes", save_settings, "primary");
     pack(actions, widgets.save_button);
     pack_end(header, actions);

@@ -149,22 +149,22 @@ std::string content_line(GtkWidget* widget) {
 std::string name_line(GtkWidget* widget) {
     const std::pair<const char*, GtkWidget*> members[] = {
 #define MEMBER(name) {#name, widgets.name}
-        MEMBER(header_title),       MEMBER(header_dot),           MEMBER(header_status),
-        MEMBER(open_page_button),   MEMBER(save_button),          MEMBER(unsaved_label),
-        MEMBER(footer_status),      MEMBER(getting_started_card), MEMBER(getting_started_box),
-        MEMBER(station_link_row),   MEMBER(station_link),         MEMBER(copy_link_button),
-        MEMBER(on_air_box),         MEMBER(listeners_title),      MEMBER(listeners_view),
-        MEMBER(listeners_scroll),   MEMBER(listeners_empty),      MEMBER(end_session_button),
-        MEMBER(block_button),       MEMBER(grid_entry),           MEMBER(grid_hint),
-        MEMBER(description_view),   MEMBER(receiver_rows_box),    MEMBER(find_devices_button),
-        MEMBER(receivers_status),   MEMBER(max_listeners_spin),   MEMBER(upload_estimate),
-        MEMBER(mode_buttons[0]),    MEMBER(mode_buttons[1]),      MEMBER(mode_buttons[2]),
-        MEMBER(mode_buttons[3]),    MEMBER(mode_buttons[4]),      MEMBER(banned_view),
-        MEMBER(relay_switch),       MEMBER(relay_key_row),        MEMBER(relay_note),
-        MEMBER(reachability_label), MEMBER(port_status_label),    MEMBER(port_box),
-        MEMBER(port_hint_label),    MEMBER(listing_status_label), MEMBER(register_box),
-        MEMBER(understand_check),   MEMBER(register_email),       MEMBER(register_button),
-        MEMBER(registered_label),   MEMBER(linger_switch),
+        // clang-format off
+        MEMBER(header_title), MEMBER(header_dot), MEMBER(header_status), MEMBER(save_button),
+        MEMBER(unsaved_label), MEMBER(footer_status), MEMBER(getting_started_card),
+        MEMBER(getting_started_box), MEMBER(station_link_row), MEMBER(station_link),
+        MEMBER(on_air_box), MEMBER(listeners_title), MEMBER(listeners_view),
+        MEMBER(listeners_scroll), MEMBER(listeners_empty), MEMBER(end_session_button),
+        MEMBER(block_button), MEMBER(grid_entry), MEMBER(grid_hint), MEMBER(description_view),
+        MEMBER(receiver_rows_box), MEMBER(find_devices_button), MEMBER(receivers_status),
+        MEMBER(max_listeners_spin), MEMBER(upload_estimate), MEMBER(mode_buttons[0]),
+        MEMBER(mode_buttons[1]), MEMBER(mode_buttons[2]), MEMBER(mode_buttons[3]),
+        MEMBER(mode_buttons[4]), MEMBER(banned_view), MEMBER(relay_switch), MEMBER(relay_key_row),
+        MEMBER(relay_note), MEMBER(reachability_label), MEMBER(port_status_label), MEMBER(port_box),
+        MEMBER(port_hint_label), MEMBER(listing_status_label), MEMBER(register_box),
+        MEMBER(understand_check), MEMBER(register_email), MEMBER(register_button),
+        MEMBER(registered_label), MEMBER(linger_switch)
+    // clang-format on
 #undef MEMBER
     };
     std::string line;

@@ -37,7 +37,7 @@ TEST_F(Pages, OverviewHoldsItsCardsInOrder) {
         GtkBox .horizontal .row spacing=8 (station_link_row)
           GtkLabel "Station page"
           GtkLinkButton .flat .link .text-button label="about:blank" uri="about:blank" (station_link)
-          GtkButton .text-button label="Copy link" fill=FALSE pack-type=end (copy_link_button)
+          GtkButton .text-button label="Copy link" fill=FALSE pack-type=end
         GtkBox .vertical margin-bottom=6 (on_air_box)
       GtkBox .card .vertical
         GtkLabel "Listening now" .card-title margin-top=12 margin-bottom=8 (listeners_title)

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "ui/station_link.h"
-
 #include "link/json_access.h"
 #include "support/window_fixture.h"
 
@@ -32,14 +30,14 @@ protected:
 };
 
 TEST_F(StationPage, IsOpenedAtPortZeroBeforeTheFirstLoad) {
-    click(widgets.open_page_button);
+    click(find_button(widgets.window, "Open station page"));
     EXPECT_EQ(opened(), "stub-browser http://127.0.0.1:0/");
 }
 
 TEST_F(StationPage, IsOpenedAtTheSavedPort) {
     load(state_document());
     type_into("network.port", "9000"); // not saved
-    click(widgets.open_page_button);
+    click(find_button(widgets.window, "Open station page"));
     EXPECT_EQ(opened(), "stub-browser http://127.0.0.1:8073/");
 }
 
@@ -58,7 +56,7 @@ TEST_F(StationPage, TakesOddPortsAsFarAsTheyAreNumbers) {
         SCOPED_TRACE(json::serialize(c.port));
         load(with(state_document(), "settings.network.port", c.port));
         commands.forget_calls();
-        open_station_page();
+        click(find_button(widgets.window, "Open station page"));
         EXPECT_EQ(opened(), c.address);
     }
 }
@@ -76,7 +74,7 @@ TEST_F(StationLink, GoesToTheClipboard) {
     load(state_document());
     const std::string address = gtk_link_button_get_uri(GTK_LINK_BUTTON(widgets.station_link));
     ASSERT_NE(address, "about:blank");
-    click(widgets.copy_link_button);
+    click(find_button(widgets.window, "Copy link"));
     EXPECT_EQ(clipboard_text(), address);
     EXPECT_EQ(text_of(widgets.footer_status), "Station link copied.");
     EXPECT_EQ(status_class_of(widgets.footer_status), "good");

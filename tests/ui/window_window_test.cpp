@@ -36,7 +36,7 @@ TEST_F(BuildWindow, PutsTheHeaderOnTop) {
       GtkLabel "Connecting to the Tarnwave service…" .muted (header_status)
   GtkBox .horizontal spacing=8 valign=center fill=FALSE pack-type=end
     GtkLabel "Unsaved changes" .warning wrap=FALSE visible=FALSE padding=6 (unsaved_label)
-    GtkButton .text-button label="Open station page" (open_page_button)
+    GtkButton .text-button label="Open station page"
     GtkButton .primary .text-button label="Save changes" sensitive=FALSE (save_button)
 )");
 }

@@ -7,7 +7,6 @@
 #include "ui/widgets/long_text.h"
 #include "ui/widgets/setters.h"
 #include "ui/widgets/signals.h"
-#include "ui/widgets/spin_buttons.h"
 
 namespace {
 
@@ -132,20 +131,6 @@ GtkWidget* bind_entry(const char* key, const char* placeholder) {
     gtk_entry_set_placeholder_text(GTK_ENTRY(entry), placeholder);
     gtk_widget_set_size_request(entry, entry_width, -1);
     return bind_field(key, entry);
-}
-
-void add_switch_row(GtkWidget* card, const char* key, const char* label, const char* hint) {
-    add_row(card, label, hint, bind_field(key, gtk_switch_new()));
-}
-
-void add_number_row(GtkWidget* card, const char* key, const char* label, const char* hint,
-                    double minimum, double maximum) {
-    add_row(card, label, hint, bind_field(key, make_number_spin(minimum, maximum)));
-}
-
-void add_entry_row(GtkWidget* card, const char* key, const char* label, const char* hint,
-                   const char* placeholder) {
-    add_row(card, label, hint, bind_entry(key, placeholder));
 }
 
 GtkWidget* add_note(GtkWidget* box, const std::string& text, int top, int bottom) {

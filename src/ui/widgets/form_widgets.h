@@ -45,12 +45,5 @@ GtkWidget* bind_field(const char* key, GtkWidget* widget);
 /// A new entry for a row, bound to a key.
 GtkWidget* bind_entry(const char* key, const char* placeholder);
 
-/// Each adds a row with a new widget that is bound to a key.
-void add_switch_row(GtkWidget* card, const char* key, const char* label, const char* hint);
-void add_number_row(GtkWidget* card, const char* key, const char* label, const char* hint,
-                    double minimum, double maximum);
-void add_entry_row(GtkWidget* card, const char* key, const char* label, const char* hint,
-                   const char* placeholder);
-
 /// Adds a small plain text with margins above and below.
 GtkWidget* add_note(GtkWidget* box, const std::string& text, int top = 0, int bottom = 0);

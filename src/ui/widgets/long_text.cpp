@@ -60,12 +60,3 @@ void ease_layout(GtkWidget* label) {
     if (length >= long_text)
         gtk_label_set_width_chars(GTK_LABEL(label), long_text_chars);
 }
-
-void show_in_label(GtkWidget* label, const char* text, void (*set)(GtkLabel*, const char*)) {
-    if (gtk_label_get_attributes(GTK_LABEL(label))) {
-        gtk_label_set_attributes(GTK_LABEL(label), nullptr);
-        gtk_label_set_width_chars(GTK_LABEL(label), -1);
-    }
-    set(GTK_LABEL(label), text);
-    ease_layout(label);
-}

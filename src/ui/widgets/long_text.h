@@ -7,6 +7,3 @@
 /// Divides a label's long text into short runs, which does not change what is shown, and turns off
 /// the hyphens of broken words. Called after the text was set.
 void ease_layout(GtkWidget* label);
-
-/// Sets a label's text, or its markup, with GTK's function for it, and eases its layout.
-void show_in_label(GtkWidget* label, const char* text, void (*set)(GtkLabel*, const char*));

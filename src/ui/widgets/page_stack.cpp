@@ -24,13 +24,6 @@ void make_stack_homogeneous() {
     gtk_stack_set_homogeneous(stack(), TRUE);
 }
 
-int current_page() {
-    GList* pages = gtk_container_get_children(GTK_CONTAINER(widgets.stack));
-    const int index = g_list_index(pages, gtk_stack_get_visible_child(stack()));
-    g_list_free(pages);
-    return index;
-}
-
 /// Tab moves the focus into the list at the row of the page shown, and out of it at the next press.
 /// By default GTK would move the focus through all rows and show each page.
 gboolean on_page_list_focus(GtkWidget* list, GtkDirectionType direction, gpointer) {
@@ -89,14 +82,8 @@ GtkWidget* add_page(const char* name, const char* title, const char* subtitle) {
     gtk_container_add(GTK_CONTAINER(scroll), page);
     name_by_label(scroll, heading);
     gtk_stack_add_titled(stack(), scroll, name, title);
+    widgets.pages.push_back(scroll);
     return page;
-}
-
-int page_count() {
-    GList* pages = gtk_container_get_children(GTK_CONTAINER(widgets.stack));
-    const int count = static_cast<int>(g_list_length(pages));
-    g_list_free(pages);
-    return count;
 }
 
 void show_page(const char* name) {
@@ -108,15 +95,16 @@ void show_page(const char* name) {
     gtk_stack_set_visible_child(stack(), page);
 }
 
-void show_page_at(int index) {
-    GList* pages = gtk_container_get_children(GTK_CONTAINER(widgets.stack));
-    if (gpointer page = g_list_nth_data(pages, static_cast<guint>(index)))
-        gtk_stack_set_visible_child(stack(), GTK_WIDGET(page));
-    g_list_free(pages);
+void show_page_at(std::size_t index) {
+    if (index < widgets.pages.size())
+        gtk_stack_set_visible_child(stack(), widgets.pages[index]);
 }
 
 void turn_pages(int distance) {
-    show_page_at(std::clamp(current_page() + distance, 0, page_count() - 1));
+    const auto current =
+        std::find(widgets.pages.begin(), widgets.pages.end(), gtk_stack_get_visible_child(stack()));
+    // An index below 0 becomes a huge one, which no page has.
+    show_page_at(static_cast<std::size_t>(current - widgets.pages.begin() + distance));
 }
 
 void make_stack_homogeneous_when_idle() {

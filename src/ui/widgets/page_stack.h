@@ -14,13 +14,11 @@ GtkWidget* make_page_list();
 /// Returns the box for the page's cards.
 GtkWidget* add_page(const char* name, const char* title, const char* subtitle);
 
-int page_count();
-
 /// Shows a page by its name, or by its index in the stack. An unknown one changes nothing.
 void show_page(const char* name);
-void show_page_at(int index);
+void show_page_at(std::size_t index);
 
-/// Shows the page `distance` places after the current one, and stays at both ends.
+/// Shows the page `distance` places after the current one, if there is one.
 void turn_pages(int distance);
 
 /// Makes the stack homogeneous in an idle callback, so that every page has the same least size. The

@@ -43,6 +43,7 @@ template <class Done> void turn_loop_until(guint limit_ms, Done done) {
         gtk_main_iteration_do(TRUE);
     if (!over)
         g_source_remove(timer);
+    gdk_display_flush(gdk_display_get_default());
 }
 
 /// Waits for a frame that begins after this call.
@@ -60,7 +61,6 @@ void wait_for_frame(guint limit_ms) {
     if (g_signal_handler_is_connected(clock, handler))
         g_signal_handler_disconnect(clock, handler);
     g_object_unref(clock);
-    gdk_display_flush(gdk_display_get_default());
 }
 
 } // namespace
@@ -115,5 +115,4 @@ gint run_dialog(const MessageDialog& message) {
 
 void wait_until_uncovered() {
     turn_loop_until(uncover_time_ms, [] { return !widgets.window; });
-    gdk_display_flush(gdk_display_get_default());
 }

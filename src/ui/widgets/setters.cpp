@@ -7,11 +7,15 @@
 
 namespace {
 
-constexpr struct {
-    StatusClass status_class;
-    const char* name;
-} status_class_names[] = {
-    {StatusClass::good, "good"}, {StatusClass::warning, "warning"}, {StatusClass::error, "error"}};
+/// Sets a label's text, or its markup, with GTK's function for it, and eases its layout.
+void show_in_label(GtkWidget* label, const char* text, void (*set)(GtkLabel*, const char*)) {
+    if (gtk_label_get_attributes(GTK_LABEL(label))) {
+        gtk_label_set_attributes(GTK_LABEL(label), nullptr);
+        gtk_label_set_width_chars(GTK_LABEL(label), -1);
+    }
+    set(GTK_LABEL(label), text);
+    ease_layout(label);
+}
 
 gboolean on_label_query_tooltip(GtkLabel* label, gint, gint, gboolean, GtkTooltip* tooltip,
                                 gpointer) {
@@ -28,15 +32,13 @@ void add_style_class(GtkWidget* widget, const char* style_class) {
 }
 
 void set_status_class(GtkWidget* widget, StatusClass status_class) {
-    for (const auto& known : status_class_names)
-        set_style_class(widget, known.name, known.status_class == status_class);
+    set_style_class(widget, "good", status_class == StatusClass::good);
+    set_style_class(widget, "warning", status_class == StatusClass::warning);
+    set_style_class(widget, "error", status_class == StatusClass::error);
 }
 
 void set_style_class(GtkWidget* widget, const char* style_class, bool wanted) {
-    // GTK restyles the widget even when nothing changes, so ask first.
     GtkStyleContext* context = gtk_widget_get_style_context(widget);
-    if (static_cast<bool>(gtk_style_context_has_class(context, style_class)) == wanted)
-        return;
     if (wanted)
         gtk_style_context_add_class(context, style_class);
     else
@@ -63,11 +65,6 @@ void ellipsise(GtkWidget* label) {
     gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_END);
     // A line feed is drawn as a symbol, not as the end of the line.
     gtk_label_set_single_line_mode(GTK_LABEL(label), TRUE);
-}
-
-void limit_lines(GtkWidget* label, int lines) {
-    ellipsise(label);
-    gtk_label_set_lines(GTK_LABEL(label), lines);
 }
 
 void add_whole_text_tooltip(GtkWidget* label) {

@@ -24,9 +24,8 @@ void set_label_markup(GtkWidget* label, const std::string& markup);
 /// Sets the text, which is plain, and the colour.
 void show_status_line(GtkWidget* label, const StatusLine& line);
 
-/// Limits a label to one line, or to `lines`; a longer text ends in an ellipsis.
+/// Limits a label to one line; a longer text ends in an ellipsis.
 void ellipsise(GtkWidget* label);
-void limit_lines(GtkWidget* label, int lines);
 
 /// Longest tooltip, in bytes: about a dozen lines.
 inline constexpr std::size_t longest_tooltip = 2000;

@@ -25,13 +25,13 @@ inline constexpr std::array<const char*, 5> mode_names = {"USB", "LSB", "CW", "A
 struct WidgetRecord {
     GtkWidget* window = nullptr;
     GtkWidget* stack = nullptr;
-    GtkWidget* page_list = nullptr; ///< list box, one row per page
+    std::vector<GtkWidget*> pages{}; ///< the stack's children
+    GtkWidget* page_list = nullptr;  ///< list box, one row per page
 
     // Header
     GtkWidget* header_title = nullptr;  ///< the station's name
     GtkWidget* header_dot = nullptr;    ///< its class shows the station's health
     GtkWidget* header_status = nullptr; ///< the header line, beside the dot
-    GtkWidget* open_page_button = nullptr;
     GtkWidget* save_button = nullptr;   ///< sensitive while the form is dirty
     GtkWidget* unsaved_label = nullptr; ///< "Unsaved changes": visible while the form is dirty
 
@@ -42,8 +42,7 @@ struct WidgetRecord {
     GtkWidget* getting_started_box = nullptr; ///< one row per checklist item
     GtkWidget* station_link_row = nullptr;
     GtkWidget* station_link = nullptr; ///< link button
-    GtkWidget* copy_link_button = nullptr;
-    GtkWidget* on_air_box = nullptr; ///< one row per receiver on the air or failed
+    GtkWidget* on_air_box = nullptr;   ///< one row per receiver on the air or failed
     GtkWidget* listeners_title = nullptr;
     GtkWidget* listeners_view = nullptr;
     GtkListStore* listeners_store = nullptr; ///< number, address, tuned to, time

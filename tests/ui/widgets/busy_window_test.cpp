@@ -36,7 +36,7 @@ TEST_F(Busy, GreysItsButtonAndShowsTheBusyPointer) {
 TEST_F(Busy, LosesThePressesThatWaited) {
     int presses = 0;
     const auto on_clicked = +[](GtkButton*, int* count) { ++*count; };
-    GtkWidget* button = widgets.copy_link_button;
+    GtkWidget* button = find_button(widgets.window, "Copy link");
     show_page_at_once("overview");
     const gulong handler = g_signal_connect(button, "clicked", G_CALLBACK(on_clicked), &presses);
     { const BusyWith busy{button}; }

@@ -282,8 +282,8 @@ TEST_F(Theme, ColoursTheSaveButtonByItsState) {
 
 TEST_F(Theme, ColoursButtonsAndLinks) {
     load(state_document());
-    EXPECT_EQ(background(widgets.copy_link_button), "#17293B");
-    EXPECT_EQ(border(widgets.copy_link_button), "#22384D");
+    EXPECT_EQ(background(find_button(widgets.window, "Copy link")), "#17293B");
+    EXPECT_EQ(border(find_button(widgets.window, "Copy link")), "#22384D");
     EXPECT_EQ(background(widgets.station_link), "transparent");
     EXPECT_EQ(text_colour(gtk_bin_get_child(GTK_BIN(widgets.station_link))), "#63B6EE");
     EXPECT_EQ(text_colour(gtk_bin_get_child(GTK_BIN(widgets.block_button))), "#6B8093");
@@ -395,22 +395,22 @@ TEST_F(Theme, HasStrongBordersWhileTheDesktopHasAHighContrastTheme) {
     GtkSettings* settings = gtk_settings_get_default();
     for (const char* theme : {"HighContrast", "HighContrastInverse"}) {
         g_object_set(settings, "gtk-theme-name", theme, nullptr);
-        EXPECT_EQ(border(widgets.copy_link_button), "#9FB8CE") << theme;
+        EXPECT_EQ(border(find_button(widgets.window, "Copy link")), "#9FB8CE") << theme;
         set_status_class(widgets.footer_status, StatusClass::good);
         EXPECT_EQ(text_colour(widgets.footer_status), "#35C759") << theme;
         set_status_class(widgets.footer_status, StatusClass::none);
         gtk_settings_reset_property(settings, "gtk-theme-name");
-        EXPECT_EQ(border(widgets.copy_link_button), "#22384D") << theme;
+        EXPECT_EQ(border(find_button(widgets.window, "Copy link")), "#22384D") << theme;
     }
 }
 
 TEST_F(Theme, HasStrongBordersWhenTheEnvironmentAsksForHighContrast) {
     setenv("GTK_THEME", "HighContrast", 1);
     g_object_notify(G_OBJECT(gtk_settings_get_default()), "gtk-theme-name");
-    EXPECT_EQ(border(widgets.copy_link_button), "#9FB8CE");
+    EXPECT_EQ(border(find_button(widgets.window, "Copy link")), "#9FB8CE");
     unsetenv("GTK_THEME");
     g_object_notify(G_OBJECT(gtk_settings_get_default()), "gtk-theme-name");
-    EXPECT_EQ(border(widgets.copy_link_button), "#22384D");
+    EXPECT_EQ(border(find_button(widgets.window, "Copy link")), "#22384D");
 }
 
 TEST_F(Theme, HasTheColoursOfMarkupInItsClasses) {
