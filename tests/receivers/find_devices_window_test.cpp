@@ -36,6 +36,9 @@ protected:
     static double shown(GtkWidget* spin) {
         return gtk_spin_button_get_value(GTK_SPIN_BUTTON(spin));
     }
+
+    std::string said_meanwhile{};
+    bool sensitive_meanwhile = true;
 };
 
 TEST_F(FindDevices, SaysWhatItFoundAndAddsWhatIsNew) {
@@ -110,17 +113,15 @@ TEST_F(FindDevices, KeepsEditsMadeWhileItLooks) {
 }
 
 TEST_F(FindDevices, SaysThatItLooksAndGreysItsButtonMeanwhile) {
-    std::string said;
-    bool sensitive = true;
-    run_when_loop_turns([&] {
-        said = status();
-        sensitive = gtk_widget_get_sensitive(widgets.find_devices_button);
+    run_when_loop_turns([this] {
+        said_meanwhile = status();
+        sensitive_meanwhile = gtk_widget_get_sensitive(widgets.find_devices_button);
     });
     service.will_answer("GET", "/api/devices", 200, "[]");
     click(widgets.find_devices_button);
     EXPECT_EQ(requests_sent(), std::vector<std::string>{"GET /api/devices"});
-    EXPECT_EQ(said, "Looking for receivers…");
-    EXPECT_FALSE(sensitive);
+    EXPECT_EQ(said_meanwhile, "Looking for receivers…");
+    EXPECT_FALSE(sensitive_meanwhile);
     drain_events();
     EXPECT_TRUE(gtk_widget_get_sensitive(widgets.find_devices_button));
 }

@@ -33,6 +33,8 @@ protected:
         type_into(widgets.register_email, email);
         gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(widgets.understand_check), understood);
     }
+
+    std::string said_meanwhile{};
 };
 
 TEST_F(Registration, AsksForConsentFirst) {
@@ -62,10 +64,9 @@ TEST_F(Registration, SendsTheAddressAndReloads) {
     service.before_answering("POST", "/api/register", [this] {
         service.will_answer_state(json::serialize(state_document()));
     });
-    std::string meanwhile;
-    run_when_loop_turns([&meanwhile] { meanwhile = footer(); });
+    run_when_loop_turns([this] { said_meanwhile = footer(); });
     click(widgets.register_button);
-    EXPECT_EQ(meanwhile, "Registering…|");
+    EXPECT_EQ(said_meanwhile, "Registering…|");
     EXPECT_EQ(requests_sent(), (std::vector<std::string>{"POST /api/register", "GET /api/state"}));
     EXPECT_EQ(json::parse(service.requests()[0].body),
               (json::value{{"email", "ann@hilltop.example"}}));

@@ -190,6 +190,20 @@ TEST(StationState, CountsReceiversAndListenersWithoutReadingThem) {
     EXPECT_EQ(state.listeners_allowed, 20);
 }
 
+TEST(StationState, ThrowsWhenARequiredMemberIsMissingOrOfAnotherKind) {
+    for (const std::string& status : {
+             std::string{R"({"directory": {"state": "checked in"}, "listeners": []})"},
+             std::string{R"({"directory": {"state": "checked in"}, "receivers": []})"},
+             status_with(R"({"directory": {}})"),
+             status_with(R"({"directory": "checked in"})"),
+             status_with(R"({"receivers": {}})"),
+             status_with(R"({"listeners": {}})"),
+         }) {
+        SCOPED_TRACE(status);
+        EXPECT_THROW(derive("{}", status), std::exception);
+    }
+}
+
 TEST(StationState, TruncatesAndClampsNumbers) {
     const struct {
         const char* number;
