@@ -8,14 +8,15 @@
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/local/stream_protocol.hpp>
+#include <boost/asio/write.hpp>
+#include <boost/beast/core/buffers_to_string.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/http/empty_body.hpp>
 #include <boost/beast/http/error.hpp>
 #include <boost/beast/http/message.hpp>
 #include <boost/beast/http/parser.hpp>
 #include <boost/beast/http/read.hpp>
-#include <boost/beast/http/span_body.hpp>
 #include <boost/beast/http/string_body.hpp>
-#include <boost/beast/http/write.hpp>
 #include <boost/system/system_error.hpp>
 #include <fcntl.h>
 #include <glib.h>
@@ -115,20 +116,19 @@ Socket connected_socket(net::io_context& context) {
     return socket;
 }
 
-/// The service answers only requests with exactly these fields. `prepare_payload` adds a
-/// Content-Length to a GET that has a body, and none to one without.
+/// The service answers only requests with exactly these fields.
 void write_request(TimedStream& stream, HttpMethod method, std::string_view target,
                    std::string_view body) {
-    http::request<http::span_body<const char>> request;
-    request.version(11);
-    request.method(verb_of(method));
-    request.target({target.data(), target.size()});
+    http::request<http::empty_body> request{verb_of(method), {target.data(), target.size()}, 11};
     request.insert(http::field::host, "tarnwave");
-    request.insert(http::field::unknown, "X-Tarnwave", "1");
+    request.insert("X-Tarnwave", "1");
     request.insert(http::field::content_type, "application/json");
-    request.body() = {body.data(), body.size()};
-    request.prepare_payload();
-    http::write(stream, request);
+    if (!body.empty() || method != HttpMethod::get)
+        request.content_length(body.size());
+    // http::write would bring the code for every kind of body, a tenth of the program.
+    http::fields::writer header{request, request.version(), request.method()};
+    std::string text = boost::beast::buffers_to_string(header.get());
+    net::write(stream, net::buffer(text.append(body)));
 }
 
 ServiceReply read_reply(TimedStream& stream) {
