@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The JSON that the station service sends, and the two ways to read it.
-//
-// Lenient accessors never fail: a member that is missing or of another kind reads as nothing, "" or
-// 0. Strict accessors throw the JSON library's errors; no code between them and the main loop
-// catches them, so a document that breaks the service's contract ends the program, and
-// `contract_error_message` says in words which member was at fault.
+// The JSON that the station service sends, and the two ways to read it: lenient accessors never
+// fail, strict ones throw the JSON library's errors, which no code between them and the main loop
+// catches.
 #pragma once
 
 #include <boost/json/fwd.hpp>
@@ -23,9 +20,8 @@ extern json::object settings_object;
 /// `load_form` and `refresh_status` only.
 extern json::object status_object;
 
-/// Finds the value at a dotted key such as "station.name", one object level per segment. Returns
-/// null when there is none. A full stop at the end is ignored, an empty key finds nothing, an
-/// empty segment matches only a member with an empty name.
+/// Finds the value at a dotted key such as "station.name"; null when there is none. A full stop at
+/// the end is ignored, an empty segment matches only a member with an empty name.
 const json::value* find_path(const json::object& root, std::string_view dotted_key);
 json::value* find_path(json::object& root, std::string_view dotted_key);
 
@@ -43,7 +39,7 @@ std::string string_or_empty(const json::value& value);
 /// Returns the value of a signed or unsigned integer or a double, 0 for any other kind.
 double number_or_zero(const json::value& value);
 
-/// Truncates toward zero and clamps to the type's range; infinities go to the ends.
+/// Truncates toward zero and clamps to the type's range.
 std::int32_t clamped_int32(double number);
 std::int64_t clamped_int64(double number);
 
@@ -68,8 +64,8 @@ json::object take_object(json::value& document, const char* name);
 const json::object& as_object(const json::value& value, const char* what);
 const json::array& as_array(const json::value& value, const char* what);
 
-/// Keeps a step (what the program does with a document) for `contract_error_message` while the
-/// object exists. Of nested objects the innermost counts.
+/// What the program does with a document while the object exists, for `contract_error_message`. Of
+/// nested objects the innermost counts.
 class ReadingStep {
 public:
     explicit ReadingStep(const char* step);
@@ -81,6 +77,5 @@ private:
     const char* outer_;
 };
 
-/// The sentence to print when an error ends the program: which strict read failed at which step, or
-/// that it was another error.
+/// The sentence to print when an error ends the program.
 std::string contract_error_message(const char* library_message);

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Functions that format, convert, shorten and escape text, for the sentences and for the labels
-// that show them. They need no GTK.
+// Functions that format, convert, shorten and escape text.
 #pragma once
 
 #include <cstddef>
@@ -42,8 +41,8 @@ std::string shortened(std::string_view text, std::size_t most_bytes = longest_sh
 std::string shortened_in_front(std::string_view text, std::size_t most_bytes = longest_shown_text);
 
 /// Encloses a text that has right-to-left letters in U+2068 and U+2069, so that it does not reorder
-/// the numbers beside it. A left-to-right mark goes before it, because Pango would otherwise take
-/// the direction of the whole line from it. Other texts stay as they are. `text` is valid UTF-8.
+/// the numbers beside it, after a left-to-right mark, because Pango would otherwise take the
+/// direction of the whole line from it. `text` is valid UTF-8.
 std::string isolated(std::string_view text);
 
 /// Shortens text and escapes it for Pango markup, control characters included. `text` is valid

@@ -2,7 +2,7 @@
 // Asking the service which receivers are plugged in.
 #pragma once
 
-/// Asks the service, merges its reply into the receiver list, and says how many receivers there
-/// are. Keeps unsaved edits of the receivers' rows. Blocks for up to half a minute after "Looking
-/// for receivers…" was drawn. Throws the JSON library's error when the reply breaks the contract.
+/// Merges the service's devices into the receiver list and says how many there are. Keeps unsaved
+/// edits of the receivers' rows. Blocks for up to half a minute after "Looking for receivers…" was
+/// drawn. Throws the JSON library's error when the reply breaks the contract.
 void find_devices();

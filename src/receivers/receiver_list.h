@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The list of the station's receivers, and how a discovery is merged into it.
-//
-// A list keeps the order of first appearance: load order, then discovery order. Backend and serial
-// number identify a receiver, byte for byte.
+// The list of the station's receivers, in the order of first appearance. Backend and serial number
+// identify a receiver.
 #pragma once
 
 #include <boost/json/fwd.hpp>
@@ -35,15 +33,13 @@ struct Receiver {
 /// Reads one element of the settings' `receivers`:
 /// `{"backend": string, "serial": string, "lo": number, "hi": number}`, and where present
 /// `"model"` (else the backend) and `"enabled": bool` (else true). Throws the JSON library's error
-/// when it is no object, lacks one of the four, or `enabled` is no boolean; strings and numbers of
-/// another kind read as "" and 0.
+/// when it is no object, lacks one of the four, or `enabled` is no boolean.
 Receiver receiver_from_settings(const boost::json::value& element);
 
 /// Merges a device reply, `[{"backend": string, "serial": string, "model": string,
-/// "available": bool}]`, into `list`: known receivers get the reported model and availability and
-/// keep everything else, unknown ones are appended, not shared, with their default range. Returns
-/// how many were appended. Throws the JSON library's error at the first element that is broken;
-/// those before it are merged.
+/// "available": bool}]`, into `list`: known receivers get the reported model and availability,
+/// unknown ones are appended, not shared, with their default range. Returns how many were appended.
+/// Throws the JSON library's error at a broken element; those before it are merged.
 std::size_t merge_devices(std::vector<Receiver>& list, const boost::json::array& devices);
 
 /// The sentence that reports how many devices the service found, and how many of them are new.
@@ -53,6 +49,5 @@ std::string discovery_text(std::size_t found, std::size_t added);
 /// `list` are of the same model.
 std::string spoken_name(const std::vector<Receiver>& list, const Receiver& receiver);
 
-/// The settings' `receivers` as they are saved: the shared ones alone, with whole hertz written as
-/// floating-point numbers.
+/// The settings' `receivers` as they are saved: the shared ones, with whole hertz as doubles.
 boost::json::array receivers_to_save(const std::vector<Receiver>& list);

@@ -4,14 +4,14 @@
 
 #include <cstddef>
 
-/// Makes the cards anew from the receiver list. Edits in the old cards are lost unless they were
-/// captured before. The focus stays on the same control of the same receiver.
+/// Makes the cards anew from the receiver list. Edits that were not captured are lost. The focus
+/// stays on the same control of the same receiver.
 void rebuild_receiver_rows();
 
 /// Commits typed text in spin buttons, then copies the cards' values into the receiver list: the
 /// share switch, and the range of a tunable receiver.
 void capture_row_edits();
 
-/// Shows whether the range typed for the receiver at `index` of the list fits it. Does nothing for
-/// a receiver without frequency controls. The handler of "value-changed" of both spin buttons.
+/// The handler of "value-changed" of both spin buttons of the receiver at `index`. Does nothing for
+/// a receiver without frequency controls.
 void check_receiver_range(std::size_t index);

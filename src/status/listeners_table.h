@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The title "Listening now" and the table of listeners below it.
-//
-// Rows are matched by session number and overwritten in place, so that the selection, the scroll
-// position and the cursor stay where they are while listeners come and go.
+// The title "Listening now" and the table of listeners below it. Rows are matched by session number
+// and overwritten in place, so that the selection, the scroll position and the cursor stay.
 #pragma once
 
 #include "status/station_state.h"
@@ -12,8 +10,7 @@
 #include <optional>
 #include <string>
 
-/// Makes the table's store, view and columns, and writes them into the widget record. Returns the
-/// scrolled window around the view.
+/// Makes the table and returns the scrolled window around it.
 GtkWidget* make_listeners_table();
 
 /// Draws title and table. Throws the JSON library's error at a broken record: the rows before it

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Draws the Overview page, except for the listeners table.
-//
-// Each function draws one section from the status object and what was derived from it, and throws
-// the JSON library's error where a record is broken. A row whose content changes is made anew, the
-// others are kept, so that the focus and a pressed button stay.
+// Draws the Overview page, except for the listeners table. Each function draws one section from the
+// status object, and throws the JSON library's error where a record is broken.
 #pragma once
 
 #include "status/station_state.h"

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The sentences of the header line and the Overview page.
-//
-// Functions whose names end in `_markup` return Pango markup with the service's strings escaped;
-// all others return plain text.
+// The sentences of the header line and the Overview page. Functions whose names end in `_markup`
+// return Pango markup with the service's strings escaped, all others plain text.
 #pragma once
 
 #include "status/station_state.h"
@@ -28,15 +26,15 @@ struct ChecklistItem {
 /// The "Getting started" list, in the order shown.
 std::array<ChecklistItem, 4> checklist_items(const StationState& state);
 
-/// True when nothing is left to do and the card is hidden: all four items are done and, when the
-/// relay is wanted, the station list has confirmed the check-in.
+/// True when the card is hidden: all four items are done and, when the relay is wanted, the station
+/// list has confirmed the check-in.
 bool checklist_is_done(const StationState& state);
 
 /// Markup of an item's text: escaped, and dimmed when done.
 std::string checklist_item_markup(const ChecklistItem& item);
 
-/// Hertz as megahertz with at most six significant digits and without trailing zeros, rounded to
-/// whole kilohertz first: 7074000 is "7.074".
+/// Hertz as megahertz with at most six significant digits, rounded to whole kilohertz first:
+/// 7074000 is "7.074".
 std::string frequency_text(double hz);
 
 /// A receiver on the air: its name in bold ("Receiver" when empty) and its range.

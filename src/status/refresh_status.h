@@ -2,10 +2,9 @@
 // Brings what the window shows of the station's state up to date.
 #pragma once
 
-/// Asks the service for the state document, keeps its status as the status object and draws it.
-/// When the service does not answer, the header line says so and nothing else changes. The form
-/// and the settings object are never touched. Blocks for up to two seconds per read or write.
-/// Throws the JSON library's error when the document breaks the contract.
+/// Asks the service for the state document, keeps its status and draws it. When the service does
+/// not answer, the header line says so and nothing else changes. Blocks for up to two seconds per
+/// read or write. Throws the JSON library's error when the document breaks the contract.
 void refresh_status();
 
 /// Redraws the header line, the Overview page and the Internet page's status lines from the

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The values that several sentences need, derived from the service's state document once for each
-// `render_state`. The records of receivers and listeners are read where they are drawn, so that the
-// records before a broken one are drawn.
+// `render_state`.
 #pragma once
 
 #include <boost/json/fwd.hpp>
