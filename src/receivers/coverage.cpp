@@ -4,8 +4,7 @@
 #include "link/text.h"
 #include "ui/colours.h"
 
-#include <glib.h>
-
+#include <charconv>
 #include <cmath>
 
 namespace {
@@ -57,18 +56,13 @@ std::span<const BandPreset> band_presets() {
 }
 
 std::optional<BandRange> band_range(std::string_view id) {
-    const std::string text{id};
-    const char* low_start = text.c_str();
-    char* low_end = nullptr;
-    const double low_mhz = g_ascii_strtod(low_start, &low_end);
-    if (low_end == low_start || *low_end != '-')
+    BandRange range;
+    const char* const end = id.data() + id.size();
+    const auto low = std::from_chars(id.data(), end, range.low_mhz);
+    if (low.ec != std::errc{} || low.ptr == end || *low.ptr != '-')
         return std::nullopt;
-    const char* high_start = low_end + 1;
-    char* high_end = nullptr;
-    const double high_mhz = g_ascii_strtod(high_start, &high_end);
-    if (high_end == high_start)
-        return std::nullopt;
-    return BandRange{low_mhz, high_mhz};
+    const auto high = std::from_chars(low.ptr + 1, end, range.high_mhz);
+    return high.ec == std::errc{} ? std::optional{range} : std::nullopt;
 }
 
 StatusLine coverage_line(std::string_view backend, double low_mhz, double high_mhz) {

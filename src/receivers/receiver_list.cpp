@@ -19,17 +19,6 @@ Receiver* find_receiver(std::vector<Receiver>& list, const std::string& backend,
     return found == list.end() ? nullptr : &*found;
 }
 
-json::object receiver_to_save(const Receiver& receiver) {
-    json::object saved;
-    saved["backend"] = receiver.backend;
-    saved["serial"] = receiver.serial;
-    saved["model"] = receiver.model;
-    saved["lo"] = std::round(receiver.lo);
-    saved["hi"] = std::round(receiver.hi);
-    saved["enabled"] = true;
-    return saved;
-}
-
 } // namespace
 
 Receiver receiver_from_settings(const json::value& element) {
@@ -90,6 +79,11 @@ json::array receivers_to_save(const std::vector<Receiver>& list) {
     json::array saved;
     for (const Receiver& receiver : list)
         if (receiver.enabled)
-            saved.push_back(receiver_to_save(receiver));
+            saved.push_back(json::object{{"backend", receiver.backend},
+                                         {"serial", receiver.serial},
+                                         {"model", receiver.model},
+                                         {"lo", std::round(receiver.lo)},
+                                         {"hi", std::round(receiver.hi)},
+                                         {"enabled", true}});
     return saved;
 }

@@ -5,15 +5,26 @@
 #include "link/json_access.h"
 #include "link/text.h"
 
+#include <arpa/inet.h>
 #include <boost/json/value.hpp>
+#include <ifaddrs.h>
+#include <netinet/in.h>
 
+#include <cstring>
 #include <ctime>
 #include <iterator>
+#include <memory>
 #include <type_traits>
 
 static_assert(sizeof(std::time_t) == sizeof(std::int64_t) && std::is_signed_v<std::time_t>);
 
 namespace {
+
+/// The private ranges 10.0.0.0/8, 172.16.0.0/12 and 192.168.0.0/16 (RFC 1918, section 3). `address`
+/// is in host byte order.
+bool is_private_ipv4(std::uint32_t address) {
+    return address >> 24U == 10 || address >> 20U == 0xAC1 || address >> 16U == 0xC0A8;
+}
 
 StatusLine port_check_line(const StationState& state) {
     const std::string host{directory_host};
@@ -56,6 +67,29 @@ StatusClass relay_class(const StationState& state) {
 }
 
 } // namespace
+
+std::string first_private_ipv4(const ifaddrs* interfaces) {
+    for (const ifaddrs* each = interfaces; each; each = each->ifa_next) {
+        if (!each->ifa_addr || each->ifa_addr->sa_family != AF_INET)
+            continue;
+        sockaddr_in address;
+        std::memcpy(&address, each->ifa_addr, sizeof address);
+        if (!is_private_ipv4(ntohl(address.sin_addr.s_addr)))
+            continue;
+        char text[INET_ADDRSTRLEN];
+        if (inet_ntop(AF_INET, &address.sin_addr, text, sizeof text))
+            return text;
+    }
+    return "";
+}
+
+std::string lan_address() {
+    ifaddrs* first = nullptr;
+    if (getifaddrs(&first) != 0)
+        return "";
+    const std::unique_ptr<ifaddrs, decltype(&freeifaddrs)> interfaces{first, freeifaddrs};
+    return first_private_ipv4(interfaces.get());
+}
 
 std::string port_instructions_markup(std::int32_t port, std::string_view lan_address) {
     std::string text =

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The sentences of the Internet page's status lines.
+// The sentences of the Internet page's status lines, and the address that one of them names.
 #pragma once
 
 #include "status/station_state.h"
@@ -8,19 +8,25 @@
 #include <boost/json/fwd.hpp>
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 
-/// What to set on the router, as markup. `lan_address` is this computer's private IPv4 address in
-/// dotted decimal; empty leaves it out.
+struct ifaddrs;
+
+/// First private IPv4 address (RFC 1918, section 3) of an interface list as getifaddrs gives it, in
+/// dotted decimal; "" when there is none. Null is the empty list.
+std::string first_private_ipv4(const ifaddrs* interfaces);
+
+/// `first_private_ipv4` of this host's interfaces as they are now; "" when they cannot be read.
+std::string lan_address();
+
+/// What to set on the router, as markup. An empty address is left out.
 std::string port_instructions_markup(std::int32_t port, std::string_view lan_address);
 
 /// How listeners reach the station: the port check, or the relay when it is wanted.
 StatusLine reach_line(const StationState& state);
 
-/// The station's certificate. `https` is the status member of that name, an empty object when the
-/// service sends none. The expiry date is in local time and the user's language.
+/// The station's certificate. `https` is the status member of that name, or an empty object.
 StatusLine certificate_line(const boost::json::object& https, const StationState& state);
 
 /// The station's standing on the public station list.

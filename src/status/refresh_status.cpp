@@ -4,7 +4,6 @@
 #include "link/json_access.h"
 #include "link/service_link.h"
 #include "status/internet_texts.h"
-#include "status/lan_address.h"
 #include "status/listeners_table.h"
 #include "status/overview_page.h"
 #include "status/overview_texts.h"

@@ -4,7 +4,7 @@
 
 #include "link/build_constants.h"
 #include "link/json_access.h"
-#include "status/lan_address.h"
+#include "status/internet_texts.h"
 #include "support/user_locale.h"
 #include "support/window_fixture.h"
 

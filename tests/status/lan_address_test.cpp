@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "status/lan_address.h"
+#include "status/internet_texts.h"
 
 #include <gtest/gtest.h>
 
