@@ -32,10 +32,6 @@ void refresh_when_idle() {
     g_idle_add(on_refresh_idle, &widgets);
 }
 
-void close_window() {
-    gtk_window_close(GTK_WINDOW(widgets.window));
-}
-
 /// Accelerators as GTK writes them, with blanks between them.
 struct Shortcut {
     const char* title;
@@ -48,7 +44,8 @@ struct Shortcut {
 constexpr Shortcut shortcuts[] = {
     {"Save changes", "<Primary>s", "", save_if_edited},
     {"Ask the service for news at once", "F5", "", refresh_when_idle},
-    {"Close the window", "<Primary>w <Primary>q", "", close_window},
+    {"Close the window", "<Primary>w <Primary>q", "",
+     [] { gtk_window_close(GTK_WINDOW(widgets.window)); }},
     {"Show these shortcuts", "<Primary>question", "<Primary><Shift>question", show_shortcuts},
     {"Show a page by its place", nullptr, "", nullptr},
     {"Next page", "<Primary>Page_Down", "<Primary>KP_Page_Down", [] { turn_pages(1); }},

@@ -19,13 +19,6 @@
 
 namespace {
 
-/// A click through the accessibility bus blocks the bus until its handler has returned: a screen
-/// reader that clicks could not read a dialog that the handler runs. An idle callback of high
-/// priority runs before the next event.
-void block_when_idle() {
-    call_when_idle(G_PRIORITY_HIGH, block_listener_address);
-}
-
 void copy_station_link() {
     gtk_clipboard_set_text(gtk_clipboard_get(GDK_SELECTION_CLIPBOARD),
                            gtk_link_button_get_uri(GTK_LINK_BUTTON(widgets.station_link)), -1);
@@ -57,7 +50,11 @@ void build_listeners_card(GtkWidget* page) {
     GtkWidget* buttons = make_box(GTK_ORIENTATION_HORIZONTAL, 8);
     set_vertical_margins(buttons, 10, 12);
     widgets.end_session_button = make_button("End session", end_listener_session);
-    widgets.block_button = make_button("Block address…", block_when_idle);
+    // A click through the accessibility bus blocks the bus until its handler has returned: a screen
+    // reader that clicks could not read a dialog that the handler runs. An idle callback of high
+    // priority runs before the next event.
+    widgets.block_button = make_button(
+        "Block address…", [] { call_when_idle(G_PRIORITY_HIGH, block_listener_address); });
     pack(buttons, widgets.end_session_button);
     pack(buttons, widgets.block_button);
     GtkWidget* hint =

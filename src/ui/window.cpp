@@ -15,9 +15,6 @@
 
 namespace {
 
-constexpr int default_width = 1000;
-constexpr int default_height = 780;
-
 /// Responses of the question about unsaved changes.
 enum CloseAnswer : gint { discard = 1, save = 2 };
 
@@ -125,7 +122,7 @@ void build_window() {
     widgets.window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     gtk_window_set_title(GTK_WINDOW(widgets.window), "Tarnwave settings");
     gtk_window_set_icon_name(GTK_WINDOW(widgets.window), "tarnwave");
-    gtk_window_set_default_size(GTK_WINDOW(widgets.window), default_width, default_height);
+    gtk_window_set_default_size(GTK_WINDOW(widgets.window), 1000, 780);
     g_signal_connect(widgets.window, "destroy", G_CALLBACK(on_window_destroyed), nullptr);
     g_signal_connect(widgets.window, "delete-event", G_CALLBACK(on_window_delete), nullptr);
 

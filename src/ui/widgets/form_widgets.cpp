@@ -10,9 +10,6 @@
 
 namespace {
 
-/// Width of the entries at the end of a row, in pixels.
-constexpr int entry_width = 320;
-
 /// Key of the object data in which a card counts its rows.
 constexpr char row_count_key[] = "rows";
 
@@ -129,7 +126,7 @@ GtkWidget* bind_field(const char* key, GtkWidget* widget) {
 GtkWidget* bind_entry(const char* key, const char* placeholder) {
     GtkWidget* entry = gtk_entry_new();
     gtk_entry_set_placeholder_text(GTK_ENTRY(entry), placeholder);
-    gtk_widget_set_size_request(entry, entry_width, -1);
+    gtk_widget_set_size_request(entry, 320, -1);
     return bind_field(key, entry);
 }
 

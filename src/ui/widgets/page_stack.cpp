@@ -11,9 +11,6 @@
 
 namespace {
 
-/// Width of the list of pages, in pixels.
-constexpr int page_list_width = 190;
-
 GtkStack* stack() {
     return GTK_STACK(widgets.stack);
 }
@@ -50,7 +47,7 @@ GtkWidget* make_page_stack() {
 
 GtkWidget* make_page_list() {
     GtkWidget* sidebar = gtk_stack_sidebar_new();
-    gtk_widget_set_size_request(sidebar, page_list_width, -1);
+    gtk_widget_set_size_request(sidebar, 190, -1);
     gtk_stack_sidebar_set_stack(GTK_STACK_SIDEBAR(sidebar), stack());
     for (GtkWidget* widget : descendants_of(sidebar)) {
         // The scrolled window around the list must not take the focus.

@@ -3,17 +3,13 @@
 
 #include "ui/field_rules.h"
 #include "ui/widgets/accessibility.h"
+#include "ui/widgets/widget_record.h"
 
 #include <cstring>
 #include <string>
 #include <string_view>
 
 namespace {
-
-constexpr double highest_frequency_mhz = 6000;
-constexpr double frequency_step_mhz = 0.001;
-constexpr guint frequency_decimals = 3;
-constexpr gint frequency_width_chars = 9;
 
 /// Converts the typed text to a value. GTK's own conversion follows the locale and stops at a
 /// decimal point of another locale.
@@ -51,8 +47,7 @@ void on_spin_insert_text(GtkEditable* spin, const char* text, gint length, gpoin
 }
 
 bool holds_focus(GtkWidget* widget) {
-    GtkWidget* window = gtk_widget_get_toplevel(widget);
-    GtkWidget* focus = GTK_IS_WINDOW(window) ? gtk_window_get_focus(GTK_WINDOW(window)) : nullptr;
+    GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(widgets.window));
     return focus && (focus == widget || gtk_widget_is_ancestor(focus, widget));
 }
 
@@ -78,9 +73,9 @@ GtkWidget* make_number_spin(double minimum, double maximum) {
 }
 
 GtkWidget* make_frequency_spin(const char* name) {
-    GtkWidget* spin = gtk_spin_button_new_with_range(0, highest_frequency_mhz, frequency_step_mhz);
-    gtk_spin_button_set_digits(GTK_SPIN_BUTTON(spin), frequency_decimals);
-    gtk_entry_set_width_chars(GTK_ENTRY(spin), frequency_width_chars);
+    GtkWidget* spin = gtk_spin_button_new_with_range(0, 6000, 0.001);
+    gtk_spin_button_set_digits(GTK_SPIN_BUTTON(spin), 3);
+    gtk_entry_set_width_chars(GTK_ENTRY(spin), 9);
     set_accessible_name(spin, name);
     return wired(spin);
 }
