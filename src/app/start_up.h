@@ -7,8 +7,7 @@
 /// Time from one poll to the next, in seconds.
 inline constexpr guint poll_interval_s = 3;
 
-/// Runs `refresh_status` while there is a window. For `g_timeout_add_seconds`; the argument is
-/// ignored.
+/// The timer's callback: runs `refresh_status` while there is a window.
 gboolean poll_state(gpointer);
 
 /// Runs the program and returns its exit status: 0 after the window was closed, 1 when the service

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-/// The hint below "Grid square": the middle of a Maidenhead square of four or six characters in
-/// either case, or an explanation of what a square looks like.
+/// The hint below "Grid square". An error for a text that is no Maidenhead square of four or six
+/// characters.
 StatusLine grid_hint(std::string_view grid);
 
 /// The upload that `listeners` at once need, in words.
@@ -22,9 +22,8 @@ std::string header_title(std::string_view name, std::string_view callsign);
 /// The line shown in place of the registration's widgets. `email` may be empty.
 std::string registered_text(std::string_view id, std::string_view email);
 
-/// True for a text of the form name, at sign, domain, full stop, ending: one part before the only
-/// at sign, and after it a full stop with something on either side, without white space anywhere.
-/// Takes texts of any length.
+/// True for a text with one at sign, something before it and a full stop with something on either
+/// side after it, without white space anywhere. Takes texts of any length.
 bool is_email_address(std::string_view text);
 
 /// Reads a number that is typed into a spin button, with a dot or a comma as the decimal point in

@@ -2,17 +2,15 @@
 // The form: loading and saving it, and what changes in it while it is edited.
 #pragma once
 
-/// Fetches the state document, keeps its two members and shows them: every field, the receivers,
-/// the header's title, and through `render_state` the status pages. The form is clean afterwards.
-/// When the status of the reply is not 200, nothing changes and nothing is reported. Throws the
-/// JSON library's error when the document breaks the contract; blocks for the request and for
-/// asking the login manager.
+/// Fetches the state document, keeps its two members and shows them in the form and, through
+/// `render_state`, on the status pages. The form is clean afterwards. When the status of the reply
+/// is not 200, nothing changes and nothing is reported. Throws the JSON library's error when the
+/// document breaks the contract.
 void load_form();
 
-/// Commits typed text in spin buttons, sends the form's settings and reports in the footer. On
-/// success the form is loaded anew and clean; otherwise the edits stay as they are. Returns
-/// whether the service accepted them. Throws the JSON library's error when a reply breaks the
-/// contract.
+/// Sends the form's settings and reports in the footer. On success the form is loaded anew;
+/// otherwise the edits stay as they are. Returns whether the service accepted them. Throws the JSON
+/// library's error when a reply breaks the contract.
 bool save_settings();
 
 /// Shows where the typed grid square lies, or what a grid square looks like.

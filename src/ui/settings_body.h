@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What a save sends: a copy of the loaded settings, overwritten with the form's values.
-//
-// Keys that the form has no field for are sent back unchanged, in the service's order; keys that
+// What a save sends: a copy of the loaded settings, overwritten with the form's values. Keys that
 // the service did not send are never added, except for the list of receivers.
 #pragma once
 

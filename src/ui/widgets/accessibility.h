@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Names, descriptions and announcements for screen readers, beyond those that GTK makes itself.
+// Names, descriptions and announcements for screen readers.
 #pragma once
 
 #include <gtk/gtk.h>

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The builders that give every page the same look.
-//
-// Builders return widgets that the tree of their parent owns; those without a parent return a
-// floating reference, which the container they are packed into takes over.
+// The builders that give every page the same look. Those without a parent return a floating
+// reference.
 #pragma once
 
 #include "ui/widgets/widget_record.h"

@@ -4,6 +4,5 @@
 
 #include <gtk/gtk.h>
 
-/// Divides a label's long text into short runs, which does not change what is shown, and turns off
-/// the hyphens of broken words. Called after the text was set.
+/// Divides a label's text, if it is long, into short runs. Called after the text was set.
 void ease_layout(GtkWidget* label);

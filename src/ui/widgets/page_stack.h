@@ -10,8 +10,8 @@ GtkWidget* make_page_stack();
 /// Makes the list of the pages that the stack holds, and writes its list box into the record.
 GtkWidget* make_page_list();
 
-/// Adds a scrolling page to the stack under `name`; `title` and `subtitle` (null: none) are plain.
-/// Returns the box for the page's cards.
+/// Adds a scrolling page; `title` and `subtitle` (may be null) are plain. Returns its box for
+/// cards.
 GtkWidget* add_page(const char* name, const char* title, const char* subtitle);
 
 /// Shows a page by its name, or by its index in the stack. An unknown one changes nothing.
@@ -21,7 +21,6 @@ void show_page_at(std::size_t index);
 /// Shows the page `distance` places after the current one, if there is one.
 void turn_pages(int distance);
 
-/// Makes the stack homogeneous in an idle callback, so that every page has the same least size. The
-/// stack is not homogeneous at first, because GTK would then measure all pages before the first
-/// frame.
+/// Makes the stack homogeneous in an idle callback. It is not homogeneous at first, because GTK
+/// would then measure all pages before the first frame.
 void make_stack_homogeneous_when_idle();

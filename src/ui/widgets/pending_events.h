@@ -17,11 +17,12 @@ void run_pending_events();
 /// Waits until the window is mapped and has drawn a frame since, at most for a second.
 void wait_until_window_is_drawn();
 
-/// Waits until what was just written into a widget of the window is on the screen, at most for a
-/// quarter of a second (a window that is covered or minimised draws no frames).
+/// Waits until what was just written into a widget is on the screen, at most for a quarter of a
+/// second (a window that is covered or minimised draws no frames).
 void draw_now();
 
-/// A modal message dialog. Texts are plain.
+/// A modal message dialog. Texts are plain. Without a default response Enter presses the first
+/// button.
 struct MessageDialog {
     GtkMessageType type = GTK_MESSAGE_QUESTION;
     std::string text{};
@@ -33,14 +34,12 @@ struct MessageDialog {
         const char* style_class = nullptr;
     };
     std::vector<Button> buttons{};
-    /// When there is none, Enter presses the first button.
     gint default_response = GTK_RESPONSE_NONE;
 };
 
 /// Shows a message dialog until it is answered and destroys it. Returns the response.
 gint run_dialog(const MessageDialog& message);
 
-/// Waits a tenth of a second for the window to be drawn where a destroyed dialog was. Called before
-/// a blocking call: without a compositor the dialog would stay on the screen meanwhile. Not called
-/// otherwise, because actions of the user would be ignored during that time.
+/// Waits a tenth of a second for the window to be drawn where a destroyed dialog was: before a
+/// blocking call, since without a compositor the dialog would stay on the screen meanwhile.
 void wait_until_uncovered();

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Setters for labels, entries, text views and style classes.
-//
-// Each writes only what differs from what is shown, so that an unchanged value draws nothing.
+// Setters for labels, entries, text views and style classes. Each writes only what differs from
+// what is shown, so that an unchanged value draws nothing.
 #pragma once
 
 #include "status/status_line.h"
@@ -21,7 +20,6 @@ void set_style_class(GtkWidget* widget, const char* style_class, bool wanted);
 void set_label_text(GtkWidget* label, const std::string& text);
 void set_label_markup(GtkWidget* label, const std::string& markup);
 
-/// Sets the text, which is plain, and the colour.
 void show_status_line(GtkWidget* label, const StatusLine& line);
 
 /// Limits a label to one line; a longer text ends in an ellipsis.
@@ -38,7 +36,6 @@ void add_whole_text_tooltip(GtkWidget* label);
 void show_footer(const StatusLine& line);
 void show_footer_error(const std::string& text);
 
-/// The whole text of a text view, without hidden characters.
 std::string text_of_view(GtkWidget* text_view);
 
 /// Each leaves the cursor of a field that has the focus where it is.

@@ -7,8 +7,7 @@
 /// A spin button for whole numbers.
 GtkWidget* make_number_spin(double minimum, double maximum);
 
-/// A spin button for a frequency in MHz: 0 to 6000 in steps of a kilohertz. `name` is
-/// its accessible name.
+/// A spin button for a frequency in MHz, with three decimals. `name` is its accessible name.
 GtkWidget* make_frequency_spin(const char* name);
 
 /// Lets the mouse wheel scroll the page over the widget, unless the widget has the focus.

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The window's widgets and flags, in one record that all of the program uses.
-//
-// GTK's widget tree owns every widget. `build_window` fills the record once; nothing in it is freed
-// before the process ends.
+// The window's widgets and flags, in one record that all of the program uses. GTK's widget tree
+// owns every widget.
 #pragma once
 
 #include "receivers/receiver_list.h"
@@ -83,17 +81,13 @@ struct WidgetRecord {
     GtkWidget* registered_label = nullptr;
     GtkWidget* linger_switch = nullptr;
 
-    /// True while `load_form` writes into the form, which is no edit.
-    bool loading = false;
-    /// True when something was edited since the last load. Set by `mark_dirty` and `mark_clean`.
-    bool dirty = false;
-    /// True while `show_linger` sets `linger_switch`.
-    bool linger_guard = false;
+    bool loading = false;      ///< `load_form` writes into the form, which is no edit
+    bool dirty = false;        ///< something was edited since the last load
+    bool linger_guard = false; ///< `show_linger` sets `linger_switch`
 
     /// The bound fields, in the order in which they are made, loaded and saved.
     std::vector<FieldBinding> field_registry{};
-    /// The receivers shown. Set by `load_form`, `find_devices` and `capture_row_edits`; their
-    /// widgets by `rebuild_receiver_rows`.
+    /// The receivers shown. `rebuild_receiver_rows` sets their widgets.
     std::vector<Receiver> receiver_list{};
 };
 
