@@ -316,6 +316,7 @@ TEST_F(NewListenersTable, WidensItsColumnsWithTheScaleOfTexts) {
     };
     load(state_document());
     const int width = time_width();
+    EXPECT_GT(width, 0);
     g_object_set(gtk_settings_get_default(), "gtk-xft-dpi", 2 * 96 * 1024, nullptr);
     drain_events();
     const int width_at_twice_the_scale = time_width();
