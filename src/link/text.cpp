@@ -1,13 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "link/text.h"
 
-#include <glib.h>
-
 #include <cstdarg>
-
-void GlibFree::operator()(char* text) const {
-    g_free(text);
-}
 
 std::string format_text(const char* format, ...) {
     va_list arguments;

@@ -2,13 +2,15 @@
 // Functions that format, convert, shorten and escape text.
 #pragma once
 
+#include <glib.h>
+
 #include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
 
 struct GlibFree {
-    void operator()(char* text) const;
+    void operator()(char* text) const { g_free(text); }
 };
 
 /// A text that GLib has allocated.

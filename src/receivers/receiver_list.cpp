@@ -9,18 +9,6 @@
 #include <algorithm>
 #include <cmath>
 
-namespace {
-
-Receiver* find_receiver(std::vector<Receiver>& list, const std::string& backend,
-                        const std::string& serial) {
-    const auto found = std::find_if(list.begin(), list.end(), [&](const Receiver& each) {
-        return each.serial == serial && each.backend == backend;
-    });
-    return found == list.end() ? nullptr : &*found;
-}
-
-} // namespace
-
 Receiver receiver_from_settings(const json::value& element) {
     const json::object& object = as_object(element, "an element of receivers");
     Receiver receiver;
@@ -42,13 +30,15 @@ std::size_t merge_devices(std::vector<Receiver>& list, const json::array& device
         const std::string model = string_or_empty(required_member(device, "model"));
         const bool available = required_bool(device, "available");
 
-        Receiver* known = find_receiver(list, backend, serial);
-        if (!known) {
+        auto known = std::find_if(list.begin(), list.end(), [&](const Receiver& each) {
+            return each.serial == serial && each.backend == backend;
+        });
+        if (known == list.end()) {
             const ReceiverKind& kind = receiver_kind(backend);
-            known = &list.emplace_back(Receiver{.backend = backend,
-                                                .serial = serial,
-                                                .lo = kind.default_lo,
-                                                .hi = kind.default_hi});
+            known = list.insert(list.end(), Receiver{.backend = backend,
+                                                     .serial = serial,
+                                                     .lo = kind.default_lo,
+                                                     .hi = kind.default_hi});
         }
         known->model = model;
         known->available = available;
