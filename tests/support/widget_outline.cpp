@@ -48,12 +48,12 @@ const std::vector<Property>& properties() {
     return all;
 }
 
-/// The same for the properties that a box has for each of its children.
+/// The same for the properties that a container has for each of its children.
 const std::vector<Property>& child_properties() {
-    static const std::vector<Property> all = {{GTK_TYPE_BOX, "expand", "FALSE"},
-                                              {GTK_TYPE_BOX, "fill", "TRUE"},
-                                              {GTK_TYPE_BOX, "padding", "0"},
-                                              {GTK_TYPE_BOX, "pack-type", "start"}};
+    static const std::vector<Property> all = {
+        {GTK_TYPE_BOX, "expand", "FALSE"}, {GTK_TYPE_BOX, "fill", "TRUE"},
+        {GTK_TYPE_BOX, "padding", "0"},    {GTK_TYPE_BOX, "pack-type", "start"},
+        {GTK_TYPE_STACK, "name", ""},      {GTK_TYPE_STACK, "title", ""}};
     return all;
 }
 

@@ -152,7 +152,6 @@ SeenDialog look_at(GtkDialog* dialog) {
     seen.modal = gtk_window_get_modal(GTK_WINDOW(dialog));
     seen.parent = gtk_window_get_transient_for(GTK_WINDOW(dialog));
     GtkWidget* preset = gtk_window_get_default_widget(GTK_WINDOW(dialog));
-    GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(dialog));
     for (GtkWidget* widget : tree_of(GTK_WIDGET(dialog))) {
         if (!GTK_IS_BUTTON(widget) || !gtk_widget_get_mapped(widget))
             continue;
@@ -164,8 +163,6 @@ SeenDialog look_at(GtkDialog* dialog) {
         seen.responses.push_back(response);
         if (widget == preset)
             seen.default_button = seen.buttons.back();
-        if (widget == focus)
-            seen.focused = seen.buttons.back();
     }
     return seen;
 }
@@ -481,19 +478,6 @@ void WindowTest::handle(GtkDialog* dialog) {
     const std::function<void(GtkDialog*)> handler = std::move(handlers_.front());
     handlers_.pop_front();
     handler(dialog);
-}
-
-UntouchedWindowTest::UntouchedWindowTest() : record_before_{widgets} {
-    static WidgetRecord untouched;
-    widgets = untouched;
-    if (!widgets.window) {
-        start_up_as_the_program_does();
-        untouched = widgets;
-    }
-}
-
-UntouchedWindowTest::~UntouchedWindowTest() {
-    widgets = record_before_;
 }
 
 FreshWindowTest::FreshWindowTest() : record_before_{widgets} {

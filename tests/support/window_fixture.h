@@ -34,12 +34,9 @@ struct SeenDialog {
     std::vector<std::string> buttons{}; ///< in their order in the dialog
     std::vector<int> responses{};       ///< of the buttons
     std::string default_button{};       ///< the one that Enter presses
-    std::string focused{};              ///< the button with the focus; "" when there is none
     GtkMessageType type = GTK_MESSAGE_OTHER;
     bool modal = false;
     GtkWindow* parent = nullptr;
-
-    bool operator==(const SeenDialog&) const = default;
 };
 
 /// Runs what is pending: events, idle work, timers that are due.
@@ -136,17 +133,6 @@ private:
     std::deque<std::function<void(GtkDialog*)>> handlers_{};
     guint watch_ = 0;
     std::string socket_path_before_{};
-};
-
-/// A test that looks at a window that was built and never loaded, and leaves it as it is. The
-/// other window is there again afterwards.
-class UntouchedWindowTest : public WindowTest {
-protected:
-    UntouchedWindowTest();
-    ~UntouchedWindowTest() override;
-
-private:
-    WidgetRecord record_before_{};
 };
 
 /// A test with a window of its own that was just built and never loaded. The other window is

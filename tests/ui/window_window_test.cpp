@@ -8,7 +8,7 @@
 
 namespace {
 
-using BuildWindow = UntouchedWindowTest;
+using BuildWindow = FreshWindowTest;
 
 std::vector<GtkWidget*> parts() {
     return children_of(gtk_bin_get_child(GTK_BIN(widgets.window)));
@@ -61,9 +61,7 @@ TEST_F(BuildWindow, PutsTheFooterBelow) {
 )");
 }
 
-using BuildAnotherWindow = FreshWindowTest;
-
-TEST_F(BuildAnotherWindow, SpeaksToNobody) {
+TEST_F(BuildWindow, SpeaksToNobody) {
     EXPECT_TRUE(service.requests().empty());
     EXPECT_TRUE(commands.calls().empty());
 }
