@@ -19,17 +19,16 @@ void save_if_edited() {
         save_settings();
 }
 
-gboolean on_refresh_idle(gpointer) {
-    if (widgets.window)
-        refresh_status();
-    return G_SOURCE_REMOVE;
-}
-
 /// Sends one request for all presses in the queue: when the service hangs, each request would block
 /// for its time limit.
 void refresh_when_idle() {
     g_idle_remove_by_data(&widgets);
-    g_idle_add(on_refresh_idle, &widgets);
+    const auto refresh = [](gpointer) -> gboolean {
+        if (widgets.window)
+            refresh_status();
+        return G_SOURCE_REMOVE;
+    };
+    g_idle_add(refresh, &widgets);
 }
 
 /// Accelerators as GTK writes them, with blanks between them.

@@ -11,7 +11,6 @@ extern std::string owner_file_path;
 /// the owner file cannot be read or its first line is empty.
 std::string owner_sentence();
 
-/// Offers to make the current user the owner, with an administrator's password. Returns whether the
-/// service has answered afterwards. Blocks the main loop while the change runs and while the
-/// service is asked, up to fifty times.
+/// Offers to make the current user the owner. Returns whether the service has answered afterwards.
+/// Blocks the main loop while the change runs and while the service is asked, up to fifty times.
 bool check_owner();

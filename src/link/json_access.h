@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The JSON that the station service sends, and the two ways to read it: lenient accessors never
-// fail, strict ones throw the JSON library's errors, which no code between them and the main loop
-// catches.
+// The JSON that the station service sends. Lenient accessors never fail; strict ones throw the JSON
+// library's errors, which no code between them and the main loop catches.
 #pragma once
 
 #include <boost/json/fwd.hpp>

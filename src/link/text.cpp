@@ -11,12 +11,6 @@ std::string format_text(const char* format, ...) {
     return text.get();
 }
 
-std::string utf8_of_locale(std::string_view text) {
-    const GlibText converted{
-        g_locale_to_utf8(text.data(), static_cast<gssize>(text.size()), nullptr, nullptr, nullptr)};
-    return converted ? converted.get() : "";
-}
-
 std::string valid_utf8(std::string_view text) {
     // GLib counts a zero byte as invalid too.
     if (g_utf8_validate_len(text.data(), text.size(), nullptr))

@@ -20,9 +20,6 @@ using GlibText = std::unique_ptr<char, GlibFree>;
 /// is an argument, never the format.
 [[gnu::format(printf, 1, 2)]] std::string format_text(const char* format, ...);
 
-/// Converts a text of the user's locale, such as a month's name, to UTF-8; "" when that fails.
-std::string utf8_of_locale(std::string_view text);
-
 /// A text from outside as GTK can show it: valid UTF-8, and U+FFFD in the place of U+0000.
 std::string valid_utf8(std::string_view text);
 

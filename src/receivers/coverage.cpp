@@ -2,7 +2,6 @@
 #include "receivers/coverage.h"
 
 #include "link/text.h"
-#include "ui/colours.h"
 
 #include <charconv>
 #include <cmath>

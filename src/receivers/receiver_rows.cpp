@@ -31,8 +31,7 @@ void name_for_focus(const Receiver& receiver, GtkWidget* control, const char* na
     set_focus_name(control, receiver.backend + " " + receiver.serial + " " + name);
 }
 
-/// Makes the card's header: model, subtitle and switch. `title_out` receives the label of the
-/// model.
+/// Makes the card's header. `title_out` receives the label of the model.
 GtkWidget* make_header(Receiver& receiver, GtkWidget** title_out) {
     GtkWidget* header = make_box(GTK_ORIENTATION_HORIZONTAL, 12, "row");
     GtkWidget* names = make_box(GTK_ORIENTATION_VERTICAL, 2);
@@ -126,10 +125,6 @@ void add_receiver_card(std::size_t index) {
     track_changes(receiver.share_switch);
 }
 
-void destroy_child(GtkWidget* child, gpointer) {
-    gtk_widget_destroy(child);
-}
-
 void add_rows() {
     if (widgets.receiver_list.empty()) {
         GtkWidget* card = add_card(widgets.receiver_rows_box, nullptr);
@@ -149,7 +144,9 @@ void rebuild_receiver_rows() {
     const KeepFocus keep_focus{widgets.receiver_rows_box};
     // Destroying a spin button with typed text runs its handlers, which must find no receiver.
     std::vector<Receiver> list = std::exchange(widgets.receiver_list, {});
-    gtk_container_foreach(GTK_CONTAINER(widgets.receiver_rows_box), destroy_child, nullptr);
+    gtk_container_foreach(
+        GTK_CONTAINER(widgets.receiver_rows_box),
+        [](GtkWidget* card, gpointer) { gtk_widget_destroy(card); }, nullptr);
     widgets.receiver_list = std::move(list);
     add_rows();
 }

@@ -57,8 +57,7 @@ std::string relay_text(const StationState& state) {
     return "Press Save to connect.";
 }
 
-/// Follows the connection alone: green while the relay is connected, even when the sentence asks
-/// for the registration.
+/// Green while the relay is connected, even when the sentence asks for the registration.
 StatusClass relay_class(const StationState& state) {
     if (state.relay_connected)
         return StatusClass::good;
@@ -150,12 +149,12 @@ StatusLine listing_line(const StationState& state) {
 
 std::string expiry_date(std::int64_t seconds_since_epoch) {
     const std::time_t seconds = seconds_since_epoch;
-    const std::tm* date = std::localtime(&seconds);
-    if (!date)
-        return ""; // a year beyond what a calendar date holds
+    const std::tm* date = std::localtime(&seconds); // null: no calendar date has that year
     char text[32];
-    const std::size_t length = std::strftime(text, std::size(text), "%e %B %Y", date);
+    if (!date || std::strftime(text, std::size(text), "%e %B %Y", date) == 0)
+        return "";
     // "%e" pads the days 1 to 9 with a blank.
-    const std::size_t start = length > 0 && text[0] == ' ' ? 1 : 0;
-    return utf8_of_locale({text + start, length - start});
+    const char* start = text[0] == ' ' ? text + 1 : text;
+    const GlibText utf8{g_locale_to_utf8(start, -1, nullptr, nullptr, nullptr)};
+    return utf8 ? utf8.get() : "";
 }

@@ -46,7 +46,7 @@ void post(const char* target, const json::object& body) {
 } // namespace
 
 void listener_action(bool block) {
-    const std::optional<SelectedListener> listener = selected_listener();
+    const std::optional<ListenerRow> listener = selected_listener();
     if (!listener)
         return;
     if (block && !user_wants_to_block(listener->address))

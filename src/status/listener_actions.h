@@ -2,9 +2,8 @@
 // Ending a listener's session, and blocking a listener's address for good.
 #pragma once
 
-/// Ends the session of the listener selected in the table, and with `block` blocks the address
-/// first, after a question. Reports it in the footer whatever the service answered, and then
-/// refreshes the status, which shows the outcome.
+/// Ends the session of the listener selected in the table; with `block` asks, and blocks the address
+/// first. The footer reports it whatever the service answered; the refreshed status shows the truth.
 void listener_action(bool block);
 
 /// The handlers of the two buttons.

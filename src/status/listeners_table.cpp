@@ -3,12 +3,12 @@
 
 #include "link/json_access.h"
 #include "link/text.h"
-#include "status/at_scope_end.h"
 #include "status/overview_texts.h"
 #include "ui/widgets/setters.h"
 #include "ui/widgets/signals.h"
 
 #include <boost/json/value.hpp>
+#include <boost/scope_exit.hpp>
 
 #include <algorithm>
 #include <array>
@@ -32,15 +32,6 @@ gint address_digits = ipv4_digits;
 
 /// Padding on both sides of a cell's text, together, in pixels.
 constexpr int cell_padding = 20;
-
-struct ListenerRow {
-    std::int32_t number = 0;
-    std::string address{};
-    std::string tuned_to{};
-    std::string time{};
-
-    bool operator==(const ListenerRow&) const = default;
-};
 
 GtkTreeView* view() {
     return GTK_TREE_VIEW(widgets.listeners_view);
@@ -120,14 +111,14 @@ std::optional<GtkTreeIter> show_listeners(const std::vector<ListenerRow>& rows,
 
 /// The handler of "style-updated": the width of a digit follows the scale of texts. The column
 /// "Tuned to" expands, so that the time is visible in a small window and with large text too.
-void set_column_widths(GtkWidget* table, gpointer) {
-    PangoLayout* layout = gtk_widget_create_pango_layout(table, "0");
+void set_column_widths() {
+    PangoLayout* layout = gtk_widget_create_pango_layout(widgets.listeners_view, "0");
     int digit_width = 0;
     pango_layout_get_pixel_size(layout, &digit_width, nullptr);
     g_object_unref(layout);
     gint column = 0;
     for (const gint digits : {6, address_digits, 10, 7})
-        gtk_tree_view_column_set_min_width(gtk_tree_view_get_column(GTK_TREE_VIEW(table), column++),
+        gtk_tree_view_column_set_min_width(gtk_tree_view_get_column(view(), column++),
                                            digits * digit_width + cell_padding);
 }
 
@@ -138,7 +129,7 @@ void widen_for_ipv6(const std::vector<ListenerRow>& rows) {
     });
     if (any && address_digits == ipv4_digits) {
         address_digits = ipv6_digits;
-        set_column_widths(widgets.listeners_view, nullptr);
+        set_column_widths();
     }
 }
 
@@ -182,8 +173,7 @@ GtkWidget* make_listeners_table() {
     address_digits = ipv4_digits;
     gtk_tree_view_set_fixed_height_mode(view(), TRUE);
     gtk_tree_view_set_search_column(view(), address_column);
-    g_signal_connect(widgets.listeners_view, "style-updated", G_CALLBACK(set_column_widths),
-                     nullptr);
+    call_at_signal(widgets.listeners_view, "style-updated", set_column_widths);
     call_at_signal(selection(), "changed", update_listener_buttons);
     gtk_widget_set_has_tooltip(widgets.listeners_view, TRUE);
     g_signal_connect(widgets.listeners_view, "query-tooltip", G_CALLBACK(on_query_tooltip),
@@ -198,14 +188,15 @@ GtkWidget* make_listeners_table() {
 void draw_listeners(const StationState& state) {
     set_label_text(widgets.listeners_title, listening_title(state));
 
-    const std::optional<SelectedListener> selected = selected_listener();
+    const std::optional<ListenerRow> selected = selected_listener();
     std::optional<GtkTreeIter> row;
     {
         std::vector<ListenerRow> rows;
-        const AtScopeEnd show{[&] {
+        // At an error too: the rows before a broken record are shown.
+        BOOST_SCOPE_EXIT_ALL(&rows, &row, &selected) {
             row = show_listeners(rows, selected ? selected->number : -1);
             widen_for_ipv6(rows);
-        }};
+        };
         for (const json::value& record : required_array(status_object, "listeners"))
             read_record(record, rows);
     }
@@ -219,12 +210,11 @@ void draw_listeners(const StationState& state) {
     gtk_widget_set_visible(widgets.listeners_empty, state.listener_count == 0);
 }
 
-std::optional<SelectedListener> selected_listener() {
+std::optional<ListenerRow> selected_listener() {
     GtkTreeIter iter;
     if (!gtk_tree_selection_get_selected(selection(), nullptr, &iter))
         return std::nullopt;
-    const ListenerRow row = row_at(model(), &iter);
-    return SelectedListener{row.number, row.address};
+    return row_at(model(), &iter);
 }
 
 void update_listener_buttons() {

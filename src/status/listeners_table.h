@@ -17,13 +17,16 @@ GtkWidget* make_listeners_table();
 /// are drawn, a record without an address leaves a row with an empty one, and nothing follows.
 void draw_listeners(const StationState& state);
 
-/// The listener that is selected in the table.
-struct SelectedListener {
+/// What a row of the table shows.
+struct ListenerRow {
     std::int32_t number = 0; ///< session number, by which the service knows the listener
     std::string address{};
-};
-std::optional<SelectedListener> selected_listener();
+    std::string tuned_to{};
+    std::string time{};
 
-/// Makes the table's buttons sensitive while a row is selected. The handler of the selection's
-/// "changed".
+    bool operator==(const ListenerRow&) const = default;
+};
+std::optional<ListenerRow> selected_listener();
+
+/// The handler of the selection's "changed": buttons are sensitive while a row is selected.
 void update_listener_buttons();

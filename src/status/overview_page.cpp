@@ -3,9 +3,7 @@
 
 #include "link/json_access.h"
 #include "link/text.h"
-#include "status/at_scope_end.h"
 #include "status/overview_texts.h"
-#include "ui/colours.h"
 #include "ui/widgets/accessibility.h"
 #include "ui/widgets/form_widgets.h"
 #include "ui/widgets/page_stack.h"
@@ -13,14 +11,14 @@
 #include "ui/widgets/widget_tree.h"
 
 #include <boost/json/value.hpp>
+#include <boost/scope_exit.hpp>
 
 #include <string>
 #include <vector>
 
 namespace {
 
-/// What a row shows: a mark, a text, and at the end an origin or a link button. An empty member has
-/// no widget.
+/// What a row shows, in this order. An empty member has no widget.
 struct RowContent {
     std::string mark{}; ///< a single character
     std::string mark_class{};
@@ -39,13 +37,10 @@ const RowContent& content_of(gpointer row) {
     return *static_cast<RowContent*>(g_object_get_data(G_OBJECT(row), content_key));
 }
 
-void delete_content(gpointer content) {
-    delete static_cast<RowContent*>(content);
-}
-
 GtkWidget* make_row(const RowContent& content) {
     GtkWidget* row = make_box(GTK_ORIENTATION_HORIZONTAL, 10, "row");
-    g_object_set_data_full(G_OBJECT(row), content_key, new RowContent{content}, delete_content);
+    g_object_set_data_full(G_OBJECT(row), content_key, new RowContent{content},
+                           [](gpointer kept) { delete static_cast<RowContent*>(kept); });
     if (!content.mark.empty())
         pack(row, make_label(content.mark.c_str(), content.mark_class.c_str(), false));
     GtkWidget* text = make_label(content.markup.c_str(), nullptr);
@@ -139,7 +134,10 @@ void draw_station_link(const StationState& state) {
 
 void draw_receivers_on_air(const StationState& state) {
     std::vector<RowContent> rows;
-    const AtScopeEnd show{[&rows] { show_rows(widgets.on_air_box, rows); }};
+    // At an error too: the rows before a broken record are shown.
+    BOOST_SCOPE_EXIT_ALL(&rows) {
+        show_rows(widgets.on_air_box, rows);
+    };
     for (const json::value& element : required_array(status_object, "receivers"))
         rows.push_back(receiver_on_air_row(as_object(element, "an element of receivers")));
     const json::array& started = required_array(status_object, "started");

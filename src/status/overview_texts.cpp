@@ -4,7 +4,6 @@
 #include "link/build_constants.h"
 #include "link/json_access.h"
 #include "link/text.h"
-#include "ui/colours.h"
 
 #include <boost/json/value.hpp>
 

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
-// A sentence about the station's condition, and its colour.
+// A sentence about the station's condition and its colour, and colours of the style sheet that are
+// used in Pango markup too, which has no style classes.
 #pragma once
 
 #include <string>
+#include <string_view>
 
 /// The style class of a status label: green, amber, red, or the label's own colour.
 enum class StatusClass { none, good, warning, error };
@@ -13,3 +15,11 @@ struct StatusLine {
 
     bool operator==(const StatusLine&) const = default;
 };
+
+inline constexpr std::string_view muted_colour = "#B0C6DA";
+inline constexpr std::string_view small_colour = "#7590A8";
+inline constexpr std::string_view warning_colour = "#FFB020";
+
+inline std::string coloured_markup(std::string_view colour, std::string_view markup) {
+    return "<span foreground=\"" + std::string{colour} + "\">" + std::string{markup} + "</span>";
+}

@@ -15,6 +15,9 @@ namespace {
 /// Estimate of the upload that one listener needs, in kbit/s.
 constexpr double listener_kbit = 60;
 
+/// Longest text of the estimate, in bytes.
+constexpr std::size_t longest_estimate = 120;
+
 /// Whether a pattern matches the whole text, byte by byte. Not std::regex, which recurses once for
 /// each character and overflows the stack at some 30,000 of them.
 bool matches(std::string_view text, const char* pattern) {
@@ -56,10 +59,12 @@ StatusLine grid_hint(std::string_view grid) {
 
 std::string upload_estimate(double listeners) {
     const double kbit = listeners * listener_kbit;
-    if (kbit >= 1000)
-        return format_text("Uses about %.1f Mbit/s of your upload when every place is taken.",
-                           kbit / 1000);
-    return format_text("Uses about %.0f kbit/s of your upload when every place is taken.", kbit);
+    const std::string text =
+        kbit >= 1000
+            ? format_text("Uses about %.1f Mbit/s of your upload when every place is taken.",
+                          kbit / 1000)
+            : format_text("Uses about %.0f kbit/s of your upload when every place is taken.", kbit);
+    return text.substr(0, longest_estimate);
 }
 
 std::string header_title(std::string_view name, std::string_view callsign) {
@@ -81,8 +86,7 @@ std::string registered_text(std::string_view id, std::string_view email) {
 }
 
 bool is_email_address(std::string_view text) {
-    // White space is spelled out: "\s" also matches some bytes above 127, which are parts of
-    // letters.
+    // "\s" would also match some bytes above 127, which are parts of letters.
     return matches(text, R"([^@\x09-\x0D\x20]+@[^@\x09-\x0D\x20]+\.[^@\x09-\x0D\x20]+\z)");
 }
 

@@ -107,6 +107,10 @@ TEST(UploadEstimate, ChangesItsUnitAtAThousandKilobits) {
     }
 }
 
+TEST(UploadEstimate, IsNeverLongerThan120Bytes) {
+    EXPECT_EQ(upload_estimate(1e300).size(), 120u);
+}
+
 TEST(UploadEstimate, HasADotInEveryLocale) {
     const UserLocale german{"de_DE.UTF-8"};
     EXPECT_EQ(upload_estimate(200),

@@ -10,8 +10,7 @@ GtkWidget* make_page_stack();
 /// Makes the list of the pages that the stack holds, and writes its list box into the record.
 GtkWidget* make_page_list();
 
-/// Adds a scrolling page; `title` and `subtitle` (may be null) are plain. Returns its box for
-/// cards.
+/// Adds a scrolling page. Texts are plain; `subtitle` may be null. Returns its box for cards.
 GtkWidget* add_page(const char* name, const char* title, const char* subtitle);
 
 /// Shows a page by its name, or by its index in the stack. An unknown one changes nothing.

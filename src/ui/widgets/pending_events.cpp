@@ -34,8 +34,7 @@ void on_frame_painted(GdkFrameClock*, gpointer painted) {
 /// no processor time until the limit was over.
 constexpr gint limit_priority = GDK_PRIORITY_REDRAW + 10;
 
-/// Runs the main loop until `done` returns true or the time is over. The window may be destroyed
-/// meanwhile.
+/// Runs the main loop until `done` returns true or the time is over.
 template <class Done> void turn_loop_until(guint limit_ms, Done done) {
     bool over = false;
     const guint timer = g_timeout_add_full(limit_priority, limit_ms, on_time_over, &over, nullptr);

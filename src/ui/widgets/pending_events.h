@@ -21,8 +21,7 @@ void wait_until_window_is_drawn();
 /// second (a window that is covered or minimised draws no frames).
 void draw_now();
 
-/// A modal message dialog. Texts are plain. Without a default response Enter presses the first
-/// button.
+/// Texts are plain. Without a default response Enter presses the first button.
 struct MessageDialog {
     GtkMessageType type = GTK_MESSAGE_QUESTION;
     std::string text{};

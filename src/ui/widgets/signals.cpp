@@ -14,10 +14,6 @@ void on_signal(gpointer action) {
     (*static_cast<Action*>(action))();
 }
 
-void delete_action(gpointer action, GClosure*) {
-    delete static_cast<Action*>(action);
-}
-
 gboolean on_idle(gpointer data) {
     const std::unique_ptr<Action> action{static_cast<Action*>(data)};
     if (widgets.window)
@@ -28,8 +24,9 @@ gboolean on_idle(gpointer data) {
 } // namespace
 
 void call_at_signal(gpointer instance, const char* signal, Action action) {
-    g_signal_connect_data(instance, signal, G_CALLBACK(on_signal), new Action{std::move(action)},
-                          delete_action, G_CONNECT_SWAPPED);
+    g_signal_connect_data(
+        instance, signal, G_CALLBACK(on_signal), new Action{std::move(action)},
+        [](gpointer kept, GClosure*) { delete static_cast<Action*>(kept); }, G_CONNECT_SWAPPED);
 }
 
 void call_when_idle(gint priority, Action action) {

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The window's widgets and flags, in one record that all of the program uses. GTK's widget tree
-// owns every widget.
+// The window's widgets, which GTK's widget tree owns, and flags, for all of the program.
 #pragma once
 
 #include "receivers/receiver_list.h"

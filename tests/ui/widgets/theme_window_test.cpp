@@ -3,7 +3,6 @@
 #include "ui/widgets/theme.h"
 
 #include "support/window_fixture.h"
-#include "ui/colours.h"
 #include "ui/field_rules.h"
 #include "ui/widgets/setters.h"
 #include "ui/widgets/widget_tree.h"
