@@ -142,14 +142,13 @@ textview text:focus { box-shadow: inset 0 0 0 2px #FFFFFF; }
 
 namespace {
 
-/// Returns the provider, whose only reference is the screen's.
+/// Returns the provider, which stays until the process ends.
 GtkCssProvider* add_sheet(const char* sheet) {
     GtkCssProvider* provider = gtk_css_provider_new();
     gtk_css_provider_load_from_data(provider, sheet, -1, nullptr);
     gtk_style_context_add_provider_for_screen(gdk_screen_get_default(),
                                               GTK_STYLE_PROVIDER(provider),
                                               GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
-    g_object_unref(provider);
     return provider;
 }
 
