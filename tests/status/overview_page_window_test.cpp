@@ -217,6 +217,21 @@ TEST_F(OverviewPage, FindsTheFocusAgainByWhereItsButtonLed) {
     EXPECT_TRUE(gtk_widget_is_focus(find_button(checklist()[3], "Go there →")));
 }
 
+TEST_F(OverviewPage, MovesTheFocusToOneButtonWhereTwoLeadToItsPage) {
+    load(bare_station());
+    gtk_widget_grab_focus(find_button(checklist()[3], "Go there →"));
+    std::vector<GtkWidget*> focused;
+    const auto on_set_focus = +[](GtkWindow*, GtkWidget* widget, std::vector<GtkWidget*>* list) {
+        if (widget)
+            list->push_back(widget);
+    };
+    const gulong handler =
+        g_signal_connect(widgets.window, "set-focus", G_CALLBACK(on_set_focus), &focused);
+    load(with(bare_station(), "settings.network.port", 9000));
+    g_signal_handler_disconnect(widgets.window, handler);
+    EXPECT_EQ(focused, std::vector<GtkWidget*>{find_button(checklist()[3], "Go there →")});
+}
+
 TEST_F(OverviewPage, LeavesTheFocusAloneWhereNothingLeadsThere) {
     load(bare_station());
     gtk_widget_grab_focus(find_button(widgets.on_air_box, "Choose receivers →"));

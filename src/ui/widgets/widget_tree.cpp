@@ -47,8 +47,11 @@ KeepFocus::~KeepFocus() {
     GtkWidget* scroll = gtk_widget_get_ancestor(box_, GTK_TYPE_SCROLLED_WINDOW);
     GtkAdjustment* position = gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scroll));
     const double value = gtk_adjustment_get_value(position);
+    GtkWidget* found = nullptr;
     for (GtkWidget* widget : descendants_of(box_))
         if (focus_name(widget) == name_)
-            gtk_widget_child_focus(widget, GTK_DIR_TAB_FORWARD);
+            found = widget;
+    if (found)
+        gtk_widget_child_focus(found, GTK_DIR_TAB_FORWARD);
     gtk_adjustment_set_value(position, value);
 }
