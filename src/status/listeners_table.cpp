@@ -25,10 +25,8 @@ constexpr std::array<const char*, column_count> column_titles = {"#", "Address",
 /// Height of the scrolled window around the table, in pixels.
 constexpr int table_height = 150;
 
-/// Least width of the column "Address", in digits, before and after the first IPv6 address.
-constexpr gint ipv4_digits = 15;
-constexpr gint ipv6_digits = 40;
-gint address_digits = ipv4_digits;
+/// Least width of each column, in digits. An address widens its column up to 40: IPv6 has 39.
+std::array<std::size_t, column_count> widths{};
 
 /// Padding on both sides of a cell's text, together, in pixels.
 constexpr int cell_padding = 20;
@@ -109,28 +107,29 @@ std::optional<GtkTreeIter> show_listeners(const std::vector<ListenerRow>& rows,
     return wanted_row;
 }
 
-/// The handler of "style-updated": the width of a digit follows the scale of texts. The column
-/// "Tuned to" expands, so that the time is visible in a small window and with large text too.
-void set_column_widths() {
-    PangoLayout* layout = gtk_widget_create_pango_layout(widgets.listeners_view, "0");
+/// The handler of "style-updated": the width of a digit follows the scale of texts.
+void set_column_widths(GtkWidget* table) {
+    PangoLayout* layout = gtk_widget_create_pango_layout(table, "0");
     int digit_width = 0;
     pango_layout_get_pixel_size(layout, &digit_width, nullptr);
     g_object_unref(layout);
     gint column = 0;
-    for (const gint digits : {6, address_digits, 10, 7})
-        gtk_tree_view_column_set_min_width(gtk_tree_view_get_column(view(), column++),
-                                           digits * digit_width + cell_padding);
+    for (const std::size_t digits : widths)
+        gtk_tree_view_column_set_min_width(gtk_tree_view_get_column(GTK_TREE_VIEW(table), column++),
+                                           static_cast<gint>(digits) * digit_width + cell_padding);
 }
 
-/// The column stays wide, so that it does not jump while listeners come and go.
-void widen_for_ipv6(const std::vector<ListenerRow>& rows) {
-    const bool any = std::any_of(rows.begin(), rows.end(), [](const ListenerRow& row) {
-        return row.address.size() > ipv4_digits;
-    });
-    if (any && address_digits == ipv4_digits) {
-        address_digits = ipv6_digits;
-        set_column_widths();
+/// Columns only grow, so that they stay in place while listeners come and go.
+void widen_columns(const std::vector<ListenerRow>& rows) {
+    const auto before = widths;
+    for (const ListenerRow& row : rows) {
+        std::size_t& number = widths[number_column];
+        number = std::max(number, std::to_string(row.number).size());
+        std::size_t& address = widths[address_column];
+        address = std::max(address, std::min<std::size_t>(row.address.size(), 40));
     }
+    if (widths != before)
+        set_column_widths(widgets.listeners_view);
 }
 
 /// Shows the whole address and tuning of a row, whose cells may end in an ellipsis.
@@ -166,22 +165,22 @@ void add_column(gint column) {
 GtkWidget* make_listeners_table() {
     widgets.listeners_store =
         gtk_list_store_new(column_count, G_TYPE_INT, G_TYPE_STRING, G_TYPE_STRING, G_TYPE_STRING);
-    widgets.listeners_view = gtk_tree_view_new_with_model(model());
+    GtkWidget* table = gtk_tree_view_new_with_model(model());
+    widgets.listeners_view = table;
     g_object_unref(widgets.listeners_store); // the view owns it now
     for (gint column = 0; column < column_count; ++column)
         add_column(column);
-    address_digits = ipv4_digits;
+    widths = {2, 7, 14, 7};
     gtk_tree_view_set_fixed_height_mode(view(), TRUE);
     gtk_tree_view_set_search_column(view(), address_column);
-    call_at_signal(widgets.listeners_view, "style-updated", set_column_widths);
+    call_at_signal(table, "style-updated", [table] { set_column_widths(table); });
     call_at_signal(selection(), "changed", update_listener_buttons);
-    gtk_widget_set_has_tooltip(widgets.listeners_view, TRUE);
-    g_signal_connect(widgets.listeners_view, "query-tooltip", G_CALLBACK(on_query_tooltip),
-                     nullptr);
+    gtk_widget_set_has_tooltip(table, TRUE);
+    g_signal_connect(table, "query-tooltip", G_CALLBACK(on_query_tooltip), nullptr);
 
     widgets.listeners_scroll = gtk_scrolled_window_new(nullptr, nullptr);
     gtk_widget_set_size_request(widgets.listeners_scroll, -1, table_height);
-    gtk_container_add(GTK_CONTAINER(widgets.listeners_scroll), widgets.listeners_view);
+    gtk_container_add(GTK_CONTAINER(widgets.listeners_scroll), table);
     return widgets.listeners_scroll;
 }
 
@@ -195,7 +194,7 @@ void draw_listeners(const StationState& state) {
         // At an error too: the rows before a broken record are shown.
         BOOST_SCOPE_EXIT_ALL(&rows, &row, &selected) {
             row = show_listeners(rows, selected ? selected->number : -1);
-            widen_for_ipv6(rows);
+            widen_columns(rows);
         };
         for (const json::value& record : required_array(status_object, "listeners"))
             read_record(record, rows);

@@ -297,17 +297,21 @@ TEST_F(ListenersTable, KeepsItsSelectionAndItsPlaceWhenABrokenRecordStopsThePass
     EXPECT_TRUE(gtk_widget_get_visible(widgets.listeners_empty));
 }
 
-TEST_F(NewListenersTable, WidensTheAddressForTheFirstIpv6AddressAndStaysWide) {
-    const auto width_with = [this](const char* address) {
-        poll(with(listeners({1, 2}), "status.listeners.1.address", address));
-        EXPECT_TRUE(wait_for_frame_on(widgets.window));
-        return gtk_tree_view_column_get_min_width(gtk_tree_view_get_column(view(), 1));
+TEST_F(NewListenersTable, WidensAColumnForItsLongestTextAndKeepsItWide) {
+    const auto width_with = [this](int column, std::string_view key, const json::value& value) {
+        poll(with(listeners({1, 2}), "status.listeners.1." + std::string{key}, value));
+        return gtk_tree_view_column_get_min_width(gtk_tree_view_get_column(view(), column));
     };
-    load(state_document());
-    const int narrow = width_with("203.100.113.107");
-    const int wide = width_with("2001:0db8:85a3:0000:0000:8a2e:0370:7334");
-    EXPECT_GT(wide, 2 * narrow);
-    EXPECT_EQ(width_with("203.0.113.7"), wide);
+    load(listeners({1, 2}));
+    const int narrow = width_with(1, "address", "203.0.113.7");
+    const int wide = width_with(1, "address", "2001:db8:85a3::8a2e:7334");
+    EXPECT_GT(wide, narrow);
+    const int widest = width_with(1, "address", "2001:0db8:85a3:0000:0000:8a2e:0370:7334+");
+    EXPECT_GT(widest, wide);
+    EXPECT_EQ(width_with(1, "address", json::string{std::string(99, '1')}), widest);
+    EXPECT_EQ(width_with(1, "address", "203.0.113.7"), widest);
+    const int short_number = width_with(0, "number", 2);
+    EXPECT_GT(width_with(0, "number", 12345678), short_number);
 }
 
 TEST_F(NewListenersTable, WidensItsColumnsWithTheScaleOfTexts) {
