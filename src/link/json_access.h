@@ -63,8 +63,8 @@ json::object take_object(json::value& document, const char* name);
 const json::object& as_object(const json::value& value, const char* what);
 const json::array& as_array(const json::value& value, const char* what);
 
-/// What the program does with a document while the object exists, for `contract_error_message`. Of
-/// nested objects the innermost counts.
+/// While it exists, `contract_error_message` says that the program was doing `step`. Of nested
+/// objects the innermost counts.
 class ReadingStep {
 public:
     explicit ReadingStep(const char* step);

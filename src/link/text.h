@@ -40,11 +40,10 @@ std::string shortened(std::string_view text, std::size_t most_bytes = longest_sh
 std::string shortened_in_front(std::string_view text, std::size_t most_bytes = longest_shown_text);
 
 /// Encloses a text that has right-to-left letters in U+2068 and U+2069, so that it does not reorder
-/// the numbers beside it, after a left-to-right mark, because Pango would otherwise take the
-/// direction of the whole line from it. `text` is valid UTF-8.
+/// the numbers beside it. A left-to-right mark comes first: Pango would otherwise take the line's
+/// direction from the text. `text` is valid UTF-8.
 std::string isolated(std::string_view text);
 
 /// Shortens text and escapes it for Pango markup, control characters included. `text` is valid
-/// UTF-8, as all JSON is. The result ends before a U+0000, which would cut off the closing tags of
-/// the markup around it.
+/// UTF-8, as all JSON is. It is cut at a U+0000, which would cut off the closing tags around it.
 std::string escaped_markup(std::string_view text);

@@ -3,7 +3,7 @@
 #pragma once
 
 /// Ends the session of the selected listener; with `block` asks, and blocks the address first. The
-/// footer reports it whatever the service answered; then the status is refreshed.
+/// footer says that it is done, even after a refusal; the refreshed status shows what came of it.
 void listener_action(bool block);
 
 /// The handlers of the two buttons.

@@ -25,7 +25,7 @@ constexpr std::array<const char*, column_count> column_titles = {"#", "Address",
 /// Height of the scrolled window around the table, in pixels.
 constexpr int table_height = 150;
 
-/// Least width of each column, in digits. An address widens its column up to 40: IPv6 has 39.
+/// Least width of each column, in digits.
 std::array<std::size_t, column_count> widths{};
 
 /// Padding on both sides of a cell's text, together, in pixels.
@@ -119,7 +119,7 @@ void set_column_widths(GtkWidget* table) {
                                            static_cast<gint>(digits) * digit_width + cell_padding);
 }
 
-/// Columns only grow, so that they stay in place while listeners come and go.
+/// Columns only grow, so that they stay in place. An IPv6 address has 39 characters.
 void widen_columns(const std::vector<ListenerRow>& rows) {
     const auto before = widths;
     for (const ListenerRow& row : rows) {
@@ -170,7 +170,7 @@ GtkWidget* make_listeners_table() {
     g_object_unref(widgets.listeners_store); // the view owns it now
     for (gint column = 0; column < column_count; ++column)
         add_column(column);
-    widths = {2, 7, 14, 7};
+    widths = {2, 7, 14, 7}; // "Tuned to" expands, the first two columns grow with their texts
     gtk_tree_view_set_fixed_height_mode(view(), TRUE);
     gtk_tree_view_set_search_column(view(), address_column);
     call_at_signal(table, "style-updated", [table] { set_column_widths(table); });

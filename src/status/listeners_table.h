@@ -13,8 +13,8 @@
 /// Makes the table and returns the scrolled window around it.
 GtkWidget* make_listeners_table();
 
-/// Draws title and table. Throws the JSON library's error at a broken record: the rows before it
-/// are drawn, a record without an address leaves a row with an empty one, and nothing follows.
+/// Draws title and table. Throws the JSON library's error at a broken record: only the rows before
+/// it are drawn, and its own with an empty address when nothing but the address is missing.
 void draw_listeners(const StationState& state);
 
 /// What a row of the table shows.

@@ -26,8 +26,8 @@ struct ChecklistItem {
 /// The "Getting started" list, in the order shown.
 std::array<ChecklistItem, 4> checklist_items(const StationState& state);
 
-/// True when the card is hidden: all four items are done and, when the relay is wanted, the station
-/// list has confirmed the check-in.
+/// True when "Getting started" is hidden: all four items are done and, when the relay is wanted,
+/// the station list has confirmed the check-in.
 bool checklist_is_done(const StationState& state);
 
 /// Markup of an item's text: escaped, and dimmed when done.
@@ -43,8 +43,8 @@ std::string receiver_markup(std::string_view device, double lo_hz, double hi_hz)
 /// Who runs a receiver on the air.
 const char* receiver_origin(bool attached);
 
-/// The end of a receiver's log: at most 8 KiB, and at most as many rows as 8 KiB without a line
-/// feed fill, so that a log makes no page longer than three screens.
+/// The end of a receiver's log: at most 8 KiB, and no more rows than one line of 8 KiB wraps to, so
+/// that a log makes no page longer than three screens.
 std::string end_of_log(std::string_view log);
 
 /// A receiver that was started and failed, with the end of its log.

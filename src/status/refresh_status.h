@@ -7,7 +7,7 @@
 /// read or write. Throws the JSON library's error when the document breaks the contract.
 void refresh_status();
 
-/// Redraws the header line, the Overview page and the Internet page's status lines from the
-/// settings and the status object, in this order, writing only what differs from what is shown. An
-/// error of the JSON library stops it where the document is broken: the rest keeps its old content.
+/// Redraws, in this order, the header line, the Overview page with its listeners and the Internet
+/// page's status lines, writing only what differs from what is shown. An error of the JSON library
+/// stops it where the document is broken: the rest keeps its old content.
 void render_state();

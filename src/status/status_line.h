@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A sentence about the station's condition and its colour, and colours of the style sheet that are
-// used in Pango markup too, which has no style classes.
+// A sentence about the station's condition and its colour, and colours of the style sheet for Pango
+// markup, which has no style classes.
 #pragma once
 
 #include <string>

@@ -22,8 +22,8 @@ std::string header_title(std::string_view name, std::string_view callsign);
 /// The line shown in place of the registration's widgets. `email` may be empty.
 std::string registered_text(std::string_view id, std::string_view email);
 
-/// True for a text with one at sign, something before it and a full stop with something on either
-/// side after it, without white space anywhere. Takes texts of any length.
+/// True for one at sign with text before it, and after it a full stop with text on both sides. No
+/// white space anywhere. Takes texts of any length.
 bool is_email_address(std::string_view text);
 
 /// Reads a number that is typed into a spin button, with a dot or a comma as the decimal point in

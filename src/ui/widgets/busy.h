@@ -5,10 +5,10 @@
 
 #include <gtk/gtk.h>
 
-/// Shows the busy pointer and makes `button` insensitive until the end of the scope. Re-enabled
-/// from idle, so that queued clicks are discarded, unless `sensitive_again` (may be null) returns
-/// false. If the window lost its focus widget meanwhile, the button gets the focus back if it had
-/// it, or else the list of pages gets it.
+/// Shows the busy pointer and makes `button` insensitive until the end of the scope. The button is
+/// re-enabled from idle, so that queued clicks are discarded; it stays insensitive when
+/// `sensitive_again` is given and returns false. If the window lost its focus widget meanwhile, the
+/// button gets the focus back if it had it, or else the list of pages gets it.
 class BusyWith {
 public:
     explicit BusyWith(GtkWidget* button, bool (*sensitive_again)() = nullptr);
@@ -23,7 +23,7 @@ public:
 private:
     GtkWidget* button_;
     bool (*sensitive_again_)();
-    bool first_;           ///< the same action was not already running
+    bool first_;           ///< no other object of this button exists
     bool focus_was_there_; ///< a widget of the window had the focus
     bool focus_was_here_;  ///< the button had the focus
 };

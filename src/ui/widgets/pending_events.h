@@ -39,6 +39,6 @@ struct MessageDialog {
 /// Shows a message dialog until it is answered and destroys it. Returns the response.
 gint run_dialog(const MessageDialog& message);
 
-/// Waits a tenth of a second for the window to be drawn where a destroyed dialog was: before a
-/// blocking call, since without a compositor the dialog would stay on the screen meanwhile.
+/// Called before a blocking call that follows a dialog: waits a tenth of a second until the window
+/// is drawn where the dialog was. Without a compositor the dialog would stay on the screen.
 void wait_until_uncovered();

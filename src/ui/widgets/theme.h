@@ -4,9 +4,9 @@
 
 extern const char style_sheet[];
 
-/// Text sizes that follow the desktop's text scale, focus rings, and colours for the parts of GTK
-/// that would otherwise have the desktop theme's. Added after the style sheet: GTK looks a property
-/// up in the provider that was added last, whatever its selectors.
+/// Added after the style sheet, so that it wins whatever the selectors: text sizes that follow the
+/// desktop's text scale, focus rings, and colours for the parts of GTK that would otherwise have
+/// the desktop theme's.
 extern const char added_styles[];
 
 /// Brighter borders, texts and focus rings. Added after both other sheets.

@@ -82,7 +82,7 @@ struct WidgetRecord {
 
     bool loading = false;      ///< `load_form` writes into the form, which is no edit
     bool dirty = false;        ///< something was edited since the last load
-    bool linger_guard = false; ///< `show_linger` sets `linger_switch`
+    bool linger_guard = false; ///< `show_linger` is setting the switch
 
     /// The bound fields, in the order in which they are made, loaded and saved.
     std::vector<FieldBinding> field_registry{};
