@@ -5,8 +5,7 @@
 
 project_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 
-# How many things are done at once. Twice as many tests: they wait for frames and timers most of
-# their time.
+# How many things are done at once while building and testing.
 jobs=${TARNWAVE_JOBS:-$(nproc)}
 
 # Says what is being done, apart from what the tools print.
