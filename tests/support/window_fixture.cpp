@@ -182,8 +182,11 @@ public:
         drain_events();
     }
     void TearDown() override {
-        gtk_widget_destroy(widgets.window);
+        // gtk_show_uri_on_window() uses the window once more when the browser has been started.
+        GtkWidget* window = GTK_WIDGET(g_object_ref(widgets.window));
+        gtk_widget_destroy(window);
         drain_events();
+        g_object_unref(window);
     }
 };
 
