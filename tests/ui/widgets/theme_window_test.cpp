@@ -122,6 +122,9 @@ GtkWidget* in_state(GtkWidget* widget, GtkStateFlags state) {
 
 TEST_F(Theme, GivesEveryKindOfWidgetItsLook) {
     load(state_document());
+    // The theme gives windows in the background paler colours.
+    ASSERT_TRUE(wait_until(
+        [] { return !(gtk_widget_get_state_flags(widgets.window) & GTK_STATE_FLAG_BACKDROP); }));
     GtkWidget* save = widgets.save_button;
     GtkWidget* copy = find_button(widgets.window, "Copy link");
     GtkWidget* frame = gtk_widget_get_parent(widgets.description_view);
