@@ -144,6 +144,22 @@ class Life(unittest.TestCase):
             simulator.wait_until(lambda: first.isdisjoint(
                 listener["number"] for listener in simulator.state()["status"]["listeners"]))
 
+    def test_goes_on_by_its_step_at_each_request(self):
+        with Simulator(PROGRAM, "--speed", "0", "--step", "10") as simulator:
+            ages = [{listener["number"]: listener["seconds"]
+                     for listener in simulator.state()["status"]["listeners"]} for _ in range(2)]
+            self.assertEqual({ages[1][number] - ages[0][number] for number in ages[0]}, {10})
+
+    def test_keeps_its_settings_over_a_restart(self):
+        with tempfile.TemporaryDirectory() as folder:
+            state_file = os.path.join(folder, "settings.json")
+            with Simulator(PROGRAM, "--state", state_file, folder=folder) as simulator:
+                settings = simulator.state()["settings"]
+                settings["station"]["name"] = "Elsewhere"
+                self.assertEqual(simulator.request("PUT", "/api/settings", settings).status, 200)
+            with Simulator(PROGRAM, "--state", state_file, folder=folder) as simulator:
+                self.assertEqual(simulator.state()["settings"], settings)
+
     def test_a_signal_hands_the_station_over(self):
         with Simulator(PROGRAM, "--scenario", "not-owner") as simulator:
             self.assertEqual(simulator.request("GET", "/api/state").status, 403)
