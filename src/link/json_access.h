@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The JSON that the station service sends. Lenient accessors never fail; strict ones throw the JSON
-// library's errors, which no code between them and the main loop catches.
+// library's errors, which nothing but the look at `broker` at the start catches.
 #pragma once
 
 #include <boost/json/fwd.hpp>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The only translation unit that includes Asio and Beast.
+// The program's only translation unit that includes Asio and Beast.
 #define G_LOG_DOMAIN "tarnwave"
 // Beast asserts that its buffer holds at least five bytes when it parses the last chunk again. It
 // holds four when a reply of that chunk alone arrives a byte at a time, which parses correctly.

@@ -3,7 +3,8 @@
 // member missing, of every other kind, and with every content that a text or a number can have.
 //
 // Where the program has to end, the exception of Boost.JSON must leave the handler; everywhere else
-// the window shows the same as with the member's default. A warning of GTK fails the test.
+// the window shows the same as with the member's default, and a field without its member what it
+// showed. A warning of GTK fails the test.
 #include "link/json_access.h"
 #include "receivers/find_devices.h"
 #include "status/registration.h"
