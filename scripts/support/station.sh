@@ -11,10 +11,14 @@ simulator=$project_root/build/demo/simulator/tarnwave-station-simulator
 
 # Starts the simulator in FOLDER: start_station FOLDER [SIMULATOR-ARGUMENT…]
 # Sets station_pid; its socket is FOLDER/settings.sock, what it says goes to FOLDER/station.log.
+# A program that is started afterwards finds the socket, and stand-ins for the system's commands.
 start_station() {
     local folder=$1
     shift
-    start_with_us "$simulator" --socket "$folder/settings.sock" "$@" \
+    export TARNWAVE_SETTINGS_SOCKET=$folder/settings.sock
+    export TARNWAVE_STAND_IN_FOLDER=$folder
+    PATH=$project_root/scripts/support/stand-ins:$PATH
+    start_with_us "$simulator" --socket "$TARNWAVE_SETTINGS_SOCKET" --owner-file "$folder/owner" "$@" \
         >"$folder/station.log" 2>&1 </dev/null
     station_pid=$!
     if ! wait_until 20 station_is_up_or_gone "$folder" || [ ! -S "$folder/settings.sock" ]; then
@@ -36,10 +40,7 @@ documents_sent() {
 take_pictures() {
     local folder=$1 target=$2 page
     mkdir -p "$target"
-    export TARNWAVE_SETTINGS_SOCKET=$folder/settings.sock
-    export TARNWAVE_STAND_IN_FOLDER=$folder
     export NO_AT_BRIDGE=1
-    PATH=$project_root/scripts/support/stand-ins:$PATH
     for page in "${pages[@]}"; do
         take_picture "$folder" "$page" "$target/$page.png"
         say "Picture: $target/$page.png"
