@@ -25,9 +25,9 @@ SCHEMA_OF = {"state": "StateDocument", "devices": "Devices", "saved": "SettingsS
 # The rest of a statement, or of one side of a choice, that looks up members by name or binds a field
 # to a settings key.
 LOOKUPS = re.compile(
-    r"\b(?:required_(?:member|object|array|bool|group|place)|optional_bool|member_(?:string|number)"
+    r"\b(?:required_(?:member|object|array|bool|place)|optional_bool|member_(?:string|number)"
     r"|if_contains|contains|at|find_path|setting_(?:string|number)|number_at|object_or_empty"
-    r"|bind_(?:field|entry)|add_(?:entry|switch|number)_row)\((?=([^;:]*))")
+    r"|bind_(?:field|entry))\((?=([^;:]*))")
 
 
 def kind_of(schema):

@@ -153,7 +153,7 @@ def main():
     # The first fifth is left out: GTK's caches and the fonts are still being filled.
     figures = figures[len(figures) // 5:]
     if len(figures) < 6:
-        sys.exit("too few polls to say anything: at least 800")
+        sys.exit("too few polls to say anything: at least 700")
     third = len(figures) // 3
 
     def rise(name):
