@@ -8,6 +8,8 @@ Usage: simulator_server_test.py PROGRAM [unittest arguments]
 import http.client
 import json
 import os
+import pathlib
+import re
 import signal
 import stat
 import subprocess
@@ -18,6 +20,8 @@ import unittest
 from simulator_process import HEADER, LIMIT_S, Simulator
 
 PROGRAM = None
+MANUAL_PAGE = (pathlib.Path(__file__).resolve().parents[2]
+               / "data" / "man" / "tarnwave-station-simulator.1.in")
 
 
 def run(*arguments):
@@ -172,6 +176,12 @@ class CommandLine(unittest.TestCase):
         self.assertIn("--socket PATH", run("--help").stdout)
         self.assertRegex(run("--version").stdout, r"^tarnwave-station-simulator \d+\.\d+\.\d+\n$")
         self.assertRegex(run("--list-scenarios").stdout, r"(?m)^  on-air  ")
+
+    def test_the_manual_page_has_the_options_of_the_help(self):
+        page = MANUAL_PAGE.read_text(encoding="utf-8").replace("\\-", "-")
+        options = " ".join(re.findall(r"^\.B[IR]? (--.*)$", page, re.MULTILINE))
+        self.assertEqual(set(re.findall("--[a-z-]+", options)),
+                         set(re.findall("--[a-z-]+", run("--help").stdout)))
 
 
 if __name__ == "__main__":
